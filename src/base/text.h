@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace lumetry {
+
+/// The text as well-formed UTF-8: every byte that belongs to no character becomes U+FFFD.
+[[nodiscard]] std::string validUtf8(std::string_view text);
+/// Without the white space and line breaks (Unicode's) at either end. Takes well-formed UTF-8.
+[[nodiscard]] std::string trimmed(std::string_view text);
+/// The first characters as a reader counts them (extended grapheme clusters, Unicode UAX #29), so
+/// that an emoji sequence or a letter with its accents is never cut. Takes well-formed UTF-8.
+[[nodiscard]] std::string firstCharacters(std::string_view text, std::size_t count);
+/// The text with every occurrence of the pattern taken out.
+[[nodiscard]] std::string removingOccurrences(std::string_view text, std::string_view pattern);
+
+} // namespace lumetry

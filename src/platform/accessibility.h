@@ -1,0 +1,38 @@
+#pragma once
+
+#include "base/token.h"
+#include "platform/ax_ui_element.h"
+
+#include <sys/types.h>
+
+#include <span>
+#include <string_view>
+
+namespace lumetry {
+
+/// The way into other applications' element trees.
+class Accessibility {
+public:
+    Accessibility() = default;
+    Accessibility(const Accessibility&) = delete;
+    Accessibility& operator=(const Accessibility&) = delete;
+    virtual ~Accessibility() = default;
+
+    /// The root of everything on screen (AXUIElementCreateSystemWide).
+    [[nodiscard]] virtual AXUIElement createSystemWide() = 0;
+    /// The root of one application, running or not (AXUIElementCreateApplication).
+    [[nodiscard]] virtual AXUIElement createApplication(pid_t pid) = 0;
+    /// Whether this program may read other applications (AXIsProcessTrusted).
+    [[nodiscard]] virtual bool isProcessTrusted() = 0;
+
+    /// Until the token is destroyed, what has been read once is not asked for again: every
+    /// attribute keeps the answer it gave first. Scopes do not nest; an inner one ends nothing.
+    [[nodiscard]] virtual Token keepAnswers() = 0;
+    /// Asks for attributes of several elements together, so that one wait serves them all; the
+    /// answers are kept for the scope that is open. Only a hint: a desktop that cannot do it does
+    /// nothing, and without an open scope nothing is asked.
+    virtual void prefetch(std::span<const AXUIElement> elements,
+                          std::span<const std::string_view> attributes) = 0;
+};
+
+} // namespace lumetry
