@@ -55,21 +55,20 @@ struct AXTextMarkerRange {
 
 /// The value of an accessibility attribute: exactly one of the kinds that attributes have.
 struct AXValue {
-    using Variant =
-        std::variant<std::string, std::int64_t, AXNumber, bool, AXUIElement,
-                     std::vector<AXUIElement>, Point, Size, AXRange,
-                     std::shared_ptr<const AXAttributedString>, std::shared_ptr<const AXDictionary>,
-                     Color, AXTextMarkerRange>;
+    using Variant = std::variant<std::string, std::int64_t, AXNumber, bool, AXUIElement,
+                                 std::vector<AXUIElement>, Point, Size, AXRange,
+                                 std::shared_ptr<const AXAttributedString>,
+                                 std::shared_ptr<const AXDictionary>, Color, AXTextMarkerRange>;
 
     Variant variant;
 
     AXValue(const char* text) : variant(std::string(text)) {}
-    template <typename Kind>
-        requires std::constructible_from<Variant, std::in_place_type_t<Kind>, Kind>
-    AXValue(Kind value) : variant(std::in_place_type<Kind>, std::move(value)) {}
+    template<typename Kind>
+    requires std::constructible_from<Variant, std::in_place_type_t<Kind>, Kind> AXValue(Kind value)
+        : variant(std::in_place_type<Kind>, std::move(value)) {}
 
     /// The value when it is of that kind; a value of another kind counts as absent.
-    template <typename Kind>
+    template<typename Kind>
     [[nodiscard]] std::optional<Kind> as() const {
         if (const auto* value = std::get_if<Kind>(&variant)) {
             return *value;

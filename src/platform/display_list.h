@@ -59,9 +59,8 @@ struct DrawText {
     friend bool operator==(const DrawText&, const DrawText&) = default;
 };
 
-using DrawCommand =
-    std::variant<FillRoundedRect, StrokeRoundedRect, FillEllipse, StrokeEllipse, StrokeLine,
-                 DrawText>;
+using DrawCommand = std::variant<FillRoundedRect, StrokeRoundedRect, FillEllipse, StrokeEllipse,
+                                 StrokeLine, DrawText>;
 
 /// Drawing kept as a list of commands, in drawing order and view space.
 using DisplayList = std::vector<DrawCommand>;

@@ -4,6 +4,7 @@
 
 #include <sys/types.h>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,6 +13,7 @@ namespace lumetry {
 
 /// A window on the screen as the accessibility side needs it.
 struct DesktopWindow {
+    std::uint32_t id = 0;     ///< of the application's own window, the same for as long as it lives
     std::optional<pid_t> pid; ///< of its owner; absent where that cannot be told
     Rect bounds;              ///< accessibility space, with its decorations, without its shadow
     bool popup = false;       ///< a menu, drop-down, tooltip or the like
@@ -19,9 +21,10 @@ struct DesktopWindow {
 
 /// What a process's windows say of it.
 struct ProcessWindows {
-    bool any = false;                ///< it has windows that a window manager looks after
-    bool inTaskBar = false;          ///< at least one of them has a place in the task bar
-    std::vector<std::string> classes; ///< both strings of each one's WM_CLASS, and its application id
+    bool any = false;       ///< it has windows that a window manager looks after
+    bool inTaskBar = false; ///< at least one of them has a place in the task bar
+    std::vector<std::string>
+        classes; ///< both strings of each one's WM_CLASS, and its application id
 };
 
 /// Windows as the Linux desktop has them, for the parts of this backend that are not X11's own.

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "base/geometry.h"
+
+#include <optional>
+#include <string>
+
+namespace lumetry {
+
+/// Rounded to the nearest integer, halves away from zero, in decimal. Any value that a double holds
+/// is printed, infinities as "inf".
+[[nodiscard]] std::string wholeNumber(double value);
+
+/// The aspect ratio of a size rounded to whole points: its lowest terms when neither exceeds 32
+/// ("16:9"), else the exact quotient ("1.78:1"). Absent for less than a point in width or height.
+[[nodiscard]] std::optional<std::string> aspectString(const Size& size);
+
+} // namespace lumetry

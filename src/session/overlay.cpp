@@ -1,0 +1,83 @@
+#include "session/overlay.h"
+
+#include "platform/accessibility.h"
+#include "platform/input.h"
+#include "platform/run_loop.h"
+#include "platform/window_server.h"
+#include "probe/electron.h"
+
+namespace lumetry {
+
+Overlay::Overlay(const Platform& platform, ProbeState& state)
+    : platform_(platform), state_(state), view_(platform.windowServer),
+      window_(platform.overlayWindows.makeWindow(unionFrame(platform.windowServer),
+                                                 OverlayWindowStyle{})) {
+    window_->setContentView(view_);
+}
+
+Rect Overlay::unionFrame(WindowServer& windowServer) {
+    Rect all = Rect::null();
+    for (const Screen& screen : windowServer.screens()) {
+        all = unite(all, screen.frame);
+    }
+    return all;
+}
+
+void Overlay::start() {
+    if (!platform_.accessibility.isProcessTrusted()) {
+        if (onNeedsPermissions) {
+            onNeedsPermissions();
+        }
+        return;
+    }
+    active_ = true;
+    wakeVisibleChromiumApps(platform_, state_);
+    if (!platform_.windowServer.preflightScreenCaptureAccess()) {
+        platform_.windowServer.requestScreenCaptureAccess();
+    }
+    window_->setFrame(unionFrame(platform_.windowServer));
+    window_->orderFrontRegardless();
+    keyMonitor_ = platform_.eventMonitors.addGlobalMonitorForEvents(
+        eventMask(EventType::keyDown),
+        [weak = std::weak_ptr(self_), &runLoop = platform_.runLoop](const Event& event) {
+            if (event.keyCode == keyCodeEscape) {
+                // Later, since stop() removes this very monitor.
+                runLoop.async([weak] {
+                    if (const auto session = weak.lock()) {
+                        session->stop();
+                    }
+                });
+            }
+        });
+    view_.exitTag = true;
+    beginTracking();
+}
+
+void Overlay::beginTracking() {
+    if (!active_ || monitor_) {
+        return;
+    }
+    monitor_ = platform_.eventMonitors.addGlobalMonitorForEvents(
+        eventMask(EventType::mouseMoved) | eventMask(EventType::flagsChanged) |
+            eventMask(EventType::scrollWheel),
+        [weak = std::weak_ptr(self_)](const Event&) {
+            if (const auto session = weak.lock()) {
+                session->update();
+            }
+        });
+    update();
+}
+
+void Overlay::stop() {
+    active_ = false;
+    pinnedFrame_.reset();
+    cachedComponent_.reset();
+    cachedFrame_ = Rect::null();
+    view_.exitTag = false;
+    releaseElectronEnhancements(platform_, state_);
+    monitor_.reset();
+    keyMonitor_.reset();
+    window_->orderOut();
+}
+
+} // namespace lumetry

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "base/geometry.h"
+#include "base/token.h"
+#include "platform/ax_ui_element.h"
+#include "platform/overlay_window.h"
+#include "platform/platform.h"
+#include "probe/hit_test.h"
+#include "probe/probe_state.h"
+#include "render/overlay_view.h"
+#include "session/glance.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace lumetry {
+
+/// The inspection session: inspect mode on and off, with the window that covers every screen and
+/// the monitors that follow the pointer. Made once for the whole run of the program.
+class Overlay {
+public:
+    /// Makes the window and its view; shows nothing.
+    Overlay(const Platform& platform, ProbeState& state);
+    Overlay(const Overlay&) = delete;
+    Overlay& operator=(const Overlay&) = delete;
+    ~Overlay() = default;
+
+    /// Turns inspect mode on. Without permission to read other applications it only calls
+    /// onNeedsPermissions.
+    void start();
+    /// Turns inspect mode off; repeats only the clean-up when it is off already.
+    void stop();
+    /// Whether inspect mode is on.
+    [[nodiscard]] bool active() const { return active_; }
+
+    /// Takes one pointer sample: finds what is under the pointer and hands the view what to draw.
+    /// Does nothing within 25 ms of the last sample taken.
+    void update();
+
+    /// The frame that covers all screens, in screen space; null without screens.
+    [[nodiscard]] static Rect unionFrame(WindowServer& windowServer);
+
+    [[nodiscard]] const OverlayView& view() const { return view_; }
+
+    /// Called when inspect mode cannot start because other applications may not be read.
+    std::function<void()> onNeedsPermissions;
+
+private:
+    /// What one sample found.
+    struct Outcome {
+        std::string header;
+        std::vector<GlanceRow> rows;
+        std::optional<Rect> box; ///< of the selection, accessibility space
+    };
+    struct Sample {
+        Point pointer; ///< screen space
+        Point at;      ///< the same in accessibility space
+        std::optional<WindowHit> window;
+    };
+
+    void beginTracking();
+    [[nodiscard]] std::optional<Rect> pinnedRect(const Sample& sample);
+    void measure(const Rect& pinned, const Sample& sample);
+    [[nodiscard]] Outcome hover(const Sample& sample);
+    [[nodiscard]] Outcome nothingAt(const Sample& sample);
+    [[nodiscard]] Outcome readout(const ResolvedComponent& resolved, const Rect& frame);
+    void show(Outcome outcome, const Sample& sample);
+    [[nodiscard]] std::optional<AXUIElement> elementAt(const Sample& sample);
+    [[nodiscard]] Rect inView(const Rect& accessibilityRect) const;
+
+    const Platform& platform_;
+    ProbeState& state_;
+
+    OverlayView view_;
+    std::unique_ptr<OverlayWindow> window_;
+    Token monitor_;    ///< of pointer, modifier and scroll events
+    Token keyMonitor_; ///< of key presses
+    double lastSample_ = 0;
+    std::optional<Rect> pinnedFrame_;
+    std::optional<Rect> lastHoveredFrame_;
+    bool active_ = false;
+    std::optional<AXUIElement> cachedComponent_;
+    Rect cachedFrame_ = Rect::null();
+    std::string cachedHeader_;
+    std::vector<GlanceRow> cachedRows_;
+
+    /// What handlers and queued tasks hold of the session: expired once it is gone.
+    std::shared_ptr<Overlay> self_{this, [](Overlay*) {}};
+};
+
+} // namespace lumetry
