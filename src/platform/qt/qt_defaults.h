@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/defaults.h"
+
+#include <QSettings>
+
+namespace lumetry {
+
+/// Settings kept in lumetry/lumetry.conf below $XDG_CONFIG_HOME.
+class QtDefaults final : public Defaults {
+public:
+    QtDefaults();
+
+    [[nodiscard]] bool boolForKey(std::string_view key) override;
+    void setBool(bool value, std::string_view key) override;
+
+private:
+    QSettings settings_;
+    bool complained_ = false;
+};
+
+} // namespace lumetry
