@@ -1,5 +1,6 @@
 #include "base/number_text.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
@@ -23,6 +24,11 @@ std::string formatted(const char* format, double value) {
 std::string wholeNumber(double value) {
     // Adding zero turns a negative zero into a plain one.
     return formatted("%.0f", std::round(value) + 0.0);
+}
+
+long long integerValue(double value) {
+    constexpr double limit = 9.2e18;
+    return std::isnan(value) ? 0 : static_cast<long long>(std::clamp(value, -limit, limit));
 }
 
 std::optional<std::string> aspectString(const Size& size) {

@@ -11,6 +11,9 @@ namespace lumetry {
 /// is printed, infinities as "inf".
 [[nodiscard]] std::string wholeNumber(double value);
 
+/// The value without its fraction, at most what a 64-bit integer holds; 0 for what is not a number.
+[[nodiscard]] long long integerValue(double value);
+
 /// The aspect ratio of a size rounded to whole points: its lowest terms when neither exceeds 32
 /// ("16:9"), else the exact quotient ("1.78:1"). Absent for less than a point in width or height.
 [[nodiscard]] std::optional<std::string> aspectString(const Size& size);

@@ -2,6 +2,7 @@
 
 #include <utf8proc.h>
 
+#include <array>
 #include <optional>
 
 namespace lumetry {
@@ -15,9 +16,8 @@ struct Decoded {
 /// The code point at the start of the text, or nothing where its bytes form none.
 std::optional<Decoded> decodeFirst(std::string_view text) {
     utf8proc_int32_t codePoint = 0;
-    const auto length =
-        utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
-                         static_cast<utf8proc_ssize_t>(text.size()), &codePoint);
+    const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
+                                         static_cast<utf8proc_ssize_t>(text.size()), &codePoint);
     if (length <= 0) {
         return std::nullopt;
     }
@@ -81,6 +81,25 @@ std::string firstCharacters(std::string_view text, std::size_t count) {
         at += decoded ? decoded->length : 1;
     }
     return std::string(text.substr(0, at));
+}
+
+std::string lowerCase(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    while (!text.empty()) {
+        const auto decoded = decodeFirst(text);
+        const std::size_t length = decoded ? decoded->length : 1;
+        if (decoded) {
+            std::array<utf8proc_uint8_t, 4> bytes{};
+            const auto count =
+                utf8proc_encode_char(utf8proc_tolower(decoded->codePoint), bytes.data());
+            result.append(bytes.begin(), bytes.begin() + count);
+        } else {
+            result += text.front();
+        }
+        text.remove_prefix(length);
+    }
+    return result;
 }
 
 std::string removingOccurrences(std::string_view text, std::string_view pattern) {

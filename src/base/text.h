@@ -16,4 +16,8 @@ namespace lumetry {
 /// The text with every occurrence of the pattern taken out.
 [[nodiscard]] std::string removingOccurrences(std::string_view text, std::string_view pattern);
 
+/// The text with every letter in its lower case, as far as that is a single letter. Takes
+/// well-formed UTF-8.
+[[nodiscard]] std::string lowerCase(std::string_view text);
+
 } // namespace lumetry

@@ -8,7 +8,9 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -28,6 +30,16 @@ struct AXNumber {
     double value = 0;
 
     friend bool operator==(const AXNumber&, const AXNumber&) = default;
+};
+
+/// A font object of the platform (NSFont).
+struct PlatformFont {
+    std::string fontName;
+    std::optional<std::string> familyName;
+    double pointSize = 0;
+    int weight = 0; ///< on the font manager's scale of 0 to 15
+
+    friend bool operator==(const PlatformFont&, const PlatformFont&) = default;
 };
 
 /// Names to values (NSDictionary with string keys).
@@ -53,18 +65,25 @@ struct AXTextMarkerRange {
     friend bool operator==(const AXTextMarkerRange&, const AXTextMarkerRange&) = default;
 };
 
+template<typename Kind, typename Variant>
+inline constexpr bool isAlternative = false;
+template<typename Kind, typename... Kinds>
+inline constexpr bool isAlternative<Kind, std::variant<Kinds...>> = (std::is_same_v<Kind, Kinds> ||
+                                                                     ...);
+
 /// The value of an accessibility attribute: exactly one of the kinds that attributes have.
 struct AXValue {
-    using Variant = std::variant<std::string, std::int64_t, AXNumber, bool, AXUIElement,
-                                 std::vector<AXUIElement>, Point, Size, AXRange,
-                                 std::shared_ptr<const AXAttributedString>,
-                                 std::shared_ptr<const AXDictionary>, Color, AXTextMarkerRange>;
+    using Variant =
+        std::variant<std::string, std::int64_t, AXNumber, bool, AXUIElement,
+                     std::vector<AXUIElement>, Point, Size, AXRange,
+                     std::shared_ptr<const AXAttributedString>, std::shared_ptr<const AXDictionary>,
+                     Color, PlatformFont, AXTextMarkerRange>;
 
     Variant variant;
 
     AXValue(const char* text) : variant(std::string(text)) {}
     template<typename Kind>
-    requires std::constructible_from<Variant, std::in_place_type_t<Kind>, Kind> AXValue(Kind value)
+    requires isAlternative<Kind, Variant> AXValue(Kind value)
         : variant(std::in_place_type<Kind>, std::move(value)) {}
 
     /// The value when it is of that kind; a value of another kind counts as absent.

@@ -38,6 +38,10 @@ std::optional<AXUIElement> axParent(const AXUIElement& element) {
     return attribute<AXUIElement>(element, "AXParent");
 }
 
+std::optional<std::vector<AXUIElement>> axChildren(const AXUIElement& element) {
+    return attribute<std::vector<AXUIElement>>(element, "AXChildren");
+}
+
 std::string bundleID(Applications& applications, pid_t pid) {
     const auto application = applications.runningApplication(pid);
     return application && application->bundleIdentifier ? *application->bundleIdentifier

@@ -63,7 +63,7 @@ std::optional<AXUIElement> axElementAt(const Platform& platform, ProbeState& sta
     const AXUIElement application = platform.accessibility.createApplication(window->pid);
     application.setMessagingTimeout(hitTestTimeoutSeconds);
     const bool electron = isElectronApp(platform, state, window->pid);
-    const auto element = hitTest(application, at);
+    auto element = hitTest(application, at);
     if (electron) {
         const auto frame = element ? axFrame(*element) : std::nullopt;
         if (!element || (frame && nearlyCovers(*frame, window->bounds))) {

@@ -10,7 +10,7 @@ namespace {
 QFont preferred(const QStringList& families, QFontDatabase::SystemFont otherwise) {
     for (const QString& family : families) {
         if (QFontDatabase::hasFamily(family)) {
-            return QFont(family);
+            return {family};
         }
     }
     return QFontDatabase::systemFont(otherwise);

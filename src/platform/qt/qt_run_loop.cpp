@@ -37,6 +37,8 @@ Token connectHandler(Sender* sender, Signal signal, void (Sender::*silence)(),
                      std::function<void()> handler) {
     QObject::connect(sender, signal, sender,
                      [handler = std::make_shared<std::function<void()>>(std::move(handler))] {
+                         // The handler may let go of the last other copy.
+                         // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
                          const auto kept = handler;
                          (*kept)();
                      });
