@@ -9,6 +9,9 @@ if(LUMETRY_SANITIZE)
     -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
   target_link_options(lumetry_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(LUMETRY_FUZZ)
+  target_compile_options(lumetry_options INTERFACE -fsanitize=fuzzer-no-link -O1)
+endif()
 
 # lumetry_library(NAME USES target... [ROOT folder])
 #

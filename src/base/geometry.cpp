@@ -18,6 +18,16 @@ bool Rect::contains(Point point) const {
            point.y < maxY();
 }
 
+std::optional<Span> gapBetween(const Span& a, const Span& b) {
+    if (a.high <= b.low) {
+        return Span{a.high, b.low};
+    }
+    if (b.high <= a.low) {
+        return Span{b.high, a.low};
+    }
+    return std::nullopt;
+}
+
 Rect unite(const Rect& a, const Rect& b) {
     if (a.isNull()) {
         return b;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <limits>
+#include <optional>
 
 namespace lumetry {
 
@@ -52,6 +53,26 @@ struct Rect {
 
     friend bool operator==(const Rect&, const Rect&) = default;
 };
+
+/// A stretch along one axis.
+struct Span {
+    double low = 0;
+    double high = 0;
+
+    [[nodiscard]] constexpr double length() const { return high - low; }
+    [[nodiscard]] constexpr double middle() const { return low + length() / 2; }
+
+    friend bool operator==(const Span&, const Span&) = default;
+};
+
+[[nodiscard]] constexpr Span horizontalSpan(const Rect& rect) {
+    return {rect.minX(), rect.maxX()};
+}
+[[nodiscard]] constexpr Span verticalSpan(const Rect& rect) {
+    return {rect.minY(), rect.maxY()};
+}
+/// The stretch between two that do not overlap; absent when they do.
+[[nodiscard]] std::optional<Span> gapBetween(const Span& a, const Span& b);
 
 /// The smallest rectangle around both; the null rectangle adds nothing.
 [[nodiscard]] Rect unite(const Rect& a, const Rect& b);

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <numeric>
 
 namespace lumetry {
@@ -13,17 +13,19 @@ namespace {
 /// Above this a double no longer holds every integer.
 constexpr double largestExactInteger = 9007199254740992.0;
 
-std::string formatted(const char* format, double value) {
+/// In decimal with a point whatever the user's language, which formatting functions follow.
+std::string fixedText(double value, int decimals) {
     std::array<char, 512> buffer{};
-    const int length = std::snprintf(buffer.data(), buffer.size(), format, value);
-    return length > 0 ? std::string(buffer.data()) : std::string();
+    const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                       std::chars_format::fixed, decimals);
+    return {buffer.data(), written.ptr};
 }
 
 } // namespace
 
 std::string wholeNumber(double value) {
     // Adding zero turns a negative zero into a plain one.
-    return formatted("%.0f", std::round(value) + 0.0);
+    return fixedText(std::round(value) + 0.0, 0);
 }
 
 long long integerValue(double value) {
@@ -46,7 +48,7 @@ std::optional<std::string> aspectString(const Size& size) {
             return std::to_string(w / divisor) + ":" + std::to_string(h / divisor);
         }
     }
-    return formatted("%.2f:1", size.width / size.height);
+    return fixedText(size.width / size.height, 2) + ":1";
 }
 
 } // namespace lumetry

@@ -2,6 +2,7 @@
 
 #include "base/color_metrics.h"
 #include "pixels/color_sample.h"
+#include "pixels/dominant_colors.h"
 #include "platform/screen_capture.h"
 
 #include <algorithm>
@@ -17,99 +18,15 @@ namespace {
 constexpr double smallestSide = 8;  ///< of an element, in points
 constexpr double longestSide = 400; ///< of the picture, in pixels
 
-// Colours are told apart by the upper four bits of each channel.
-constexpr unsigned channelLevels = 16;
-constexpr std::size_t colorKeys = 4096;
-
-constexpr std::size_t keyOf(std::uint32_t pixel) {
-    return ((pixel >> 12U) & 0xF00U) | ((pixel >> 8U) & 0xF0U) | ((pixel >> 4U) & 0xFU);
-}
-
-/// The largest difference of two keys in any channel, in quantised steps.
-int keyDistance(std::size_t a, std::size_t b) {
-    int most = 0;
-    for (int channel = 0; channel < 3; ++channel) {
-        most = std::max(most, std::abs(static_cast<int>(a % channelLevels) -
-                                       static_cast<int>(b % channelLevels)));
-        a /= channelLevels;
-        b /= channelLevels;
-    }
-    return most;
-}
-
-using Histogram = std::array<std::uint32_t, colorKeys>;
-
-/// The most frequent key among those that the predicate lets through; absent when none occurs.
-template<typename Predicate>
-std::optional<std::size_t> mostFrequent(const Histogram& histogram, Predicate isEligible) {
-    std::optional<std::size_t> best;
-    for (std::size_t key = 0; key < colorKeys; ++key) {
-        if (histogram[key] > (best ? histogram[*best] : 0) && isEligible(key)) {
-            best = key;
-        }
-    }
-    return best;
-}
-
-/// Sums of the channels of many pixels.
-struct ColorSum {
-    std::uint64_t count = 0;
-    std::uint64_t red = 0;
-    std::uint64_t green = 0;
-    std::uint64_t blue = 0;
-
-    void add(std::uint32_t pixel) {
-        ++count;
-        red += (pixel >> 16U) & 0xFFU;
-        green += (pixel >> 8U) & 0xFFU;
-        blue += pixel & 0xFFU;
-    }
-
-    /// Rounded down. There is at least one pixel.
-    [[nodiscard]] PixelColor average() const {
-        return {static_cast<int>(red / count), static_cast<int>(green / count),
-                static_cast<int>(blue / count)};
-    }
-};
-
-struct ColorSums {
-    ColorSum fill;
-    ColorSum ink;
-};
-
-ColorSums sumColors(const Bitmap& picture) {
-    Histogram histogram{};
-    for (const std::uint32_t pixel : picture.pixels) {
-        ++histogram[keyOf(pixel)];
-    }
-    const auto mode = mostFrequent(histogram, [](std::size_t) { return true; });
-    const auto second = mostFrequent(histogram, [&](std::size_t key) {
-        constexpr int nearFill = 2;
-        return keyDistance(key, *mode) > nearFill;
-    });
-    // One sum for each key's pixels; those near neither are added to the third and dropped.
-    std::array<std::uint8_t, colorKeys> sumOfKey{};
-    for (std::size_t key = 0; key < colorKeys; ++key) {
-        sumOfKey[key] = keyDistance(key, *mode) <= 1               ? 0
-                        : second && keyDistance(key, *second) <= 1 ? 1
-                                                                   : 2;
-    }
-    std::array<ColorSum, 3> sums;
-    for (const std::uint32_t pixel : picture.pixels) {
-        sums[sumOfKey[keyOf(pixel)]].add(pixel);
-    }
-    return {sums[0], sums[1]};
-}
-
-std::optional<Color> inkOf(const ColorSum& ink, const Color& fill, std::size_t total) {
+std::optional<Color> inkOf(const AverageColor& ink, const Color& fill, std::size_t total) {
     constexpr std::size_t smallPicture = 600;
     constexpr std::size_t fewestInSmall = 12;
     constexpr double leastContrast = 1.6;
     const std::size_t fewest = total < smallPicture ? fewestInSmall : total / 50;
-    if (ink.count < fewest || ink.count == 0) {
+    if (ink.pixels < fewest) {
         return std::nullopt;
     }
-    const Color color = opaqueColor(ink.average());
+    const Color color = opaqueColor(ink.color);
     return wcagContrast(color, fill) >= leastContrast ? std::optional(color) : std::nullopt;
 }
 
@@ -180,18 +97,13 @@ SurfaceInfo analyzeSurface(ScreenCapture& capture, std::uint32_t windowNumber, c
 
 SurfaceInfo analyzeSurfaceIn(const Bitmap& picture, const Size& size, double pixelsPerPoint) {
     constexpr double leastShare = 0.45;
-    const std::size_t total = picture.pixels.size();
-    if (total == 0) {
+    const auto colors = dominantColors(picture, leastShare);
+    if (!colors) {
         return {};
     }
-    const ColorSums sums = sumColors(picture);
-    if (static_cast<double>(sums.fill.count) / static_cast<double>(total) < leastShare) {
-        return {};
-    }
-    const PixelColor fill = sums.fill.average();
-    const Color fillColor = opaqueColor(fill);
-    return {fillColor, inkOf(sums.ink, fillColor, total),
-            radiusOf(picture, fill, size, pixelsPerPoint)};
+    const Color fill = opaqueColor(colors->fill.color);
+    return {fill, colors->ink ? inkOf(*colors->ink, fill, picture.pixels.size()) : std::nullopt,
+            radiusOf(picture, colors->fill.color, size, pixelsPerPoint)};
 }
 
 } // namespace lumetry

@@ -28,6 +28,13 @@ std::vector<Rect> framesOf(Accessibility& accessibility, std::span<const AXUIEle
     return frames;
 }
 
+/// Faulty applications report frames that no arithmetic is worth doing with.
+bool areFinite(std::span<const Rect> frames) {
+    return std::ranges::all_of(frames, [](const Rect& frame) {
+        return std::isfinite(frame.maxX()) && std::isfinite(frame.maxY());
+    });
+}
+
 struct Insets {
     double top = 0;
     double right = 0;
@@ -97,11 +104,9 @@ std::optional<std::string> axPadding(Accessibility& accessibility, const AXUIEle
     if (!children || children->empty() || children->size() > mostChildren) {
         return std::nullopt;
     }
-    Rect content = Rect::null();
-    for (const Rect& child : framesOf(accessibility, *children)) {
-        content = unite(content, child);
-    }
-    if (content.isEmpty()) {
+    const auto frames = framesOf(accessibility, *children);
+    const Rect content = std::accumulate(frames.begin(), frames.end(), Rect::null(), unite);
+    if (content.isEmpty() || !areFinite(frames)) {
         return std::nullopt;
     }
     const auto insetOf = [](double distance) { return std::round(std::max(distance, 0.0)); };
@@ -134,11 +139,9 @@ std::optional<CollectionGap> collectionGap(Accessibility& accessibility,
     }
     auto frames = framesOf(accessibility,
                            std::span(*children).first(std::min(children->size(), mostMeasured)));
-    std::erase_if(frames, [](const Rect& frame) {
-        return !(frame.width > 1 && frame.height > 1) || !std::isfinite(frame.maxX()) ||
-               !std::isfinite(frame.maxY());
-    });
-    if (frames.size() < 2) {
+    std::erase_if(frames,
+                  [](const Rect& frame) { return !(frame.width > 1 && frame.height > 1); });
+    if (frames.size() < 2 || !areFinite(frames)) {
         return std::nullopt;
     }
     const bool vertical = spread(frames, &Rect::x) <= spread(frames, &Rect::y);

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <utility>
 #include <vector>
 
@@ -28,7 +29,7 @@ constexpr std::array textContainerRoles = std::to_array<std::string_view>({
 
 const AXValue* attributeOfFirst(const AXAttributedString& text, std::string_view name) {
     for (const AXTextRun& run : text.runs) {
-        if (run.attributes && run.range.location <= 0 &&
+        if (run.attributes && run.range.location <= 0 && run.range.length > 0 &&
             run.range.location + run.range.length > 0) {
             const auto found = run.attributes->find(name);
             return found == run.attributes->end() ? nullptr : &found->second;
@@ -47,6 +48,14 @@ template<typename Kind>
 std::optional<Kind> entry(const AXDictionary& dictionary, std::string_view name) {
     const auto found = dictionary.find(name);
     return found == dictionary.end() ? std::nullopt : found->second.as<Kind>();
+}
+
+/// The entry when it is a number of either kind, without its fraction.
+std::optional<long long> integerEntry(const AXDictionary& dictionary, std::string_view name) {
+    if (const auto number = entry<AXNumber>(dictionary, name)) {
+        return integerValue(number->value);
+    }
+    return entry<std::int64_t>(dictionary, name);
 }
 
 /// The attributed string of an answer; absent when it is none or has no characters.
@@ -76,8 +85,7 @@ std::string fontRow(const AXDictionary& font) {
     if (!family) {
         family = name;
     }
-    const auto number = entry<AXNumber>(font, "AXFontSize");
-    const long long size = number ? integerValue(number->value) : 0;
+    const long long size = integerEntry(font, "AXFontSize").value_or(0);
     const std::string pixels = std::to_string(size) + "px";
     if (family->empty()) {
         constexpr long long largestTextSize = 19;

@@ -14,33 +14,6 @@ constexpr double outlineRadius = 4;
 constexpr double lineWidth = 1.5;
 constexpr Font gapFont = {FontFamily::monospacedSystem, 11, FontWeight::semibold};
 
-/// A stretch along one axis.
-struct Span {
-    double low = 0;
-    double high = 0;
-
-    [[nodiscard]] double middle() const { return low + (high - low) / 2; }
-};
-
-Span horizontal(const Rect& rect) {
-    return {rect.minX(), rect.maxX()};
-}
-
-Span vertical(const Rect& rect) {
-    return {rect.minY(), rect.maxY()};
-}
-
-/// The stretch between two that do not overlap; absent when they do.
-std::optional<Span> between(const Span& a, const Span& b) {
-    if (a.high <= b.low) {
-        return Span{a.high, b.low};
-    }
-    if (b.high <= a.low) {
-        return Span{b.high, a.low};
-    }
-    return std::nullopt;
-}
-
 /// Where a distance across two stretches is drawn: at the middle of what they share, else halfway
 /// between their middles.
 double crossing(const Span& a, const Span& b) {
@@ -90,12 +63,12 @@ void drawMeasure(Canvas& canvas, const Rect& a, const std::optional<Rect>& b) {
         return;
     }
     canvas.strokeRoundedRect(*b, outlineRadius, pink, lineWidth);
-    if (const auto gap = between(horizontal(a), horizontal(*b))) {
-        const double y = crossing(vertical(a), vertical(*b));
+    if (const auto gap = gapBetween(horizontalSpan(a), horizontalSpan(*b))) {
+        const double y = crossing(verticalSpan(a), verticalSpan(*b));
         drawGap(canvas, {gap->low, y}, {gap->high, y}, dash);
     }
-    if (const auto gap = between(vertical(a), vertical(*b))) {
-        const double x = crossing(horizontal(a), horizontal(*b));
+    if (const auto gap = gapBetween(verticalSpan(a), verticalSpan(*b))) {
+        const double x = crossing(horizontalSpan(a), horizontalSpan(*b));
         drawGap(canvas, {x, gap->low}, {x, gap->high}, dash);
     }
 }

@@ -78,6 +78,9 @@ void Overlay::stop() {
     monitor_.reset();
     keyMonitor_.reset();
     window_->orderOut();
+    if (onStop) {
+        onStop();
+    }
 }
 
 } // namespace lumetry

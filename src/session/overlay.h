@@ -47,6 +47,8 @@ public:
 
     /// Called when inspect mode cannot start because other applications may not be read.
     std::function<void()> onNeedsPermissions;
+    /// Called after inspect mode was turned off.
+    std::function<void()> onStop;
 
 private:
     /// What one sample found.

@@ -41,13 +41,13 @@ public:
     }
 
     void operator()(const FillRoundedRect& command) {
-        painter_.fillPath(
-            roundedRect(onWholePixels(visiblePart(command.rect, command.radius)), command.radius),
-            colorOf(command.color));
+        painter_.fillPath(roundedRect(onWholePixels(visiblePart(command.rect, 2 * command.radius)),
+                                      command.radius),
+                          colorOf(command.color));
     }
 
     void operator()(const StrokeRoundedRect& command) {
-        const double margin = command.radius + command.lineWidth;
+        const double margin = 2 * command.radius + command.lineWidth;
         const Rect rect = visiblePart(command.rect, margin);
         painter_.strokePath(
             roundedRect(command.lineWidth <= 1 ? onPixelCentres(rect) : rect, command.radius),
@@ -115,6 +115,7 @@ private:
 
     /// The rectangle with its far-off edges brought in to where their curves and lines still do not
     /// show: elements may claim any coordinates, and the painter holds only so many pixels.
+    /// @param margin twice the radius of the corners at least, or they would be made smaller
     [[nodiscard]] Rect visiblePart(const Rect& rect, double margin) const {
         const Rect reach = inset(area_, -margin - 2, -margin - 2);
         const double left = std::clamp(rect.minX(), reach.minX(), reach.maxX());

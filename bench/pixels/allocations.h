@@ -1,0 +1,10 @@
+#pragma once
+
+#include <cstddef>
+
+namespace lumetry {
+
+/// How often this program has asked for memory so far.
+[[nodiscard]] std::size_t allocationsSoFar();
+
+} // namespace lumetry

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "platform/ax_value.h"
+#include "platform/linux/atspi/atspi_bus.h"
+#include "platform/linux/atspi/deadline.h"
+#include "platform/linux/atspi/message.h"
+#include "platform/linux/atspi/object_reference.h"
+
+#include <cstdint>
+#include <map>
+#include <span>
+#include <vector>
+
+namespace lumetry::atspi {
+
+/// More than anything shows of an element's text, and little enough to be asked of a book.
+inline constexpr std::int32_t textBeginningCharacters = 1024;
+
+/// What is asked of an object for its attributes.
+enum class Question : std::uint8_t {
+    role,
+    name,
+    text,      ///< its beginning
+    wholeText, ///< for those that refuse an end beyond the text's own
+    value,
+    characterCount,
+    parent,
+    children,
+    extents,
+};
+
+struct Asked {
+    ObjectReference object;
+    Question question = Question::role;
+
+    friend auto operator<=>(const Asked&, const Asked&) = default;
+    friend bool operator==(const Asked&, const Asked&) = default;
+};
+
+/// Puts questions to objects and, while it keeps answers, puts none twice.
+class Answers {
+public:
+    explicit Answers(AtspiBus& bus) : bus_(bus) {}
+
+    /// Begins to keep answers; false when it does already.
+    bool keep();
+    void forget();
+    [[nodiscard]] bool keeps() const { return keeps_; }
+
+    /// The replies to all questions, in their order, from one exchange at most.
+    [[nodiscard]] std::vector<Reply> ask(std::span<const Asked> questions, Deadline deadline);
+    [[nodiscard]] Reply ask(const Asked& question, Deadline deadline);
+    /// Keeps a reply that was got in another way.
+    void remember(const Asked& question, const Reply& reply);
+
+private:
+    AtspiBus& bus_;
+    bool keeps_ = false;
+    std::map<Asked, Reply> kept_;
+};
+
+} // namespace lumetry::atspi

@@ -1,0 +1,174 @@
+#include "platform/linux/atspi/descent.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <set>
+#include <utility>
+#include <vector>
+
+namespace lumetry::atspi {
+namespace {
+
+using About = Inquiry::About;
+
+/// Far deeper than any interface; a tree that is deeper answers in circles.
+constexpr int deepestLevel = 100;
+constexpr int mostAncestors = 16;
+constexpr std::size_t mostSiblings = 64;
+constexpr std::size_t mostChildren = 300;
+
+std::vector<ObjectReference> childrenOf(Inquiry& inquiry, const ObjectReference& object) {
+    auto children = referencesOf(inquiry.reply({object, About::children}))
+                        .value_or(std::vector<ObjectReference>());
+    children.resize(std::min(children.size(), mostChildren));
+    return children;
+}
+
+/// The children behind that one in their parent's order.
+std::vector<ObjectReference> laterSiblings(Inquiry& inquiry, const ObjectReference& parent,
+                                           const ObjectReference& child) {
+    const auto children = childrenOf(inquiry, parent);
+    const auto place = std::ranges::find(children, child);
+    if (place == children.end()) {
+        return {};
+    }
+    std::vector<ObjectReference> later(place + 1, children.end());
+    later.resize(std::min(later.size(), mostSiblings));
+    return later;
+}
+
+/// The nearest ancestor that is seen at the point; absent where there is none above.
+std::optional<ObjectReference> ancestorAtPoint(Inquiry& inquiry, ObjectReference object) {
+    for (int level = 0; level < mostAncestors; ++level) {
+        auto parent = referenceOf(inquiry.reply({object, About::parent}));
+        if (!parent) {
+            break;
+        }
+        const std::vector<Inquiry::Query> queries = {
+            {*parent, About::extents}, {*parent, About::states}, {*parent, About::parent}};
+        inquiry.ask(queries);
+        if (inquiry.isAtPoint(*parent) && inquiry.isShowing(*parent)) {
+            return parent;
+        }
+        object = std::move(*parent);
+    }
+    return std::nullopt;
+}
+
+bool isSilent(Inquiry& inquiry, const ObjectReference& object, About about) {
+    return inquiry.reply({object, about}).outcome == Outcome::silent;
+}
+
+/// GTK answers with the first child at the point, even where a later one (a popover) lies over it.
+ObjectReference coveringSibling(Inquiry& inquiry, const ObjectReference& parent,
+                                ObjectReference child) {
+    const auto siblings = laterSiblings(inquiry, parent, child);
+    std::vector<Inquiry::Query> queries = {{child, About::childAtPoint}, {child, About::extents}};
+    for (const ObjectReference& sibling : siblings) {
+        queries.push_back({sibling, About::extents});
+    }
+    inquiry.ask(queries);
+    for (const ObjectReference& sibling : siblings) {
+        if (inquiry.isAtPoint(sibling)) {
+            child = sibling;
+        }
+    }
+    return child;
+}
+
+/// Most toolkits answer with a child, which has to be asked in turn.
+Descent descendByAsking(Inquiry& inquiry, const TopLevel& topLevel,
+                        std::optional<ObjectReference> next) {
+    const bool gtk = topLevel.toolkit == Toolkit::gtk;
+    std::set<ObjectReference> visited{topLevel.object};
+    ObjectReference current = topLevel.object;
+    for (int level = 0; next && level < deepestLevel; ++level) {
+        if (gtk && level == 0) {
+            next = coveringSibling(inquiry, current, std::move(*next));
+        }
+        if (!visited.insert(*next).second) {
+            break;
+        }
+        std::vector<Inquiry::Query> queries = {{*next, About::childAtPoint},
+                                               {*next, About::extents}};
+        if (!gtk) {
+            queries.push_back({*next, About::states});
+        }
+        inquiry.ask(queries);
+        if (isSilent(inquiry, *next, About::childAtPoint)) {
+            return {Outcome::silent, std::nullopt};
+        }
+        if (!inquiry.isAtPoint(*next) || !(gtk || inquiry.isShowing(*next))) {
+            // Some answer with a descendant further down.
+            auto ancestor = ancestorAtPoint(inquiry, *next);
+            return {Outcome::answered, ancestor ? std::move(*ancestor) : std::move(current)};
+        }
+        current = std::move(*next);
+        next = referenceOf(inquiry.reply({current, About::childAtPoint}));
+    }
+    return {Outcome::answered, std::move(current)};
+}
+
+/// The last child, which is the topmost, that is seen at the point.
+std::optional<ObjectReference> childAtPoint(Inquiry& inquiry, const ObjectReference& object) {
+    const auto children = childrenOf(inquiry, object);
+    std::vector<Inquiry::Query> queries;
+    for (const ObjectReference& child : children) {
+        queries.push_back({child, About::extents});
+        queries.push_back({child, About::states});
+    }
+    inquiry.ask(queries);
+    for (auto child = children.rbegin(); child != children.rend(); ++child) {
+        if (inquiry.isAtPoint(*child) && inquiry.isShowing(*child)) {
+            return *child;
+        }
+    }
+    return std::nullopt;
+}
+
+/// Chromium answers with the innermost object at once, but from its last hit test while that still
+/// covers the point: where it is a container, whatever is in it has to be looked at here.
+Descent descendByLooking(Inquiry& inquiry, const TopLevel& topLevel,
+                         std::optional<ObjectReference> next) {
+    if (!next) {
+        return {Outcome::answered, topLevel.object};
+    }
+    ObjectReference current = std::move(*next);
+    for (int level = 0; level < deepestLevel; ++level) {
+        const std::vector<Inquiry::Query> queries = {
+            {current, About::extents}, {current, About::states}, {current, About::children}};
+        inquiry.ask(queries);
+        if (isSilent(inquiry, current, About::children)) {
+            return {Outcome::silent, std::nullopt};
+        }
+        if (level == 0 && !(inquiry.isAtPoint(current) && inquiry.isShowing(current))) {
+            auto ancestor = ancestorAtPoint(inquiry, current);
+            return {Outcome::answered, ancestor ? std::move(*ancestor) : topLevel.object};
+        }
+        auto child = childAtPoint(inquiry, current);
+        if (!child) {
+            break;
+        }
+        current = std::move(*child);
+    }
+    return {Outcome::answered, std::move(current)};
+}
+
+} // namespace
+
+Descent descend(Inquiry& inquiry, const TopLevel& topLevel) {
+    std::vector<Inquiry::Query> queries = {{topLevel.object, About::childAtPoint}};
+    if (topLevel.toolkit == Toolkit::gtk) {
+        queries.push_back({topLevel.object, About::children});
+    }
+    inquiry.ask(queries);
+    const Reply& reply = inquiry.reply({topLevel.object, About::childAtPoint});
+    if (reply.outcome != Outcome::answered) {
+        return {reply.outcome, std::nullopt};
+    }
+    return topLevel.toolkit == Toolkit::chromium
+               ? descendByLooking(inquiry, topLevel, referenceOf(reply))
+               : descendByAsking(inquiry, topLevel, referenceOf(reply));
+}
+
+} // namespace lumetry::atspi

@@ -1,0 +1,249 @@
+#include "platform/linux/atspi/elements.h"
+
+#include "base/text.h"
+#include "platform/linux/atspi/requests.h"
+#include "platform/linux/atspi/roles.h"
+#include "platform/linux/atspi/waking.h"
+
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace lumetry::atspi {
+namespace {
+
+/// Stands in a text for something that is none, such as a picture or a paragraph of its own.
+constexpr std::string_view objectReplacementCharacter = "\xEF\xBF\xBC";
+
+template<typename Kind>
+std::optional<AXValue> axValue(std::optional<Kind> value) {
+    return value ? std::optional<AXValue>(std::move(*value)) : std::nullopt;
+}
+
+/// The application's parent, the list of all applications, is no part of its tree.
+bool isDesktop(const ObjectReference& object, const ObjectReference& child) {
+    return object.path == registryRoot().path && object.name != child.name;
+}
+
+} // namespace
+
+std::vector<Question> questionsFor(std::string_view attribute) {
+    if (attribute == "AXRole") {
+        return {Question::role};
+    }
+    if (attribute == "AXTitle") {
+        return {Question::name};
+    }
+    if (attribute == "AXValue") {
+        return {Question::text, Question::value, Question::characterCount};
+    }
+    if (attribute == "AXChildren") {
+        return {Question::children};
+    }
+    if (attribute == "AXParent") {
+        return {Question::parent};
+    }
+    if (attribute == "AXPosition" || attribute == "AXSize") {
+        return {Question::extents};
+    }
+    if (attribute == "AXNumberOfCharacters") {
+        return {Question::characterCount, Question::text};
+    }
+    return {};
+}
+
+std::optional<AXValue>
+Element::copyParameterizedAttributeValue(std::string_view /*attribute*/,
+                                         const AXValue& /*parameter*/) const {
+    return std::nullopt;
+}
+
+void Element::setAttributeValue(std::string_view /*attribute*/, const AXValue& /*value*/) const {}
+
+std::optional<AXUIElement> Element::copyElementAtPosition(float /*x*/, float /*y*/) const {
+    return std::nullopt;
+}
+
+std::optional<AXUIElement> Element::elementAt(Point point, std::optional<pid_t> pid) const {
+    auto hit = context_.hitTest.objectAt(point, pid, deadline());
+    if (!hit) {
+        return std::nullopt;
+    }
+    return AXUIElement(std::make_shared<ObjectElement>(context_, std::move(hit->object), hit->pid));
+}
+
+std::optional<AXValue> ObjectElement::copyAttributeValue(std::string_view attribute) const {
+    const auto questions = questionsFor(attribute);
+    if (questions.empty()) {
+        return std::nullopt;
+    }
+    const auto replies = ask(questions);
+    if (attribute == "AXRole") {
+        const auto role = integerOf(replies.front());
+        return role ? std::optional<AXValue>(std::string(axRole(*role))) : std::nullopt;
+    }
+    if (attribute == "AXTitle") {
+        return axValue(textOf(replies.front()));
+    }
+    if (attribute == "AXValue") {
+        return value(replies[0], replies[1], replies[2]);
+    }
+    if (attribute == "AXNumberOfCharacters") {
+        return numberOfCharacters(replies[0], replies[1]);
+    }
+    if (attribute == "AXChildren") {
+        return children(replies.front());
+    }
+    if (attribute == "AXParent") {
+        return parent(replies.front());
+    }
+    return place(attribute, replies.front());
+}
+
+std::vector<Reply> ObjectElement::ask(const std::vector<Question>& questions) const {
+    std::vector<Asked> asked;
+    for (const Question question : questions) {
+        asked.push_back({object_, question});
+    }
+    return context().answers.ask(asked, deadline());
+}
+
+/// The beginning of the element's text, without what is no text in it.
+std::optional<std::string> ObjectElement::text(const Reply& beginning, const Reply& count) const {
+    auto characters = textOf(beginning);
+    const std::int64_t length = integerOf(count).value_or(0);
+    if (characters && characters->empty() && length > 0 && length < textBeginningCharacters) {
+        characters = textOf(ask({Question::wholeText}).front());
+    }
+    return characters ? std::optional(removingOccurrences(*characters, objectReplacementCharacter))
+                      : std::nullopt;
+}
+
+/// The element's text where it has any, else its number, else the text that is empty.
+std::optional<AXValue> ObjectElement::value(const Reply& beginning, const Reply& number,
+                                            const Reply& count) const {
+    auto characters = text(beginning, count);
+    if (!characters || characters->empty()) {
+        if (const auto current = numberOf(number)) {
+            return AXNumber{*current};
+        }
+    }
+    return axValue(std::move(characters));
+}
+
+std::optional<AXValue> ObjectElement::numberOfCharacters(const Reply& count,
+                                                         const Reply& beginning) const {
+    const auto number = integerOf(count);
+    if (!number) {
+        return std::nullopt;
+    }
+    const auto characters = text(beginning, count);
+    return characters && characters->empty() ? std::int64_t{0} : *number;
+}
+
+std::optional<AXValue> ObjectElement::parent(const Reply& reply) const {
+    auto object = referenceOf(reply);
+    if (!object || isDesktop(*object, object_)) {
+        return std::nullopt;
+    }
+    return relative(std::move(*object));
+}
+
+AXUIElement ObjectElement::relative(ObjectReference object) const {
+    const auto pid = object.name == object_.name ? pid_ : std::nullopt;
+    return AXUIElement(std::make_shared<ObjectElement>(context(), std::move(object), pid));
+}
+
+std::optional<AXValue> ObjectElement::children(const Reply& reply) const {
+    auto references = referencesOf(reply);
+    if (!references) {
+        return std::nullopt;
+    }
+    std::vector<AXUIElement> elements;
+    elements.reserve(references->size());
+    for (ObjectReference& reference : *references) {
+        elements.push_back(relative(std::move(reference)));
+    }
+    return elements;
+}
+
+std::optional<AXValue> ObjectElement::place(std::string_view attribute, const Reply& reply) const {
+    const auto extents = extentsOf(reply);
+    if (!extents) {
+        return std::nullopt;
+    }
+    if (attribute == "AXSize") {
+        return Size{static_cast<double>(extents->width), static_cast<double>(extents->height)};
+    }
+    const Point origin = context().windows.accessibilityOrigin();
+    return Point{extents->x - origin.x, extents->y - origin.y};
+}
+
+std::optional<pid_t> ObjectElement::getPid() const {
+    return pid_ ? pid_ : context().processes.processOf(object_.name, deadline());
+}
+
+bool ObjectElement::isSameElement(const AXUIElementBackend& other) const {
+    const auto* element = dynamic_cast<const ObjectElement*>(&other);
+    return element != nullptr && element->object_ == object_;
+}
+
+std::optional<AXValue> ApplicationElement::copyAttributeValue(std::string_view attribute) const {
+    if (attribute == "AXEnhancedUserInterface") {
+        return context().enhanced.contains(pid_);
+    }
+    const auto roots = context().processes.rootsOf(pid_, deadline());
+    if (roots.empty() || questionsFor(attribute).empty()) {
+        return std::nullopt;
+    }
+    if (attribute != "AXChildren") {
+        return ObjectElement(context(), roots.front(), pid_).copyAttributeValue(attribute);
+    }
+    std::vector<AXUIElement> windows;
+    for (const ObjectReference& root : roots) {
+        const auto children = ObjectElement(context(), root, pid_).copyAttributeValue(attribute);
+        const auto elements = children ? children->as<std::vector<AXUIElement>>() : std::nullopt;
+        if (elements) {
+            windows.insert(windows.end(), elements->begin(), elements->end());
+        }
+    }
+    return windows;
+}
+
+void ApplicationElement::setAttributeValue(std::string_view attribute, const AXValue& value) const {
+    const bool truth = value.as<bool>().value_or(false);
+    if (attribute == "AXManualAccessibility" && truth) {
+        wakeTree(context(), pid_);
+    } else if (attribute == "AXEnhancedUserInterface" && truth) {
+        context().enhanced.insert(pid_);
+    } else if (attribute == "AXEnhancedUserInterface") {
+        context().enhanced.erase(pid_);
+    }
+}
+
+std::optional<AXUIElement> ApplicationElement::copyElementAtPosition(float x, float y) const {
+    return elementAt({x, y}, pid_);
+}
+
+bool ApplicationElement::isSameElement(const AXUIElementBackend& other) const {
+    const auto* element = dynamic_cast<const ApplicationElement*>(&other);
+    return element != nullptr && element->pid_ == pid_;
+}
+
+std::optional<AXValue> SystemWideElement::copyAttributeValue(std::string_view attribute) const {
+    return attribute == "AXRole" ? std::optional<AXValue>("AXSystemWide") : std::nullopt;
+}
+
+std::optional<AXUIElement> SystemWideElement::copyElementAtPosition(float x, float y) const {
+    return elementAt({x, y}, std::nullopt);
+}
+
+void SystemWideElement::setMessagingTimeout(float seconds) const {
+    context().messagingTimeoutSeconds = seconds;
+}
+
+bool SystemWideElement::isSameElement(const AXUIElementBackend& other) const {
+    return dynamic_cast<const SystemWideElement*>(&other) != nullptr;
+}
+
+} // namespace lumetry::atspi

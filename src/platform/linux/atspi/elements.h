@@ -1,0 +1,105 @@
+#pragma once
+
+#include "platform/ax_ui_element.h"
+#include "platform/ax_value.h"
+#include "platform/linux/atspi/answers.h"
+#include "platform/linux/atspi/context.h"
+#include "platform/linux/atspi/object_reference.h"
+
+#include <sys/types.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace lumetry::atspi {
+
+/// What has to be asked for an attribute; nothing for one that accessible objects do not have.
+[[nodiscard]] std::vector<Question> questionsFor(std::string_view attribute);
+
+/// What is common to all kinds of elements.
+class Element : public AXUIElementBackend {
+public:
+    explicit Element(Context& context) : context_(context) {}
+
+    [[nodiscard]] std::optional<AXValue>
+    copyParameterizedAttributeValue(std::string_view attribute,
+                                    const AXValue& parameter) const override;
+    void setAttributeValue(std::string_view attribute, const AXValue& value) const override;
+    [[nodiscard]] std::optional<AXUIElement> copyElementAtPosition(float x, float y) const override;
+    void setMessagingTimeout(float seconds) const override { timeoutSeconds_ = seconds; }
+
+protected:
+    [[nodiscard]] Context& context() const { return context_; }
+    [[nodiscard]] Deadline deadline() const { return context_.deadline(timeoutSeconds_); }
+    [[nodiscard]] std::optional<AXUIElement> elementAt(Point point, std::optional<pid_t> pid) const;
+
+private:
+    Context& context_;
+    /// A handle's own setting, which says nothing of the element.
+    mutable std::optional<float> timeoutSeconds_;
+};
+
+/// An accessible object of some application.
+class ObjectElement final : public Element {
+public:
+    /// @param pid of the application; absent when not known yet
+    ObjectElement(Context& context, ObjectReference object, std::optional<pid_t> pid)
+        : Element(context), object_(std::move(object)), pid_(pid) {}
+
+    [[nodiscard]] const ObjectReference& object() const { return object_; }
+
+    [[nodiscard]] std::optional<AXValue>
+    copyAttributeValue(std::string_view attribute) const override;
+    [[nodiscard]] std::optional<pid_t> getPid() const override;
+    [[nodiscard]] bool isSameElement(const AXUIElementBackend& other) const override;
+
+private:
+    [[nodiscard]] AXUIElement relative(ObjectReference object) const;
+    [[nodiscard]] std::vector<Reply> ask(const std::vector<Question>& questions) const;
+    [[nodiscard]] std::optional<std::string> text(const Reply& beginning, const Reply& count) const;
+    [[nodiscard]] std::optional<AXValue> value(const Reply& beginning, const Reply& number,
+                                               const Reply& count) const;
+    [[nodiscard]] std::optional<AXValue> numberOfCharacters(const Reply& count,
+                                                            const Reply& beginning) const;
+    [[nodiscard]] std::optional<AXValue> parent(const Reply& reply) const;
+    [[nodiscard]] std::optional<AXValue> children(const Reply& reply) const;
+    [[nodiscard]] std::optional<AXValue> place(std::string_view attribute,
+                                               const Reply& reply) const;
+
+    ObjectReference object_;
+    std::optional<pid_t> pid_;
+};
+
+/// A process, whether or not it is an application on the bus.
+class ApplicationElement final : public Element {
+public:
+    ApplicationElement(Context& context, pid_t pid) : Element(context), pid_(pid) {}
+
+    [[nodiscard]] std::optional<AXValue>
+    copyAttributeValue(std::string_view attribute) const override;
+    void setAttributeValue(std::string_view attribute, const AXValue& value) const override;
+    [[nodiscard]] std::optional<AXUIElement> copyElementAtPosition(float x, float y) const override;
+    [[nodiscard]] std::optional<pid_t> getPid() const override { return pid_; }
+    [[nodiscard]] bool isSameElement(const AXUIElementBackend& other) const override;
+
+private:
+    pid_t pid_;
+};
+
+/// The root of everything on screen.
+class SystemWideElement final : public Element {
+public:
+    using Element::Element;
+
+    [[nodiscard]] std::optional<AXValue>
+    copyAttributeValue(std::string_view attribute) const override;
+    [[nodiscard]] std::optional<AXUIElement> copyElementAtPosition(float x, float y) const override;
+    void setMessagingTimeout(float seconds) const override;
+    [[nodiscard]] std::optional<pid_t> getPid() const override { return std::nullopt; }
+    [[nodiscard]] bool isSameElement(const AXUIElementBackend& other) const override;
+};
+
+} // namespace lumetry::atspi

@@ -1,0 +1,102 @@
+#include "platform/linux/atspi/hit_test.h"
+
+#include "platform/linux/atspi/descent.h"
+#include "platform/linux/atspi/popup_search.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <utility>
+
+namespace lumetry::atspi {
+namespace {
+
+/// Enough for a deep tree; a long list is not worth asking about in advance.
+constexpr std::size_t longestWay = 80;
+
+std::int32_t pixel(double coordinate) {
+    constexpr double farthest = 1 << 30;
+    // Not a number comes out as a place where nothing is.
+    return static_cast<std::int32_t>(
+        coordinate > -farthest ? std::min(std::floor(coordinate), farthest) : -farthest);
+}
+
+} // namespace
+
+std::optional<HitTest::Hit> HitTest::objectAt(Point point, std::optional<pid_t> pid,
+                                              Deadline deadline) {
+    const auto window = windows_.windowAt(point, pid);
+    const auto owner = window && window->pid ? window->pid : pid;
+    if (!window || !owner || !bus_.connect()) {
+        return std::nullopt;
+    }
+    const Point origin = windows_.accessibilityOrigin();
+    const Pixel at{pixel(point.x + origin.x), pixel(point.y + origin.y)};
+    const Rect bounds{window->bounds.x + origin.x, window->bounds.y + origin.y,
+                      window->bounds.width, window->bounds.height};
+    auto object = objectIn(*window, bounds, *owner, at, deadline);
+    if (!object) {
+        return std::nullopt;
+    }
+    if (!window->popup) {
+        topLevels_.noteHit(*owner, *object);
+    }
+    return Hit{std::move(*object), *owner};
+}
+
+std::optional<ObjectReference> HitTest::objectIn(const DesktopWindow& window, const Rect& bounds,
+                                                 pid_t pid, Pixel at, Deadline deadline) {
+    for (const bool again : {false, true}) {
+        const auto topLevel = topLevels_.of(window, bounds, pid, deadline);
+        if (!topLevel) {
+            return std::nullopt;
+        }
+        Inquiry inquiry(bus_, at, deadline);
+        if (lastTopLevel_ == topLevel->object) {
+            inquiry.ask(lastWay_);
+        }
+        Descent descent = descend(inquiry, *topLevel);
+        if (descent.object) {
+            keepWhatHelps(inquiry, *topLevel, *descent.object);
+            if (window.popup && *descent.object == topLevel->object) {
+                auto content = contentOfHollowPopup(pid, at, deadline);
+                return content ? content : descent.object;
+            }
+            return descent.object;
+        }
+        if (descent.outcome == Outcome::silent) {
+            return std::nullopt;
+        }
+        // What was remembered of the window is gone; a popup comes back as another object.
+        topLevels_.forget(window.id);
+        if (again && descent.outcome == Outcome::refused) {
+            return topLevel->object;
+        }
+    }
+    return std::nullopt;
+}
+
+/// Chromium keeps the entries of a drop-down in the page, below the element that it drops from.
+std::optional<ObjectReference> HitTest::contentOfHollowPopup(pid_t pid, Pixel at,
+                                                             Deadline deadline) {
+    auto opener = topLevels_.lastHit(pid);
+    if (!opener) {
+        return std::nullopt;
+    }
+    const auto isAtPoint = [at](const Extents& extents) { return extents.contains(at.x, at.y); };
+    std::vector<ObjectReference> starts;
+    starts.push_back(std::move(*opener));
+    return firstShowingBelow(bus_, std::move(starts), isAtPoint, deadline);
+}
+
+void HitTest::keepWhatHelps(const Inquiry& inquiry, const TopLevel& topLevel,
+                            const ObjectReference& object) {
+    lastTopLevel_ = topLevel.object;
+    lastWay_ = inquiry.used();
+    lastWay_.resize(std::min(lastWay_.size(), longestWay));
+    if (const Reply* extents = inquiry.known({object, Inquiry::About::extents})) {
+        answers_.remember({object, Question::extents}, *extents);
+    }
+}
+
+} // namespace lumetry::atspi

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "base/geometry.h"
+#include "platform/linux/atspi/answers.h"
+#include "platform/linux/atspi/atspi_bus.h"
+#include "platform/linux/atspi/deadline.h"
+#include "platform/linux/atspi/inquiry.h"
+#include "platform/linux/atspi/object_reference.h"
+#include "platform/linux/atspi/processes.h"
+#include "platform/linux/atspi/top_levels.h"
+#include "platform/linux/desktop_windows.h"
+
+#include <sys/types.h>
+
+#include <optional>
+#include <vector>
+
+namespace lumetry::atspi {
+
+/// Finds the innermost object at a point: the window under it, then the object that stands for the
+/// window, then down from there.
+class HitTest {
+public:
+    HitTest(DesktopWindows& windows, AtspiBus& bus, Answers& answers, Processes& processes)
+        : windows_(windows), bus_(bus), answers_(answers), topLevels_(bus, processes) {}
+
+    struct Hit {
+        ObjectReference object;
+        pid_t pid = 0; ///< whose window it is in
+    };
+
+    /// @param point accessibility space
+    /// @param pid only in windows of that process, when given
+    [[nodiscard]] std::optional<Hit> objectAt(Point point, std::optional<pid_t> pid,
+                                              Deadline deadline);
+
+private:
+    [[nodiscard]] std::optional<ObjectReference> objectIn(const DesktopWindow& window,
+                                                          const Rect& bounds, pid_t pid, Pixel at,
+                                                          Deadline deadline);
+    [[nodiscard]] std::optional<ObjectReference> contentOfHollowPopup(pid_t pid, Pixel at,
+                                                                      Deadline deadline);
+    void keepWhatHelps(const Inquiry& inquiry, const TopLevel& topLevel,
+                       const ObjectReference& object);
+
+    DesktopWindows& windows_;
+    AtspiBus& bus_;
+    Answers& answers_;
+    TopLevels topLevels_;
+    /// What the last hit test went by, and in which window: the pointer is near there mostly, and
+    /// then one exchange serves the whole way down.
+    std::vector<Inquiry::Query> lastWay_;
+    ObjectReference lastTopLevel_;
+};
+
+} // namespace lumetry::atspi

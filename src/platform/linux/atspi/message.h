@@ -1,0 +1,59 @@
+#pragma once
+
+#include "platform/linux/atspi/object_reference.h"
+
+#include <dbus/dbus.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace lumetry::atspi {
+
+struct UnrefMessage {
+    void operator()(DBusMessage* message) const { dbus_message_unref(message); }
+};
+/// A message of the bus, on its way there or back.
+using Message = std::unique_ptr<DBusMessage, UnrefMessage>;
+
+/// How an exchange with another process ended.
+enum class Outcome {
+    answered,
+    refused, ///< the answer is an error
+    gone,    ///< nobody has that name any more
+    silent,  ///< no answer in time, or no bus
+};
+
+struct Reply {
+    Outcome outcome = Outcome::silent;
+    std::shared_ptr<DBusMessage> message; ///< only of an answer
+};
+
+/// A place in pixels of the root window, y downwards.
+struct Extents {
+    std::int32_t x = 0;
+    std::int32_t y = 0;
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+
+    [[nodiscard]] bool contains(std::int32_t pointX, std::int32_t pointY) const;
+};
+
+/// @{ What a reply carries. Absent when there is none or it is of another type; texts are made
+/// well-formed UTF-8; a variant is looked into.
+[[nodiscard]] std::optional<std::string> textOf(const Reply& reply);
+[[nodiscard]] std::optional<std::int64_t> integerOf(const Reply& reply);
+[[nodiscard]] std::optional<double> numberOf(const Reply& reply);
+[[nodiscard]] std::optional<bool> booleanOf(const Reply& reply);
+/// A reference to nothing counts as absent.
+[[nodiscard]] std::optional<ObjectReference> referenceOf(const Reply& reply);
+/// References to nothing are left out.
+[[nodiscard]] std::optional<std::vector<ObjectReference>> referencesOf(const Reply& reply);
+[[nodiscard]] std::optional<Extents> extentsOf(const Reply& reply);
+/// The bits of an object's states.
+[[nodiscard]] std::optional<std::uint64_t> statesOf(const Reply& reply);
+/// @}
+
+} // namespace lumetry::atspi

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "platform/linux/atspi/atspi_bus.h"
+#include "platform/linux/atspi/deadline.h"
+#include "platform/linux/atspi/message.h"
+#include "platform/linux/atspi/object_reference.h"
+
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace lumetry::atspi {
+
+/// Looks for what a popup shows, which some applications do not keep in the popup's own tree: it
+/// lies somewhere below what has opened the popup. Goes down level by level, each level in two
+/// exchanges.
+/// @param starts where to look below
+/// @param fits says from the place of an object that is on screen whether it is the one
+/// @return absent when there is none, or not where one can look in time
+[[nodiscard]] std::optional<ObjectReference>
+firstShowingBelow(AtspiBus& bus, std::vector<ObjectReference> starts,
+                  const std::function<bool(const Extents&)>& fits, Deadline deadline);
+
+} // namespace lumetry::atspi

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/linux/atspi/message.h"
+#include "platform/linux/atspi/object_reference.h"
+
+#include <cstdint>
+#include <string>
+
+namespace lumetry::atspi {
+
+/// @{ The requests that are put to accessible objects. Coordinates are pixels of the root window.
+[[nodiscard]] Message getRole(const ObjectReference& object);
+[[nodiscard]] Message getName(const ObjectReference& object);
+[[nodiscard]] Message getParent(const ObjectReference& object);
+[[nodiscard]] Message getChildren(const ObjectReference& object);
+[[nodiscard]] Message getAttributes(const ObjectReference& object);
+[[nodiscard]] Message getState(const ObjectReference& object);
+[[nodiscard]] Message getExtents(const ObjectReference& object);
+[[nodiscard]] Message getAccessibleAtPoint(const ObjectReference& object, std::int32_t x,
+                                           std::int32_t y);
+[[nodiscard]] Message getText(const ObjectReference& object, std::int32_t start, std::int32_t end);
+[[nodiscard]] Message getCharacterCount(const ObjectReference& object);
+[[nodiscard]] Message getCurrentValue(const ObjectReference& object);
+/// Which toolkit an application is built with; asked of its root.
+[[nodiscard]] Message getToolkitName(const ObjectReference& root);
+/// @}
+
+/// The root whose children are the applications on the bus.
+[[nodiscard]] const ObjectReference& registryRoot();
+/// Which process a connection of the bus belongs to; asked of the bus itself.
+[[nodiscard]] Message getConnectionUnixProcessID(const std::string& name);
+
+/// @{ Requests on any bus.
+[[nodiscard]] Message methodCall(const ObjectReference& object, const char* interface,
+                                 const char* method);
+[[nodiscard]] Message getProperty(const ObjectReference& object, const char* interface,
+                                  const char* property);
+[[nodiscard]] Message setProperty(const ObjectReference& object, const char* interface,
+                                  const char* property, bool value);
+/// @}
+
+} // namespace lumetry::atspi

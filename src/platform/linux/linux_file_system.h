@@ -1,0 +1,15 @@
+#pragma once
+
+#include "platform/file_system.h"
+
+namespace lumetry {
+
+/// The files of this machine.
+class LinuxFileSystem final : public FileSystem {
+public:
+    [[nodiscard]] std::optional<std::vector<std::string>>
+    contentsOfDirectory(const std::string& path) override;
+    [[nodiscard]] bool fileExists(const std::string& path) override;
+};
+
+} // namespace lumetry

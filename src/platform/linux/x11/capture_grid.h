@@ -1,0 +1,58 @@
+#pragma once
+
+#include "base/geometry.h"
+#include "platform/screen_capture.h"
+
+#include <optional>
+
+namespace lumetry::x11 {
+
+/// Pixels of a captured bitmap.
+struct PixelRect {
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+
+    [[nodiscard]] bool isEmpty() const { return width <= 0 || height <= 0; }
+
+    friend bool operator==(const PixelRect&, const PixelRect&) = default;
+};
+
+[[nodiscard]] PixelRect intersect(const PixelRect& a, const PixelRect& b);
+/// The smallest rectangle around both; an empty one adds nothing.
+[[nodiscard]] PixelRect unite(const PixelRect& a, const PixelRect& b);
+
+/// Which places on the root window the pixels of a captured bitmap stand for.
+class CaptureGrid {
+public:
+    /// A pixel for each of the root's that the area covers. Absent when that is no size a bitmap
+    /// can have.
+    /// @param area root coordinates
+    [[nodiscard]] static std::optional<CaptureGrid> of(const Rect& area);
+    /// The area drawn at another size.
+    [[nodiscard]] static std::optional<CaptureGrid> of(const Rect& area, PixelSize size,
+                                                       Interpolation interpolation);
+
+    [[nodiscard]] PixelSize size() const { return size_; }
+    [[nodiscard]] Interpolation interpolation() const { return interpolation_; }
+    /// From one pixel to the next, in pixels of the root window.
+    [[nodiscard]] Size step() const;
+    /// Whether each pixel is exactly one of the root's.
+    [[nodiscard]] bool isPlain() const;
+    /// Where the pixel of that column and row begins on the root window; of a plain grid, the
+    /// root's pixel that it is.
+    [[nodiscard]] Point placeOf(int column, int row) const;
+    /// The pixels whose middle lies in the rectangle of the root window.
+    [[nodiscard]] PixelRect pixelsIn(const Rect& onRoot) const;
+
+private:
+    CaptureGrid(const Rect& area, PixelSize size, Interpolation interpolation)
+        : area_(area), size_(size), interpolation_(interpolation) {}
+
+    Rect area_;
+    PixelSize size_;
+    Interpolation interpolation_;
+};
+
+} // namespace lumetry::x11

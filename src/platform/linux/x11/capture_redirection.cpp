@@ -1,0 +1,49 @@
+#include "platform/linux/x11/capture_redirection.h"
+
+#include <xcb/composite.h>
+
+namespace lumetry::x11 {
+
+CaptureRedirection::CaptureRedirection(Connection& connection)
+    : connection_(connection),
+      isAvailable_(connection.extensions().composite && connection.extensions().render) {}
+
+CaptureRedirection::~CaptureRedirection() {
+    if (holders_ > 0) {
+        holders_ = 1;
+        release();
+    }
+}
+
+Token CaptureRedirection::hold(xcb_window_t overlay) {
+    if (!isAvailable_) {
+        return {};
+    }
+    acquire(overlay);
+    return Token([self = std::weak_ptr(self_)] {
+        if (const auto alive = self.lock()) {
+            (*alive)->release();
+        }
+    });
+}
+
+void CaptureRedirection::acquire(xcb_window_t overlay) {
+    auto* const c = connection_.get();
+    if (holders_++ == 0) {
+        xcb_composite_redirect_subwindows(c, connection_.root(), XCB_COMPOSITE_REDIRECT_AUTOMATIC);
+    }
+    if (overlay != XCB_WINDOW_NONE) {
+        // A second picture of the whole screen would be kept for nothing.
+        xcb_composite_unredirect_window(c, overlay, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
+    }
+}
+
+void CaptureRedirection::release() {
+    if (--holders_ == 0) {
+        xcb_composite_unredirect_subwindows(connection_.get(), connection_.root(),
+                                            XCB_COMPOSITE_REDIRECT_AUTOMATIC);
+        connection_.flush();
+    }
+}
+
+} // namespace lumetry::x11

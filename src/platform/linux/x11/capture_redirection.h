@@ -1,0 +1,44 @@
+#pragma once
+
+#include "base/token.h"
+#include "platform/linux/x11/connection.h"
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+namespace lumetry::x11 {
+
+/// Has the server keep each window's pixels apart from what covers it, for as long as anybody
+/// wants that. The server itself puts the screen together from them, as before.
+///
+/// Without a compositing manager there is no other way to see what lies below a window. It costs
+/// memory and a copy of whatever is drawn, so that it is not done all the time. It begins before
+/// an overlay appears: pixels that are covered when it begins are lost until their application
+/// draws them again, and the overlay's would be found in their place.
+///
+/// A compositing manager does the same in its own way, which the server lets take precedence
+/// whichever of the two comes first. It is done beside one too: managers leave out windows that
+/// fill the screen, and say so to nobody.
+class CaptureRedirection {
+public:
+    explicit CaptureRedirection(Connection& connection);
+    CaptureRedirection(const CaptureRedirection&) = delete;
+    CaptureRedirection& operator=(const CaptureRedirection&) = delete;
+    ~CaptureRedirection();
+
+    /// @param overlay one of this connection's windows, that is never looked at itself
+    [[nodiscard]] Token hold(xcb_window_t overlay = XCB_WINDOW_NONE);
+
+private:
+    void acquire(xcb_window_t overlay);
+    void release();
+
+    Connection& connection_;
+    bool isAvailable_;
+    std::size_t holders_ = 0;
+    /// Empty once this object is gone: tokens may outlive it.
+    std::shared_ptr<CaptureRedirection*> self_ = std::make_shared<CaptureRedirection*>(this);
+};
+
+} // namespace lumetry::x11

@@ -1,0 +1,294 @@
+#include "platform/linux/x11/connection.h"
+
+#include <xcb/composite.h>
+#include <xcb/randr.h>
+#include <xcb/render.h>
+#include <xcb/res.h>
+#include <xcb/shape.h>
+#include <xcb/shm.h>
+#include <xcb/xcbext.h>
+#include <xcb/xfixes.h>
+#include <xcb/xinput.h>
+
+#include <sys/socket.h>
+
+#include <utility>
+
+namespace lumetry::x11 {
+namespace {
+
+bool atLeast(std::uint32_t major, std::uint32_t minor, std::uint32_t wantedMajor,
+             std::uint32_t wantedMinor) {
+    return major > wantedMajor || (major == wantedMajor && minor >= wantedMinor);
+}
+
+const xcb_screen_t* screenOf(const xcb_setup_t* setup, int number) {
+    auto iterator = xcb_setup_roots_iterator(setup);
+    for (; iterator.rem > 0; xcb_screen_next(&iterator), --number) {
+        if (number == 0) {
+            return iterator.data;
+        }
+    }
+    return nullptr;
+}
+
+/// Whether the connection ends on this machine, so that file descriptors can go through it.
+bool isLocal(int fileDescriptor) {
+    sockaddr_storage address{};
+    socklen_t size = sizeof address;
+    const bool known =
+        getsockname(fileDescriptor, reinterpret_cast<sockaddr*>(&address), // NOLINT(*-cast)
+                    &size) == 0;
+    return known && address.ss_family == AF_UNIX;
+}
+
+} // namespace
+
+std::unique_ptr<Connection> Connection::open(FileDescriptorWatcher& watcher, RunLoop& runLoop,
+                                             const std::string& display, std::string& problem) {
+    std::unique_ptr<Connection> connection(new Connection(runLoop));
+    if (!connection->connect(display, problem)) {
+        return nullptr;
+    }
+    connection->readable_ =
+        watcher.watchReadable(xcb_get_file_descriptor(connection->get()),
+                              [connection = connection.get()] { connection->dispatch(); });
+    return connection;
+}
+
+bool Connection::connect(const std::string& display, std::string& problem) {
+    connection_.reset(xcb_connect(display.c_str(), &screenNumber_));
+    if (xcb_connection_has_error(get()) == 0) {
+        screen_ = screenOf(xcb_get_setup(get()), screenNumber_);
+    }
+    if (!screen_) {
+        problem = "The display " + display +
+                  " cannot be reached: check that DISPLAY names a running X server that this "
+                  "user may use.";
+        return false;
+    }
+    internAtoms();
+    const std::string missing = queryExtensions();
+    if (!missing.empty()) {
+        problem = "The X server of the display " + display + " lacks " + missing +
+                  ": use a server that has it switched on.";
+        return false;
+    }
+    return true;
+}
+
+std::string Connection::queryExtensions() {
+    auto* const c = get();
+    xcb_extension_t* const wanted[] = {&xcb_input_id,  &xcb_shape_id, &xcb_xfixes_id,
+                                       &xcb_randr_id,  &xcb_res_id,   &xcb_composite_id,
+                                       &xcb_render_id, &xcb_shm_id};
+    for (auto* const extension : wanted) {
+        xcb_prefetch_extension_data(c, extension);
+    }
+    xcb_prefetch_maximum_request_length(c);
+    const auto present = [c](xcb_extension_t& extension) -> const xcb_query_extension_reply_t* {
+        const auto* const data = xcb_get_extension_data(c, &extension);
+        return data && data->present ? data : nullptr;
+    };
+    ++roundTrips_;
+    const auto* const input = present(xcb_input_id);
+    const auto* const shape = present(xcb_shape_id);
+    const auto* const fixes = present(xcb_xfixes_id);
+    const auto* const randr = present(xcb_randr_id);
+    maximumRequestSize_ = std::size_t{xcb_get_maximum_request_length(c)} * 4;
+    if (!input || !shape || !fixes) {
+        return !input ? "XInput 2" : !shape ? "SHAPE" : "XFIXES";
+    }
+    extensions_.inputOpcode = input->major_opcode;
+    extensions_.shapeEvent = shape->first_event;
+    extensions_.fixesEvent = fixes->first_event;
+    extensions_.monitorsEvent = randr ? randr->first_event : 0;
+
+    const auto inputCookie = xcb_input_xi_query_version(c, 2, 2);
+    const auto fixesCookie = xcb_xfixes_query_version(c, 5, 0);
+    const auto randrCookie =
+        randr ? xcb_randr_query_version(c, 1, 5) : xcb_randr_query_version_cookie_t{};
+    const bool hasResource = present(xcb_res_id);
+    const auto resourceCookie =
+        hasResource ? xcb_res_query_version(c, 1, 2) : xcb_res_query_version_cookie_t{};
+    const auto inputVersion = reply(xcb_input_xi_query_version_reply, inputCookie);
+    const auto fixesVersion = reply(xcb_xfixes_query_version_reply, fixesCookie);
+    if (randr) {
+        const auto version = reply(xcb_randr_query_version_reply, randrCookie);
+        extensions_.monitors =
+            version && atLeast(version->major_version, version->minor_version, 1, 5);
+    }
+    if (hasResource) {
+        const auto version = reply(xcb_res_query_version_reply, resourceCookie);
+        extensions_.resource =
+            version && atLeast(version->server_major, version->server_minor, 1, 2);
+    }
+    queryCaptureExtensions();
+    // Raw events come during another client's grab from 2.1 on, regions from 2.0 on.
+    if (!inputVersion || !atLeast(inputVersion->major_version, inputVersion->minor_version, 2, 1)) {
+        return "XInput 2.1";
+    }
+    if (!fixesVersion || fixesVersion->major_version < 2) {
+        return "XFIXES 2";
+    }
+    return {};
+}
+
+void Connection::queryCaptureExtensions() {
+    auto* const c = get();
+    const auto isPresent = [c](xcb_extension_t& extension) {
+        const auto* const data = xcb_get_extension_data(c, &extension);
+        return data && data->present != 0;
+    };
+    const bool hasComposite = isPresent(xcb_composite_id);
+    const bool hasRender = isPresent(xcb_render_id);
+    const bool hasSharedMemory = isPresent(xcb_shm_id) && isLocal(xcb_get_file_descriptor(c));
+    const auto composite = hasComposite ? xcb_composite_query_version(c, 0, 4)
+                                        : xcb_composite_query_version_cookie_t{};
+    const auto render =
+        hasRender ? xcb_render_query_version(c, 0, 11) : xcb_render_query_version_cookie_t{};
+    const auto sharedMemory =
+        hasSharedMemory ? xcb_shm_query_version(c) : xcb_shm_query_version_cookie_t{};
+    if (hasComposite) {
+        const auto version = reply(xcb_composite_query_version_reply, composite);
+        extensions_.composite =
+            version && atLeast(version->major_version, version->minor_version, 0, 4);
+    }
+    if (hasRender) {
+        const auto version = reply(xcb_render_query_version_reply, render);
+        extensions_.render =
+            version && atLeast(version->major_version, version->minor_version, 0, 10);
+    }
+    if (hasSharedMemory) {
+        const auto version = reply(xcb_shm_query_version_reply, sharedMemory);
+        extensions_.sharedMemory =
+            version && atLeast(version->major_version, version->minor_version, 1, 2);
+    }
+}
+
+void Connection::internAtoms() {
+    std::array<xcb_intern_atom_cookie_t, atomCount> cookies{};
+    for (std::size_t i = 0; i < atomCount; ++i) {
+        cookies[i] = xcb_intern_atom(get(), 0, static_cast<std::uint16_t>(atomNames[i].size()),
+                                     atomNames[i].data());
+    }
+    for (std::size_t i = 0; i < atomCount; ++i) {
+        const auto answer = reply(xcb_intern_atom_reply, cookies[i]);
+        atoms_[i] = answer ? answer->atom : xcb_atom_t{XCB_ATOM_NONE};
+    }
+}
+
+bool Connection::isOwnResource(std::uint32_t id) const {
+    const auto* const setup = xcb_get_setup(get());
+    return (id & ~setup->resource_id_mask) == setup->resource_id_base;
+}
+
+bool Connection::isLost() const {
+    return xcb_connection_has_error(get()) != 0;
+}
+
+void* Connection::waitForReply(unsigned sequence) {
+    void* answer = nullptr;
+    xcb_generic_error_t* error = nullptr;
+    if (isLost()) {
+        return nullptr;
+    }
+    xcb_flush(get());
+    if (xcb_poll_for_reply(get(), sequence, &answer, &error) == 0) {
+        ++roundTrips_;
+        answer = xcb_wait_for_reply(get(), sequence, &error);
+    }
+    Reply<xcb_generic_error_t> owned(error);
+    // Events that arrive before the reply are read with it, and the descriptor says nothing of
+    // them.
+    keepQueuedEvents();
+    return answer;
+}
+
+bool Connection::failed(xcb_void_cookie_t cookie) {
+    const Reply<xcb_generic_error_t> error(xcb_request_check(get(), cookie));
+    keepQueuedEvents();
+    return error || isLost();
+}
+
+void Connection::flush() {
+    xcb_flush(get());
+    keepQueuedEvents();
+}
+
+void Connection::keepQueuedEvents() {
+    while (auto* const event = xcb_poll_for_queued_event(get())) {
+        pending_.emplace_back(event);
+    }
+    const bool somethingToDo = !pending_.empty() || (isLost() && !lossReported_);
+    if (somethingToDo && !dispatching_ && !dispatchScheduled_) {
+        dispatchScheduled_ = true;
+        runLoop_.async([self = std::weak_ptr(self_)] {
+            if (const auto connection = self.lock()) {
+                (*connection)->dispatchScheduled_ = false;
+                (*connection)->dispatch();
+            }
+        });
+    }
+}
+
+void Connection::readEvents() {
+    while (auto* const event = xcb_poll_for_event(get())) {
+        pending_.emplace_back(event);
+    }
+}
+
+void Connection::dispatch() {
+    if (dispatching_) {
+        return;
+    }
+    dispatching_ = true;
+    readEvents();
+    for (const auto& event : std::exchange(pending_, {})) {
+        // Type 0 is the error of a request without a reply: a window has vanished.
+        if (typeOf(*event) != 0) {
+            eventHandlers_.call(*event);
+        }
+    }
+    batchHandlers_.call();
+    dispatching_ = false;
+    flush();
+    if (isLost()) {
+        lose();
+    }
+}
+
+void Connection::lose() {
+    if (std::exchange(lossReported_, true)) {
+        return;
+    }
+    // The descriptor of a closed connection is readable for ever.
+    readable_.reset();
+    if (onLost) {
+        onLost();
+    }
+}
+
+Token Connection::selectOnRoot(std::uint32_t eventMask) {
+    const std::size_t number = nextRootWish_++;
+    rootWishes_.push_back({number, eventMask});
+    applyRootWishes();
+    return Token([self = std::weak_ptr(self_), number] {
+        if (const auto connection = self.lock()) {
+            std::erase_if((*connection)->rootWishes_,
+                          [number](const RootWish& wish) { return wish.number == number; });
+            (*connection)->applyRootWishes();
+        }
+    });
+}
+
+void Connection::applyRootWishes() {
+    std::uint32_t all = 0;
+    for (const RootWish& wish : rootWishes_) {
+        all |= wish.eventMask;
+    }
+    xcb_change_window_attributes(get(), root(), XCB_CW_EVENT_MASK, &all);
+    flush();
+}
+
+} // namespace lumetry::x11

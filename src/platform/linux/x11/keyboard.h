@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/input.h"
+#include "platform/linux/x11/connection.h"
+#include "platform/linux/x11/key_codes.h"
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+namespace lumetry::x11 {
+
+/// Knows which symbols the keys carry and which modifier bits stand for what. It reads that with
+/// the first question, and again after it has changed.
+class Keyboard {
+public:
+    explicit Keyboard(Connection& connection);
+    Keyboard(const Keyboard&) = delete;
+    Keyboard& operator=(const Keyboard&) = delete;
+    ~Keyboard() = default;
+
+    /// @param state modifier bits as the pointer and key events carry them
+    [[nodiscard]] ModifierFlags flags(std::uint16_t state);
+    [[nodiscard]] bool isModifier(std::uint32_t key);
+    /// keyCodeUnknown for a key that the platform has no code for.
+    [[nodiscard]] std::uint16_t keyCode(std::uint32_t key);
+
+private:
+    static constexpr std::size_t modifierCount = 8;
+
+    void refresh();
+    void readSymbols();
+    void readModifiers();
+    [[nodiscard]] std::vector<Keysym> symbolsOf(std::uint32_t key) const;
+
+    Connection& connection_;
+    Token events_;
+    bool dirty_ = true;
+    std::uint32_t firstKey_ = 0;
+    std::size_t symbolsPerKey_ = 0;
+    std::vector<Keysym> symbols_;
+    std::array<ModifierFlags, modifierCount> modifiers_{};
+};
+
+} // namespace lumetry::x11

@@ -1,0 +1,128 @@
+#include "platform/linux/x11/x11_desktop.h"
+
+#include "platform/linux/x11/capture.h"
+#include "platform/linux/x11/capture_redirection.h"
+#include "platform/linux/x11/compositing_manager.h"
+#include "platform/linux/x11/connection.h"
+#include "platform/linux/x11/keyboard.h"
+#include "platform/linux/x11/x11_event_monitors.h"
+#include "platform/linux/x11/x11_overlay_window.h"
+#include "platform/linux/x11/x11_pointer.h"
+#include "platform/linux/x11/x11_windows.h"
+
+#include <cstdlib>
+#include <optional>
+#include <utility>
+
+namespace lumetry {
+namespace {
+
+std::string environmentText(const char* name) {
+    const char* const value = std::getenv(name);
+    return value ? value : "";
+}
+
+class X11OverlayWindows final : public OverlayWindows {
+public:
+    explicit X11OverlayWindows(const x11::OverlaySurroundings& surroundings)
+        : surroundings_(surroundings) {}
+
+    [[nodiscard]] std::unique_ptr<OverlayWindow>
+    makeWindow(const Rect& contentRect, const OverlayWindowStyle& style) override {
+        return std::make_unique<x11::X11OverlayWindow>(surroundings_, contentRect, style);
+    }
+
+private:
+    x11::OverlaySurroundings surroundings_;
+};
+
+} // namespace
+
+struct X11Desktop::Parts {
+    explicit Parts(std::unique_ptr<x11::Connection> opened)
+        : connection(std::move(opened)), windows(*connection), keyboard(*connection),
+          pointer(*connection, windows, keyboard), eventMonitors(*connection, windows, keyboard),
+          captureRedirection(*connection) {}
+
+    /// From the first use on.
+    x11::CompositingManager& watchedCompositingManager() {
+        return compositingManager ? *compositingManager : compositingManager.emplace(*connection);
+    }
+
+    std::unique_ptr<x11::Connection> connection;
+    x11::X11Windows windows;
+    x11::Keyboard keyboard;
+    x11::X11Pointer pointer;
+    x11::X11EventMonitors eventMonitors;
+    x11::CaptureRedirection captureRedirection;
+    std::optional<x11::CompositingManager> compositingManager;
+    std::optional<X11OverlayWindows> overlayWindows;
+    std::optional<x11::X11ScreenCapture> screenCapture;
+};
+
+std::unique_ptr<X11Desktop> X11Desktop::open(FileDescriptorWatcher& watcher, RunLoop& runLoop,
+                                             std::string& problem) {
+    const std::string display = environmentText("DISPLAY");
+    if (display.empty()) {
+        problem = environmentText("WAYLAND_DISPLAY").empty()
+                      ? "There is no display: start Lumetry inside a desktop session, or set "
+                        "DISPLAY to an X server."
+                      : "This Wayland session has no X server: log in to an X11 session, which "
+                        "is where Lumetry can look at other applications.";
+        return nullptr;
+    }
+    auto connection = x11::Connection::open(watcher, runLoop, display, problem);
+    if (!connection) {
+        return nullptr;
+    }
+    return std::unique_ptr<X11Desktop>(
+        new X11Desktop(std::make_unique<Parts>(std::move(connection))));
+}
+
+X11Desktop::X11Desktop(std::unique_ptr<Parts> parts) : parts_(std::move(parts)) {}
+
+X11Desktop::~X11Desktop() = default;
+
+WindowServer& X11Desktop::windowServer() {
+    return parts_->windows;
+}
+
+DesktopWindows& X11Desktop::desktopWindows() {
+    return parts_->windows;
+}
+
+Pointer& X11Desktop::pointer() {
+    return parts_->pointer;
+}
+
+EventMonitors& X11Desktop::eventMonitors() {
+    return parts_->eventMonitors;
+}
+
+OverlayWindows& X11Desktop::overlayWindows(const Rasterizer& rasterizer) {
+    if (!parts_->overlayWindows) {
+        parts_->overlayWindows.emplace(x11::OverlaySurroundings{
+            *parts_->connection, parts_->windows, parts_->watchedCompositingManager(),
+            parts_->captureRedirection, rasterizer});
+    }
+    return *parts_->overlayWindows;
+}
+
+ScreenCapture& X11Desktop::screenCapture() {
+    if (!parts_->screenCapture) {
+        parts_->screenCapture.emplace(*parts_->connection, parts_->windows,
+                                      parts_->watchedCompositingManager(),
+                                      parts_->captureRedirection);
+    }
+    return *parts_->screenCapture;
+}
+
+void X11Desktop::onConnectionLost(std::function<void()> handler) {
+    parts_->connection->onLost = std::move(handler);
+}
+
+std::size_t X11Desktop::roundTrips() const {
+    return parts_->connection->roundTrips();
+}
+
+} // namespace lumetry

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "platform/linux/desktop_windows.h"
+#include "platform/linux/file_descriptor_watcher.h"
+#include "platform/rasterizer.h"
+#include "platform/run_loop.h"
+
+#include "platform/input.h"
+#include "platform/overlay_window.h"
+#include "platform/screen_capture.h"
+#include "platform/window_server.h"
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace lumetry {
+
+/// The X11 side of the desktop. Everything it has handed out ends before it does; tokens may
+/// outlive it.
+class X11Desktop {
+public:
+    /// Connects to the X server that $DISPLAY names.
+    /// @param problem a sentence for the user that says what to do, when the answer is empty
+    [[nodiscard]] static std::unique_ptr<X11Desktop> open(FileDescriptorWatcher& watcher,
+                                                          RunLoop& runLoop, std::string& problem);
+    X11Desktop(const X11Desktop&) = delete;
+    X11Desktop& operator=(const X11Desktop&) = delete;
+    ~X11Desktop();
+
+    [[nodiscard]] WindowServer& windowServer();
+    [[nodiscard]] DesktopWindows& desktopWindows();
+    [[nodiscard]] Pointer& pointer();
+    [[nodiscard]] EventMonitors& eventMonitors();
+    [[nodiscard]] ScreenCapture& screenCapture();
+    /// @param rasterizer draws the windows' contents, and outlives them; that of the first call
+    /// counts
+    [[nodiscard]] OverlayWindows& overlayWindows(const Rasterizer& rasterizer);
+
+    /// Calls the handler once, from the main queue, when the server has gone. From then on
+    /// everything is absent.
+    void onConnectionLost(std::function<void()> handler);
+    /// How often the program has had to wait for the server so far.
+    [[nodiscard]] std::size_t roundTrips() const;
+
+private:
+    struct Parts;
+    explicit X11Desktop(std::unique_ptr<Parts> parts);
+
+    std::unique_ptr<Parts> parts_;
+};
+
+} // namespace lumetry

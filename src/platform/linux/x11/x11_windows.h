@@ -1,0 +1,57 @@
+#pragma once
+
+#include "platform/linux/desktop_windows.h"
+#include "platform/linux/x11/connection.h"
+#include "platform/linux/x11/screens.h"
+#include "platform/linux/x11/window_table.h"
+#include "platform/linux/x11/window_traits.h"
+#include "platform/window_server.h"
+
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace lumetry::x11 {
+
+/// Answers what the program asks of the windows and screens.
+class X11Windows final : public WindowServer, public DesktopWindows {
+public:
+    explicit X11Windows(Connection& connection);
+
+    [[nodiscard]] std::optional<std::vector<WindowInfo>> onScreenWindows() override;
+    [[nodiscard]] std::vector<Screen> screens() override;
+    [[nodiscard]] std::optional<Screen> mainScreen() override;
+    [[nodiscard]] bool preflightScreenCaptureAccess() override;
+    bool requestScreenCaptureAccess() override;
+
+    [[nodiscard]] Point accessibilityOrigin() override;
+    [[nodiscard]] std::optional<DesktopWindow> windowAt(Point point,
+                                                        std::optional<pid_t> pid) override;
+    [[nodiscard]] ProcessWindows windowsOf(pid_t pid) override;
+
+    [[nodiscard]] const ScreenLayout& layout() { return screens_.layout(); }
+    /// The windows whose pixels make up what the screen shows below a window, the topmost first,
+    /// click-through ones included. Valid until the next event.
+    /// @param above one of this program's windows; 0, or one that is hidden: everything that is not
+    /// this program's
+    [[nodiscard]] std::vector<const WindowRecord*> visibleBelow(xcb_window_t above);
+    /// Whether this program has a window on the screen, other than the overlay.
+    [[nodiscard]] bool hasOwnOnScreen();
+    /// Whether a child of the root, as such, belongs to this program.
+    [[nodiscard]] bool isOwn(xcb_window_t topLevel);
+
+private:
+    [[nodiscard]] bool isOnScreen(const WindowRecord& window) const;
+    [[nodiscard]] bool isOwn(const WindowRecord& window) const;
+    /// From the topmost down, until the visitor returns true.
+    void visitOnScreen(const std::function<bool(const WindowRecord&)>& visitor);
+    [[nodiscard]] std::optional<Point> centreOfFocus();
+
+    Connection& connection_;
+    Screens screens_;
+    WindowTable table_;
+    WindowTraits traits_;
+    pid_t ownPid_;
+};
+
+} // namespace lumetry::x11

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "base/token.h"
+#include "platform/linux/file_descriptor_watcher.h"
+
+#include <csignal>
+#include <functional>
+
+namespace lumetry {
+
+/// Keeps requests to end the process (SIGINT, SIGTERM, SIGHUP) from ending it at once, so that it
+/// can leave in order. To be made before the first thread is started, since a thread that lets them
+/// through would end the process all the same.
+class TerminationSignals {
+public:
+    TerminationSignals();
+    ~TerminationSignals();
+    TerminationSignals(const TerminationSignals&) = delete;
+    TerminationSignals& operator=(const TerminationSignals&) = delete;
+
+    /// Calls the handler on the main thread for each request, for as long as the token lives.
+    [[nodiscard]] Token watch(FileDescriptorWatcher& watcher, std::function<void()> handler) const;
+
+private:
+    sigset_t before_{};
+    int descriptor_ = -1;
+};
+
+} // namespace lumetry

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "support/processes/child_process.h"
+#include "support/real_desktop/accessible_tree.h"
+#include "support/real_desktop/overlay_reader.h"
+#include "support/real_desktop/private_desktop.h"
+#include "support/real_desktop/screenshot.h"
+
+#include <string>
+
+namespace lumetry::desktop {
+
+/// A private desktop in which the program under test inspects.
+class InspectedDesktop {
+public:
+    explicit InspectedDesktop(const DesktopOptions& options = {});
+
+    /// Starts gtk3-widget-factory with its window at the top-left and waits until its elements can
+    /// be asked for.
+    [[nodiscard]] ChildProcess startWidgetFactory();
+    /// Starts the program and waits until its overlay is shown.
+    [[nodiscard]] ChildProcess startLumetry();
+
+    /// Moves the pointer to the middle of the element and waits for its glance.
+    OverlayReadout hover(const Accessible& element, const std::string& header);
+
+    PrivateDesktop desktop;
+    AccessibleTree tree{desktop.accessibilityBusAddress()};
+    OverlayReader overlay{desktop.server()};
+};
+
+/// What is wanted of every side of an outline: its line where the element ends, and neither inside
+/// nor outside of it. Empty when all is right, else what is not.
+[[nodiscard]] std::string outlineProblem(const Bitmap& screen, const Rect& element);
+
+/// The rows "size" says of an element of that size.
+[[nodiscard]] std::string sizeText(const Rect& element);
+
+} // namespace lumetry::desktop

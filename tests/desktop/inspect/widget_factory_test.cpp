@@ -1,0 +1,144 @@
+#include "inspected_desktop.h"
+
+#include "support/real_desktop/desktop_windows.h"
+
+#include <X11/keysym.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cmath>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace lumetry::desktop {
+namespace {
+
+constexpr const char* factory = "gtk3-widget-factory";
+
+DesktopOptions optionsWith(bool compositor) {
+    DesktopOptions options;
+    options.compositor = compositor;
+    return options;
+}
+
+/// With a compositing manager the overlay is translucent, without one it is shaped.
+class OverWidgetFactory : public testing::TestWithParam<bool> {
+protected:
+    InspectedDesktop inspected{optionsWith(GetParam())};
+    ChildProcess application = inspected.startWidgetFactory();
+    ChildProcess lumetry = inspected.startLumetry();
+
+    PrivateDesktop& desktop() { return inspected.desktop; }
+
+    [[nodiscard]] Accessible element(const std::string& role, const std::string& name) const {
+        return inspected.tree.waitFor(factory, role, name);
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Compositing, OverWidgetFactory, testing::Values(true, false),
+                         [](const auto& test) { return test.param ? "With" : "Without"; });
+
+TEST_P(OverWidgetFactory, OutlinesWhatIsUnderThePointerAndNamesIt) {
+    const struct {
+        const char* role;
+        const char* name;
+        const char* header;
+    } cases[] = {
+        {"push button", "link button", "Button · link button"},
+        {"check box", "checkbutton", "CheckBox · checkbutton"},
+        {"radio button", "Page 2", "RadioButton · Page 2"},
+        {"label", "Groove", "StaticText · Groove"},
+    };
+    for (const auto& [role, name, header] : cases) {
+        SCOPED_TRACE(header);
+        const auto hovered = element(role, name);
+        const auto readout = inspected.hover(hovered, header);
+        const auto extents = hovered.extents();
+        ASSERT_TRUE(extents);
+        EXPECT_EQ(readout.value("size"), sizeText(*extents));
+        EXPECT_TRUE(readout.exitTag);
+        const auto problem = [&] {
+            return outlineProblem(screenshot(desktop().server()), *extents);
+        };
+        // The compositing manager shows what was painted a moment later.
+        EXPECT_TRUE(waitUntil([&] { return problem().empty(); })) << problem();
+    }
+}
+
+TEST_P(OverWidgetFactory, LetsAClickThroughToTheApplication) {
+    const auto onFirstPage = element("check box", "checkbutton");
+    inspected.hover(element("radio button", "Page 2"), "RadioButton · Page 2");
+    desktop().input().click();
+    EXPECT_TRUE(waitUntil([&] { return !onFirstPage.showing(); })) << "the click did not arrive";
+    EXPECT_TRUE(lumetry.running());
+}
+
+TEST_P(OverWidgetFactory, EscapeEndsItAndStillReachesTheApplication) {
+    // An open drop-down list is closed by Escape.
+    const auto combo = element("combo box", "Left");
+    const auto extents = combo.extents();
+    ASSERT_TRUE(extents);
+    desktop().input().glidePointer(static_cast<int>(extents->midX()),
+                                   static_cast<int>(extents->midY()));
+    desktop().input().click();
+    const auto menuIsOpen = [&] {
+        const auto item = combo.find("menu item", "Middle");
+        return item && item->showing();
+    };
+    ASSERT_TRUE(waitUntil(menuIsOpen));
+    desktop().input().typeKey(XK_Escape);
+    const auto status = lumetry.wait();
+    ASSERT_TRUE(status);
+    EXPECT_EQ(status->code, 0);
+    EXPECT_TRUE(waitUntil([&] { return !menuIsOpen(); }));
+    EXPECT_FALSE(inspected.overlay.window());
+    EXPECT_EQ(lumetry.standardError(), "");
+}
+
+TEST_P(OverWidgetFactory, MeasuresTheDistanceWhileAltIsHeld) {
+    const auto first = element("radio button", "Page 2");
+    const auto second = element("push button", "link button");
+    inspected.hover(first, "RadioButton · Page 2");
+    desktop().input().pressKey(XK_Alt_L);
+    const auto a = first.extents();
+    const auto b = second.extents();
+    ASSERT_TRUE(a && b);
+    desktop().input().glidePointer(static_cast<int>(b->midX()), static_cast<int>(b->midY()));
+    const auto pixels = [](double distance) {
+        return std::to_string(std::lround(distance)) + "px";
+    };
+    const std::vector<std::string> expected = {pixels(a->minX() - b->maxX()),
+                                               pixels(b->minY() - a->maxY())};
+    const auto readout = inspected.overlay.waitFor(
+        "both distances", [&](const OverlayReadout& shown) { return shown.distances == expected; });
+    EXPECT_EQ(readout.header, "");
+
+    // Not so soon after the last sample that this one would be dropped.
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    desktop().input().releaseKey(XK_Alt_L);
+    EXPECT_NO_THROW((void)inspected.overlay.waitForHeader("Button · link button"));
+}
+
+TEST_P(OverWidgetFactory, MeasuresTheWindowInFront) {
+    const auto button = element("push button", "link button");
+    inspected.hover(button, "Button · link button");
+    const auto extents = button.extents();
+    ASSERT_TRUE(extents);
+    const auto clock = desktop().start({"xclock"});
+    const auto front = waitForWindow(desktop().server(), hasTitle("xclock"));
+    placeWindow(desktop().server(), front.id,
+                {std::floor(extents->midX() - front.bounds.width / 2),
+                 std::floor(extents->midY() - front.bounds.height / 2), front.bounds.width,
+                 front.bounds.height});
+    desktop().input().glidePointer(static_cast<int>(extents->midX()) + 8,
+                                   static_cast<int>(extents->midY()));
+    // A plain X11 program has no elements: nothing of the button behind it may be shown.
+    EXPECT_NO_THROW(
+        (void)inspected.overlay.waitFor("the window in front", [](const OverlayReadout& shown) {
+            return shown.exitTag && shown.header.find("link button") == std::string::npos;
+        }));
+}
+
+} // namespace
+} // namespace lumetry::desktop

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "x11_rig.h"
+
+#include "base/bitmap.h"
+#include "platform/screen_capture.h"
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace lumetry::desktop {
+
+/// A desktop with the windows of another process, and captures of it.
+class CaptureRig : public X11Rig {
+public:
+    explicit CaptureRig(const Options& options = {});
+
+    [[nodiscard]] ScreenCapture& capture() { return x11().screenCapture(); }
+    /// Captures once everything that happened has come in. Throws when there is no capture.
+    [[nodiscard]] Bitmap captured(const Rect& area, std::uint32_t windowNumber = 0);
+    /// One pixel of that, as 0xAARRGGBB.
+    [[nodiscard]] std::uint32_t pixel(double x, double y, std::uint32_t windowNumber = 0) {
+        return captured({x, y, 1, 1}, windowNumber).at(0, 0);
+    }
+
+    /// A window of the other process that is shown above all others.
+    xcb_window_t show(const Rect& rect, std::uint32_t color, WindowOptions options = {});
+    /// Draws into a window of any process.
+    void fill(xcb_drawable_t drawable, const Rect& rect, std::uint32_t color) const;
+    /// Leaves of the window only these rectangles.
+    void shape(xcb_window_t window, const std::vector<Rect>& rects) const;
+    /// A pixmap of the root's depth, filled with a colour.
+    [[nodiscard]] xcb_pixmap_t pixmap(const Size& size, std::uint32_t color) const;
+    /// Returns once the compositing manager is in charge, and this program knows.
+    void startCompositor();
+    void stopCompositor();
+
+private:
+    void waitForRedirection() const;
+
+    std::optional<ChildProcess> compositor_;
+};
+
+/// Whether each component of two colours is the same but for that much.
+[[nodiscard]] bool isNear(std::uint32_t a, std::uint32_t b, int tolerance = 1);
+
+} // namespace lumetry::desktop

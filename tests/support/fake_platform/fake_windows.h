@@ -1,0 +1,60 @@
+#pragma once
+
+#include "platform/display_list.h"
+#include "platform/overlay_window.h"
+#include "platform/window_server.h"
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace lumetry {
+
+class FakeWindowServer final : public WindowServer {
+public:
+    [[nodiscard]] std::optional<std::vector<WindowInfo>> onScreenWindows() override {
+        return windows;
+    }
+    [[nodiscard]] std::vector<Screen> screens() override { return allScreens; }
+    [[nodiscard]] std::optional<Screen> mainScreen() override { return main; }
+    [[nodiscard]] bool preflightScreenCaptureAccess() override { return captureAllowed; }
+    bool requestScreenCaptureAccess() override {
+        ++captureRequests;
+        return captureAllowed;
+    }
+
+    std::optional<std::vector<WindowInfo>> windows = std::vector<WindowInfo>();
+    std::vector<Screen> allScreens;
+    std::optional<Screen> main;
+    bool captureAllowed = true;
+    int captureRequests = 0;
+};
+
+/// Text of 7 points a code point, 3 points higher than its font.
+class FixedTextMetrics final : public TextMetrics {
+public:
+    [[nodiscard]] Size measure(std::string_view text, const Font& font) const override;
+};
+
+/// What became of one overlay window.
+struct OverlayWindowRecord {
+    Rect frame; ///< screen space
+    OverlayWindowStyle style;
+    ContentView* view = nullptr;
+    bool shown = false;
+    bool alive = true;
+    int needsDisplay = 0; ///< how often it was asked to draw
+
+    /// What its view draws now.
+    [[nodiscard]] DisplayList draw() const;
+};
+
+class FakeOverlayWindows final : public OverlayWindows {
+public:
+    [[nodiscard]] std::unique_ptr<OverlayWindow>
+    makeWindow(const Rect& contentRect, const OverlayWindowStyle& style) override;
+
+    std::vector<std::shared_ptr<OverlayWindowRecord>> made; ///< the dead ones too
+};
+
+} // namespace lumetry

@@ -1,0 +1,71 @@
+#include "base/geometry.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace lumetry {
+namespace {
+
+constexpr Rect unit = {10, 20, 30, 40};
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+
+TEST(Rect, ContainsItsLowEdgesOnly) {
+    struct Case {
+        Point point;
+        bool inside;
+    };
+    for (const auto& [point, inside] : {
+             Case{{10, 20}, true},
+             Case{{39.99, 59.99}, true},
+             Case{{40, 30}, false},
+             Case{{20, 60}, false},
+             Case{{9.99, 30}, false},
+             Case{{notANumber, 30}, false},
+         }) {
+        EXPECT_EQ(unit.contains(point), inside) << point.x << ", " << point.y;
+    }
+    EXPECT_FALSE((Rect{10, 20, 0, 40}.contains({10, 20})));
+    EXPECT_FALSE(Rect::null().contains({0, 0}));
+}
+
+TEST(Rect, UniteAndIntersect) {
+    struct Case {
+        const char* name;
+        Rect other;
+        Rect united;
+        Rect shared;
+    };
+    for (const auto& [name, other, united, shared] : {
+             Case{"overlapping", {20, 0, 50, 30}, {10, 0, 60, 60}, {20, 20, 20, 10}},
+             Case{"inside", {15, 25, 5, 5}, unit, {15, 25, 5, 5}},
+             Case{"apart", {-20, -20, 5, 5}, {-20, -20, 60, 80}, Rect::null()},
+             Case{"touching", {40, 20, 10, 40}, {10, 20, 40, 40}, Rect::null()},
+             Case{"null", Rect::null(), unit, Rect::null()},
+             Case{"a point, which still has a place", {0, 0, 0, 0}, {0, 0, 40, 60}, Rect::null()},
+         }) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(unite(unit, other), united);
+        EXPECT_EQ(unite(other, unit), united);
+        EXPECT_EQ(intersect(unit, other), shared);
+        EXPECT_EQ(intersect(other, unit), shared);
+    }
+}
+
+TEST(Rect, InsetUntilNothingIsLeft) {
+    EXPECT_EQ(inset(unit, 1, 2), (Rect{11, 22, 28, 36}));
+    EXPECT_EQ(inset(unit, -1, -2), (Rect{9, 18, 32, 44}));
+    EXPECT_EQ(inset(unit, 15, 20), (Rect{25, 40, 0, 0}));
+    EXPECT_TRUE(inset(unit, 15.5, 0).isNull());
+    EXPECT_TRUE(inset(Rect::null(), -5, -5).isNull());
+}
+
+TEST(Flip, TurnsTheRectangleNotOnlyItsOrigin) {
+    EXPECT_EQ(flipped(Point{100, 300}, 900), (Point{100, 600}));
+    EXPECT_EQ(flipped(unit, 900), (Rect{10, 840, 30, 40}));
+    EXPECT_EQ(flipped(flipped(unit, 900), 900), unit);
+    EXPECT_EQ(flipped(Point{100, 300}, 0), (Point{100, -300})) << "without screens";
+}
+
+} // namespace
+} // namespace lumetry

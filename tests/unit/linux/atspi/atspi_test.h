@@ -1,0 +1,152 @@
+#pragma once
+
+#include "scripted_bus.h"
+
+#include "platform/ax_value.h"
+#include "platform/linux/atspi/atspi_accessibility.h"
+#include "platform/linux/desktop_windows.h"
+#include "platform/linux/file_descriptor_watcher.h"
+
+#include <gtest/gtest.h>
+#include <poll.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace lumetry::test {
+
+/// Windows where a test puts them, the topmost first.
+class FixedWindows final : public DesktopWindows {
+public:
+    std::vector<DesktopWindow> windows;
+    Point origin;
+
+    [[nodiscard]] Point accessibilityOrigin() override { return origin; }
+    [[nodiscard]] std::optional<DesktopWindow> windowAt(Point point,
+                                                        std::optional<pid_t> pid) override {
+        for (const DesktopWindow& window : windows) {
+            if (window.bounds.contains(point) && (!pid || window.pid == pid)) {
+                return window;
+            }
+        }
+        return std::nullopt;
+    }
+    [[nodiscard]] ProcessWindows windowsOf(pid_t /*pid*/) override { return {}; }
+};
+
+/// A main loop that turns when it is told to.
+class HandTurnedLoop final : public FileDescriptorWatcher {
+public:
+    [[nodiscard]] Token watchReadable(int fileDescriptor, std::function<void()> handler) override {
+        const int number = ++last_;
+        watched_[number] = {fileDescriptor, std::move(handler)};
+        return Token([this, number] { watched_.erase(number); });
+    }
+
+    [[nodiscard]] bool watches() const { return !watched_.empty(); }
+    /// Calls the handlers of what is readable, until nothing is watched any more; whether that came
+    /// about within a generous time.
+    bool turnUntilNothingIsWatched() {
+        return desktop::waitUntil([this] {
+            turn();
+            return !watches();
+        });
+    }
+
+private:
+    void turn() {
+        std::vector<std::pair<int, std::pair<int, std::function<void()>>>> watched(watched_.begin(),
+                                                                                   watched_.end());
+        for (const auto& [number, watch] : watched) {
+            pollfd readable{watch.first, POLLIN, 0};
+            if (watched_.contains(number) && poll(&readable, 1, 0) > 0) {
+                watch.second();
+            }
+        }
+    }
+
+    int last_ = 0;
+    std::map<int, std::pair<int, std::function<void()>>> watched_;
+};
+
+/// One or more scripted applications on a bus, and the backend under test.
+class AtspiTest : public ::testing::Test {
+protected:
+    /// Starts an application and tells the registry of it.
+    ScriptedApplication& start(ScriptedTree tree) {
+        applications.push_back(std::make_unique<ScriptedApplication>(bus, std::move(tree)));
+        announce();
+        return *applications.back();
+    }
+
+    /// Has the registry list all applications started so far.
+    void announce(bool enabled = true) {
+        std::vector<Reference> roots;
+        for (const auto& application : applications) {
+            roots.push_back(application->root());
+        }
+        registry.reset();
+        registry = std::make_unique<ScriptedApplication>(bus, registryTree(roots, enabled),
+                                                         registryNames());
+    }
+
+    /// The only window of an application, over the whole of a small screen.
+    void showWindow(const ScriptedApplication& application, bool popup = false) {
+        windows.windows.push_back({static_cast<std::uint32_t>(windows.windows.size() + 1),
+                                   application.pid(), Rect{0, 0, 800, 600}, popup});
+    }
+
+    [[nodiscard]] std::optional<AXUIElement> hit(const ScriptedApplication& application, float x,
+                                                 float y) {
+        return accessibility->createApplication(application.pid()).copyElementAtPosition(x, y);
+    }
+
+    /// The title of the element there; "-" where there is none.
+    [[nodiscard]] std::string titleAt(const ScriptedApplication& application, float x, float y) {
+        const auto element = hit(application, x, y);
+        const auto title = element ? element->copyAttributeValue("AXTitle") : std::nullopt;
+        return title ? title->as<std::string>().value_or("not text") : "-";
+    }
+
+    ScriptedBus bus;
+    std::vector<std::unique_ptr<ScriptedApplication>> applications;
+    std::unique_ptr<ScriptedApplication> registry;
+    FixedWindows windows;
+    HandTurnedLoop loop;
+    std::unique_ptr<AtspiAccessibility> accessibility =
+        std::make_unique<AtspiAccessibility>(windows, loop);
+};
+
+/// An object with a name and a place.
+[[nodiscard]] inline ScriptedObject object(std::string name, std::array<std::int32_t, 4> extents,
+                                           std::vector<std::string> children = {}) {
+    ScriptedObject made;
+    made.name = std::move(name);
+    made.extents = extents;
+    for (std::string& path : children) {
+        made.children.push_back({"", std::move(path)});
+    }
+    return made;
+}
+
+/// An application with one window that holds those objects.
+[[nodiscard]] inline ScriptedTree windowWith(ScriptedObject window, ScriptedTree others = {},
+                                             const std::string& toolkit = "other") {
+    ScriptedTree tree = std::move(others);
+    tree["/window"] = std::move(window);
+    tree["/window"].parent = Reference{"", rootPath};
+    ScriptedObject root;
+    root.name = "application";
+    root.role = 75;
+    root.children = {{"", "/window"}};
+    root.answers["ToolkitName"] = text(toolkit);
+    tree[rootPath] = root;
+    return tree;
+}
+
+} // namespace lumetry::test

@@ -1,0 +1,185 @@
+#include "atspi_test.h"
+
+#include "platform/linux/atspi/atspi_bus.h"
+#include "platform/linux/atspi/requests.h"
+
+#include <unistd.h>
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+namespace lumetry::test {
+namespace {
+
+using atspi::AtspiBus;
+using atspi::deadlineIn;
+using atspi::Message;
+using atspi::ObjectReference;
+using atspi::Outcome;
+
+/// Long enough that a test which needs it has gone wrong.
+constexpr double generousSeconds = 30;
+/// For what is expected not to answer.
+constexpr double shortSeconds = 0.05;
+
+class Bus : public AtspiTest {
+protected:
+    [[nodiscard]] static ObjectReference at(const ScriptedApplication& application,
+                                            const std::string& path) {
+        return {application.name(), path};
+    }
+
+    AtspiBus requests{loop, std::chrono::hours(1)};
+};
+
+TEST_F(Bus, RepliesComeInTheOrderOfTheirRequestsAfterOneWait) {
+    ScriptedTree tree;
+    std::vector<Message> batch;
+    constexpr int count = 3000;
+    for (int number = 0; number < count; ++number) {
+        tree["/" + std::to_string(number)].name = std::to_string(number);
+    }
+    auto& application = start(tree);
+    for (int number = 0; number < count; ++number) {
+        batch.push_back(atspi::getName(at(application, "/" + std::to_string(number))));
+    }
+    batch.push_back(atspi::getName(at(application, "/missing")));
+    batch.push_back(atspi::getName({":1.99999", "/gone"}));
+    batch.push_back(atspi::getName({"no name", "/x"}));
+    batch.push_back(atspi::getName({application.name(), "no path"}));
+
+    const auto replies = requests.exchange(std::move(batch), deadlineIn(generousSeconds));
+
+    for (int number = 0; number < count; ++number) {
+        ASSERT_EQ(atspi::textOf(replies[static_cast<std::size_t>(number)]), std::to_string(number));
+    }
+    EXPECT_EQ(replies[count].outcome, Outcome::refused);
+    EXPECT_EQ(replies[count + 1].outcome, Outcome::gone);
+    EXPECT_EQ(replies[count + 2].outcome, Outcome::refused) << "libdbus would abort over it";
+    EXPECT_EQ(replies[count + 3].outcome, Outcome::refused);
+    EXPECT_EQ(requests.waits(), 1);
+    EXPECT_EQ(requests.requests(), count + 2);
+}
+
+// One application that stands still must not hold up every movement of the pointer.
+TEST_F(Bus, WhoDoesNotAnswerIsLeftAloneUntilItSpeaks) {
+    ScriptedTree tree;
+    tree["/x"].name = "x";
+    auto& frozen = start(tree);
+    auto& lively = start(tree);
+    frozen.freeze();
+    std::vector<Message> both;
+    both.push_back(atspi::getName(at(frozen, "/x")));
+    both.push_back(atspi::getName(at(lively, "/x")));
+    const auto replies = requests.exchange(std::move(both), deadlineIn(shortSeconds));
+    EXPECT_EQ(replies[0].outcome, Outcome::silent);
+
+    const auto sent = requests.requests();
+    const auto waits = requests.waits();
+    EXPECT_EQ(
+        requests.exchange(atspi::getName(at(frozen, "/x")), deadlineIn(generousSeconds)).outcome,
+        Outcome::silent);
+    EXPECT_EQ(requests.requests(), sent) << "it is not asked again at once";
+    EXPECT_EQ(requests.waits(), waits);
+    EXPECT_EQ(
+        textOf(requests.exchange(atspi::getName(at(lively, "/x")), deadlineIn(generousSeconds))),
+        "x")
+        << "others are";
+
+    frozen.thaw();
+    EXPECT_TRUE(desktop::waitUntil([&] {
+        return textOf(requests.exchange(atspi::getName(at(frozen, "/x")),
+                                        deadlineIn(generousSeconds))) == "x";
+    })) << "its late answer shows that it is awake, and is not taken for another one";
+}
+
+TEST_F(Bus, IsFoundAgainAfterItWentAway) {
+    ScriptedTree tree;
+    tree["/x"].name = "x";
+    auto& before = start(tree);
+    ASSERT_EQ(
+        requests.exchange(atspi::getName(at(before, "/x")), deadlineIn(generousSeconds)).outcome,
+        Outcome::answered);
+    const auto generation = requests.generation();
+
+    applications.clear();
+    bus.restart();
+    EXPECT_EQ(
+        requests.exchange(atspi::getName({":1.1", "/x"}), deadlineIn(generousSeconds)).outcome,
+        Outcome::silent);
+
+    auto& after = start(tree);
+    EXPECT_TRUE(desktop::waitUntil([&] {
+        return textOf(requests.exchange(atspi::getName(at(after, "/x")),
+                                        deadlineIn(generousSeconds))) == "x";
+    }));
+    EXPECT_EQ(requests.generation(), generation + 1);
+}
+
+TEST_F(Bus, ContinuesWithoutBlockingAndWatchesOnlyMeanwhile) {
+    ScriptedTree tree;
+    tree["/x"].name = "x";
+    auto& application = start(tree);
+    std::vector<std::string> got;
+    const auto note = [&](const atspi::Reply& reply) {
+        got.push_back(atspi::textOf(reply).value_or("nothing"));
+    };
+    requests.send(atspi::getName(at(application, "/x")), [&](const atspi::Reply& reply) {
+        note(reply);
+        requests.send(atspi::getName(at(application, "/x")), note);
+    });
+    EXPECT_TRUE(got.empty());
+    EXPECT_TRUE(loop.watches());
+    EXPECT_TRUE(loop.turnUntilNothingIsWatched());
+    EXPECT_EQ(got, (std::vector<std::string>{"x", "x"}));
+
+    application.freeze();
+    requests.send(atspi::getName(at(application, "/x")), note);
+    application.end();
+    EXPECT_TRUE(loop.turnUntilNothingIsWatched()) << "the bus says that it is gone";
+    EXPECT_EQ(got.size(), 3);
+
+    auto& next = start(tree);
+    next.freeze();
+    requests.send(atspi::getName(at(next, "/x")), note);
+    bus.daemon().terminate();
+    EXPECT_TRUE(loop.turnUntilNothingIsWatched()) << "the bus itself is gone";
+    EXPECT_EQ(got.size(), 4);
+    EXPECT_EQ(got.back(), "nothing");
+}
+
+TEST_F(Bus, TrustIsExplainedInOneSentence) {
+    struct Case {
+        std::string name;
+        std::function<void()> arrange;
+        std::string expected; ///< part of the sentence; empty when there is nothing to say
+    };
+    const std::vector<Case> cases = {
+        {"no session bus",
+         [] {
+             setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
+             unsetenv("AT_SPI_BUS_ADDRESS");
+         },
+         "DBUS_SESSION_BUS_ADDRESS"},
+        {"no accessibility service",
+         [&] { setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1); }, "at-spi2-core"},
+        {"switched off", [&] { announce(false); }, "dbus-send --session"},
+        {"no accessibility bus", [&] { announce(true); }, "does not answer"},
+        {"all well", [&] { setenv("AT_SPI_BUS_ADDRESS", bus.address().c_str(), 1); }, ""},
+    };
+    for (const Case& each : cases) {
+        each.arrange();
+        AtspiAccessibility fresh(windows, loop);
+        const std::string problem = fresh.trustProblem();
+        EXPECT_EQ(fresh.isProcessTrusted(), each.expected.empty()) << each.name;
+        if (each.expected.empty()) {
+            EXPECT_EQ(problem, "") << each.name;
+        } else {
+            EXPECT_NE(problem.find(each.expected), std::string::npos) << each.name << problem;
+        }
+    }
+}
+
+} // namespace
+} // namespace lumetry::test

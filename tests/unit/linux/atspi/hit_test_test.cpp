@@ -1,0 +1,266 @@
+#include "atspi_test.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace lumetry::test {
+namespace {
+
+constexpr std::uint64_t notShowing = 0;
+
+ScriptedObject hidden(ScriptedObject object) {
+    object.states = notShowing;
+    return object;
+}
+
+ScriptedObject withParent(ScriptedObject object, const std::string& path) {
+    object.parent = Reference{"", path};
+    return object;
+}
+
+ScriptedObject withChildAt(ScriptedObject object, std::function<std::string(int, int)> childAt) {
+    object.childAt = std::move(childAt);
+    return object;
+}
+
+class Hits : public AtspiTest {};
+
+TEST_F(Hits, GoDownToTheInnermostThatIsSeenThere) {
+    struct Case {
+        std::string name;
+        ScriptedTree tree;
+        std::string expected;
+    };
+    const auto alwaysChild = [](const std::string& path) {
+        return [path](int, int) { return path; };
+    };
+    const std::vector<Case> cases = {
+        {"three levels",
+         windowWith(object("window", {0, 0, 800, 600}, {"/box"}),
+                    {{"/box", object("box", {10, 10, 300, 300}, {"/button"})},
+                     {"/button", object("button", {90, 90, 50, 50})}}),
+         "button"},
+        {"nothing inside", windowWith(object("window", {0, 0, 800, 600})), "window"},
+        {"on the window's decoration", windowWith(object("window", {0, 150, 800, 450})), "window"},
+        {"an answer that lies elsewhere",
+         windowWith(withChildAt(object("window", {0, 0, 800, 600}), alwaysChild("/stray")),
+                    {{"/stray", withParent(object("stray", {500, 500, 10, 10}), "/window")}}),
+         "window"},
+        {"an answer without area",
+         windowWith(withChildAt(object("window", {0, 0, 800, 600}, {"/box"}), alwaysChild("/flat")),
+                    {{"/box", withParent(object("box", {0, 0, 400, 400}, {"/flat"}), "/window")},
+                     {"/flat", withParent(object("flat", {100, 100, 0, 0}), "/box")}}),
+         "box"},
+        {"an entry of a list that is closed",
+         windowWith(
+             withChildAt(object("window", {0, 0, 800, 600}, {"/combo"}), alwaysChild("/entry")),
+             {{"/combo", withParent(object("combo", {50, 50, 100, 100}, {"/menu"}), "/window")},
+              {"/menu", hidden(withParent(object("menu", {50, 50, 100, 100}), "/combo"))},
+              {"/entry", hidden(withParent(object("entry", {50, 50, 100, 100}), "/menu"))}}),
+         "combo"},
+        {"going round in circles",
+         windowWith(object("window", {0, 0, 800, 600}, {"/a"}),
+                    {{"/a", withChildAt(object("a", {0, 0, 400, 400}), alwaysChild("/b"))},
+                     {"/b", withChildAt(object("b", {0, 0, 300, 300}), alwaysChild("/a"))}}),
+         "b"},
+        {"an answer of another type", windowWith([] {
+             ScriptedObject window = object("window", {0, 0, 800, 600});
+             window.answers["GetAccessibleAtPoint"] = text("/x");
+             return window;
+         }()),
+         "window"},
+        {"a popover over the content",
+         windowWith(object("window", {0, 0, 800, 600}, {"/content", "/shut", "/popover"}),
+                    {{"/content", object("content", {0, 0, 800, 600})},
+                     {"/shut", object("shut", {-2147483647 - 1, -2147483647 - 1, 1, 1})},
+                     {"/popover", object("popover", {80, 80, 200, 200}, {"/item"})},
+                     {"/item", object("item", {90, 90, 100, 30})}},
+                    "gtk"),
+         "item"},
+        {"Chromium's last answer while it covers the point",
+         windowWith(withChildAt(object("window", {0, 0, 800, 600}), alwaysChild("/page")),
+                    {{"/page", object("page", {0, 0, 800, 600}, {"/under", "/over", "/unseen"})},
+                     {"/under", object("under", {50, 50, 200, 200})},
+                     {"/over", object("over", {60, 60, 200, 200}, {"/text"})},
+                     {"/text", object("text", {90, 90, 100, 20})},
+                     {"/unseen", hidden(object("unseen", {0, 0, 800, 600}))}},
+                    "Chromium"),
+         "text"},
+    };
+    for (const Case& each : cases) {
+        windows.windows.clear();
+        auto& application = start(each.tree);
+        // The number of a window is taken again by the next one, as X servers do.
+        showWindow(application);
+        accessibility = std::make_unique<AtspiAccessibility>(windows, loop);
+        EXPECT_EQ(titleAt(application, 100, 100), each.expected) << each.name;
+        EXPECT_EQ(titleAt(application, 100, 100), each.expected) << each.name << ", again";
+    }
+}
+
+TEST_F(Hits, TakeTheWindowThatIsUnderThePoint) {
+    ScriptedTree tree = windowWith(object("left", {0, 0, 400, 600}, {"/a"}),
+                                   {{"/a", object("in left", {10, 10, 300, 300})},
+                                    {"/right", object("right", {400, 0, 400, 600}, {"/b"})},
+                                    {"/b", object("in right", {410, 10, 300, 300})},
+                                    {"/shut", hidden(object("shut", {400, 0, 400, 600}))}});
+    tree[rootPath].children = {{"", "/shut"}, {"", "/window"}, {"", "/right"}};
+    auto& application = start(tree);
+    // The second display's corner is the origin; AT-SPI counts from the first one's.
+    windows.origin = {0, 100};
+    windows.windows = {{1, application.pid(), {0, -120, 400, 620}, false},
+                       {2, application.pid(), {400, -120, 400, 620}, false}};
+
+    EXPECT_EQ(titleAt(application, 50, -50), "in left");
+    EXPECT_EQ(titleAt(application, 450, -50), "in right");
+    EXPECT_EQ(titleAt(application, 450, 900), "-") << "no window there";
+    const auto systemWide = accessibility->createSystemWide().copyElementAtPosition(450, -50);
+    ASSERT_TRUE(systemWide);
+    EXPECT_EQ(systemWide, hit(application, 450, -50));
+    EXPECT_EQ(systemWide->getPid(), application.pid());
+}
+
+TEST_F(Hits, InAWindowThatIsKnownWaitOnce) {
+    auto& application = start(windowWith(object("window", {0, 0, 800, 600}, {"/box"}),
+                                         {{"/box", object("box", {10, 10, 300, 300}, {"/a", "/b"})},
+                                          {"/a", object("a", {90, 90, 20, 20})},
+                                          {"/b", object("b", {150, 90, 20, 20})}}));
+    showWindow(application);
+    ASSERT_EQ(titleAt(application, 100, 100), "a");
+
+    auto waits = accessibility->waits();
+    ASSERT_TRUE(hit(application, 101, 101));
+    EXPECT_EQ(accessibility->waits() - waits, 1) << "near the last point";
+    waits = accessibility->waits();
+    ASSERT_EQ(titleAt(application, 160, 100), "b");
+    EXPECT_EQ(accessibility->waits() - waits, 3) << "on to a neighbour, and its title";
+
+    const Token answers = accessibility->keepAnswers();
+    const auto element = hit(application, 160, 100);
+    waits = accessibility->waits();
+    (void)element->copyAttributeValue("AXSize");
+    EXPECT_EQ(accessibility->waits(), waits) << "the way down has shown its place already";
+}
+
+TEST_F(Hits, FindWhatPopupsShow) {
+    // Qt: the list below its combo box; no window of the application's.
+    auto& qt = start(windowWith(object("window", {0, 0, 800, 600}, {"/combo", "/shut"}),
+                                {{"/combo", object("combo", {100, 300, 200, 30}, {"/list"})},
+                                 {"/shut", hidden(object("shut", {100, 330, 200, 100}))},
+                                 {"/list", object("list", {101, 331, 198, 98}, {"/entry"})},
+                                 {"/entry", object("entry", {101, 351, 198, 20})}}));
+    windows.windows = {{1, qt.pid(), {100, 330, 200, 100}, true},
+                       {2, qt.pid(), {0, 0, 800, 600}, false}};
+    EXPECT_EQ(titleAt(qt, 150, 360), "entry");
+    EXPECT_EQ(titleAt(qt, 150, 310), "combo");
+
+    // Chromium: an empty window over the page, which has the entries.
+    ScriptedTree chromium =
+        windowWith(object("window", {0, 0, 800, 600}, {"/select"}),
+                   {{"/select", object("select", {100, 300, 200, 30}, {"/menu"})},
+                    {"/menu", object("menu", {100, 300, 200, 10}, {"/option"})},
+                    {"/option", object("option", {101, 351, 198, 20})},
+                    {"/popup", object("popup", {100, 330, 200, 100})}},
+                   "Chromium");
+    chromium[rootPath].children.push_back({"", "/popup"});
+    auto& browser = start(chromium);
+    windows.windows = {{3, browser.pid(), {100, 330, 200, 100}, true},
+                       {4, browser.pid(), {0, 0, 800, 600}, false}};
+    EXPECT_EQ(titleAt(browser, 150, 310), "select");
+    EXPECT_EQ(titleAt(browser, 150, 360), "option");
+
+    // Nothing stands for it: what lies behind is not what is pointed at.
+    auto& other = start(windowWith(object("window", {0, 0, 800, 600})));
+    windows.windows = {{5, other.pid(), {100, 330, 200, 100}, true},
+                       {6, other.pid(), {0, 0, 800, 600}, false}};
+    EXPECT_EQ(titleAt(other, 150, 360), "-");
+    EXPECT_EQ(titleAt(other, 150, 310), "window");
+}
+
+TEST_F(Hits, EndWhenTimeIsOver) {
+    struct Case {
+        std::string name;
+        std::string path;
+        std::string method;
+    };
+    for (const auto& [name, path, method] : {
+             Case{"at the application", rootPath, "GetChildren"},
+             Case{"at the window", "/window", "GetAccessibleAtPoint"},
+             Case{"further down", "/box", "GetAccessibleAtPoint"},
+         }) {
+        ScriptedTree tree = windowWith(object("window", {0, 0, 800, 600}, {"/box"}),
+                                       {{"/box", object("box", {10, 10, 300, 300})}});
+        tree[path].silent = {method};
+        windows.windows.clear();
+        auto& application = start(tree);
+        showWindow(application);
+        const AXUIElement root = accessibility->createApplication(application.pid());
+        root.setMessagingTimeout(0.05F);
+        EXPECT_FALSE(root.copyElementAtPosition(100, 100)) << name;
+    }
+}
+
+TEST_F(Hits, NoticeThatApplicationsComeAndGo) {
+    auto& first = start(windowWith(object("first", {0, 0, 800, 600})));
+    showWindow(first);
+    ASSERT_EQ(titleAt(first, 100, 100), "first");
+    first.end();
+    EXPECT_EQ(titleAt(first, 100, 100), "-");
+
+    applications.clear();
+    auto& second = start(windowWith(object("second", {0, 0, 800, 600})));
+    windows.windows = {{1, second.pid(), {0, 0, 800, 600}, false}};
+    EXPECT_EQ(titleAt(second, 100, 100), "second") << "in a window of the same number";
+
+    const auto unknown = accessibility->createApplication(1);
+    const Token answers = accessibility->keepAnswers();
+    EXPECT_FALSE(unknown.copyAttributeValue("AXTitle"));
+    const auto requests = accessibility->requests();
+    EXPECT_FALSE(unknown.copyAttributeValue("AXTitle"));
+    EXPECT_EQ(accessibility->requests(), requests) << "asked about once in a sample";
+}
+
+// Waiting for an answer from oneself lasts until the time is over.
+TEST_F(Hits, NeverAskThisProgramItself) {
+    auto& application = start(windowWith(object("window", {0, 0, 800, 600})));
+    windows.windows = {{1, getpid(), {0, 0, 800, 600}, false}};
+    ASSERT_TRUE(accessibility->isProcessTrusted());
+    const auto requests = accessibility->requests();
+    const AXUIElement own = accessibility->createApplication(getpid());
+    EXPECT_FALSE(own.copyElementAtPosition(100, 100));
+    EXPECT_FALSE(own.copyAttributeValue("AXChildren"));
+    own.setAttributeValue("AXManualAccessibility", true);
+    EXPECT_EQ(accessibility->requests(), requests);
+    (void)application;
+}
+
+TEST_F(Hits, WakeAnApplicationWithoutWaiting) {
+    auto& application = start(windowWith(object("window", {0, 0, 800, 600})));
+    const AXUIElement root = accessibility->createApplication(application.pid());
+    application.freeze();
+    root.setAttributeValue("AXManualAccessibility", true);
+    root.setAttributeValue("AXManualAccessibility", false);
+    EXPECT_EQ(accessibility->waits(), 0);
+    EXPECT_TRUE(loop.watches());
+    application.thaw();
+    EXPECT_TRUE(loop.turnUntilNothingIsWatched());
+    EXPECT_EQ(accessibility->waits(), 0);
+    // The registry's list, its process and the registry's, the windows, and the window's
+    // attributes.
+    EXPECT_EQ(accessibility->requests(), 4);
+
+    EXPECT_EQ(root.copyAttributeValue("AXEnhancedUserInterface")->as<bool>(), false);
+    root.setAttributeValue("AXEnhancedUserInterface", true);
+    const AXUIElement again = accessibility->createApplication(application.pid());
+    EXPECT_EQ(again, root);
+    EXPECT_EQ(again.copyAttributeValue("AXEnhancedUserInterface")->as<bool>(), true);
+    root.setAttributeValue("AXEnhancedUserInterface", false);
+    EXPECT_EQ(again.copyAttributeValue("AXEnhancedUserInterface")->as<bool>(), false);
+}
+
+} // namespace
+} // namespace lumetry::test

@@ -1,0 +1,378 @@
+#include "scripted_bus.h"
+
+#include "support/processes/file_descriptor.h"
+
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+
+namespace lumetry::test {
+namespace {
+
+constexpr const char* nullPath = "/org/a11y/atspi/null";
+
+/// As lenient as a session's bus.
+std::string configuration(const std::string& address) {
+    return R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>)" +
+           address +
+           R"(</listen>
+  <auth>EXTERNAL</auth>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+  <limit name="max_replies_per_connection">50000</limit>
+</busconfig>
+)";
+}
+
+void append(DBusMessageIter& at, int type, const void* value) {
+    dbus_message_iter_append_basic(&at, type, value);
+}
+
+void appendReference(DBusMessageIter& at, const Reference& value) {
+    DBusMessageIter fields;
+    const char* name = value.name.c_str();
+    const char* path = value.path.c_str();
+    dbus_message_iter_open_container(&at, DBUS_TYPE_STRUCT, nullptr, &fields);
+    append(fields, DBUS_TYPE_STRING, &name);
+    append(fields, DBUS_TYPE_OBJECT_PATH, &path);
+    dbus_message_iter_close_container(&at, &fields);
+}
+
+void appendArray(DBusMessageIter& at, const char* signature,
+                 const std::function<void(DBusMessageIter&)>& items) {
+    DBusMessageIter array;
+    dbus_message_iter_open_container(&at, DBUS_TYPE_ARRAY, signature, &array);
+    items(array);
+    dbus_message_iter_close_container(&at, &array);
+}
+
+/// The signature of what an answer appends, for the variant around a property.
+std::string signatureOf(const Answer& answer) {
+    DBusMessage* message = dbus_message_new(DBUS_MESSAGE_TYPE_METHOD_RETURN);
+    DBusMessageIter at;
+    dbus_message_iter_init_append(message, &at);
+    answer(at);
+    std::string signature = dbus_message_get_signature(message);
+    dbus_message_unref(message);
+    return signature;
+}
+
+/// What runs in the application's process.
+class Server {
+public:
+    Server(const std::string& address, ScriptedTree tree,
+           const std::vector<std::string>& wellKnownNames)
+        : tree_(std::move(tree)),
+          connection_(dbus_connection_open_private(address.c_str(), nullptr)) {
+        if (connection_ == nullptr || !dbus_bus_register(connection_, nullptr)) {
+            _exit(EXIT_FAILURE);
+        }
+        for (const std::string& name : wellKnownNames) {
+            dbus_bus_request_name(connection_, name.c_str(), 0, nullptr);
+        }
+    }
+
+    [[nodiscard]] std::string name() const { return dbus_bus_get_unique_name(connection_); }
+
+    void run() {
+        while (dbus_connection_read_write(connection_, -1)) {
+            while (DBusMessage* request = dbus_connection_pop_message(connection_)) {
+                if (dbus_message_get_type(request) == DBUS_MESSAGE_TYPE_METHOD_CALL) {
+                    handle(*request);
+                }
+                dbus_message_unref(request);
+            }
+            dbus_connection_flush(connection_);
+        }
+    }
+
+private:
+    void handle(DBusMessage& request) {
+        std::string member = dbus_message_get_member(&request);
+        const bool property = member == "Get" || member == "Set";
+        if (property) {
+            const char* interface = nullptr;
+            const char* name = nullptr;
+            DBusMessageIter arguments;
+            dbus_message_iter_init(&request, &arguments);
+            dbus_message_iter_get_basic(&arguments, &interface);
+            dbus_message_iter_next(&arguments);
+            dbus_message_iter_get_basic(&arguments, &name);
+            member = name;
+        }
+        const auto object = tree_.find(dbus_message_get_path(&request));
+        if (object != tree_.end() && object->second.silent.contains(member)) {
+            return;
+        }
+        const Answer answer =
+            object == tree_.end() ? Answer() : answerOf(object->second, member, request);
+        DBusMessage* reply =
+            answer ? dbus_message_new_method_return(&request)
+                   : dbus_message_new_error(&request, DBUS_ERROR_UNKNOWN_METHOD, "not scripted");
+        if (answer && property) {
+            DBusMessageIter at;
+            DBusMessageIter variant;
+            dbus_message_iter_init_append(reply, &at);
+            dbus_message_iter_open_container(&at, DBUS_TYPE_VARIANT, signatureOf(answer).c_str(),
+                                             &variant);
+            answer(variant);
+            dbus_message_iter_close_container(&at, &variant);
+        } else if (answer) {
+            DBusMessageIter at;
+            dbus_message_iter_init_append(reply, &at);
+            answer(at);
+        }
+        dbus_connection_send(connection_, reply, nullptr);
+        dbus_message_unref(reply);
+    }
+
+    [[nodiscard]] Reference own(Reference value) const {
+        if (value.name.empty()) {
+            value.name = name();
+        }
+        return value;
+    }
+
+    [[nodiscard]] std::string childAt(const ScriptedObject& object, int x, int y) const {
+        if (object.childAt) {
+            return object.childAt(x, y);
+        }
+        for (const Reference& child : object.children) {
+            const auto found = tree_.find(child.path);
+            if (found == tree_.end() || !found->second.extents) {
+                continue;
+            }
+            const auto [left, top, width, height] = *found->second.extents;
+            if (x >= left && x < left + width && y >= top && y < top + height) {
+                return child.path;
+            }
+        }
+        return {};
+    }
+
+    [[nodiscard]] Answer answerOf(const ScriptedObject& object, const std::string& member,
+                                  DBusMessage& request) const {
+        if (const auto answer = object.answers.find(member); answer != object.answers.end()) {
+            return answer->second;
+        }
+        if (member == "GetRole" && object.role) {
+            return unsignedNumber(*object.role);
+        }
+        if (member == "Name" && object.name) {
+            return text(*object.name);
+        }
+        if (member == "CurrentValue" && object.value) {
+            return [value = *object.value](DBusMessageIter& at) {
+                append(at, DBUS_TYPE_DOUBLE, &value);
+            };
+        }
+        if (member == "Parent" && object.parent) {
+            return reference(own(*object.parent));
+        }
+        if (member == "GetChildren") {
+            std::vector<Reference> children;
+            for (const Reference& child : object.children) {
+                children.push_back(own(child));
+            }
+            return references(children);
+        }
+        if (member == "GetState") {
+            return [states = object.states](DBusMessageIter& at) {
+                appendArray(at, "u", [states](DBusMessageIter& array) {
+                    for (const unsigned shift : {0U, 32U}) {
+                        const auto word = static_cast<dbus_uint32_t>(states >> shift);
+                        append(array, DBUS_TYPE_UINT32, &word);
+                    }
+                });
+            };
+        }
+        return answerOfComponentOrText(object, member, request);
+    }
+
+    [[nodiscard]] Answer answerOfComponentOrText(const ScriptedObject& object,
+                                                 const std::string& member,
+                                                 DBusMessage& request) const {
+        dbus_int32_t first = 0;
+        dbus_int32_t second = 0;
+        if (member == "GetExtents" && object.extents) {
+            return [extents = *object.extents](DBusMessageIter& at) {
+                DBusMessageIter fields;
+                dbus_message_iter_open_container(&at, DBUS_TYPE_STRUCT, nullptr, &fields);
+                for (const std::int32_t number : extents) {
+                    append(fields, DBUS_TYPE_INT32, &number);
+                }
+                dbus_message_iter_close_container(&at, &fields);
+            };
+        }
+        if (member == "GetAccessibleAtPoint" && object.extents &&
+            dbus_message_get_args(&request, nullptr, DBUS_TYPE_INT32, &first, DBUS_TYPE_INT32,
+                                  &second, DBUS_TYPE_INVALID)) {
+            const std::string path = childAt(object, first, second);
+            return reference(path.empty() ? Reference{"", nullPath} : own({"", path}));
+        }
+        if (member == "CharacterCount" && object.textContent) {
+            return [count = static_cast<dbus_int32_t>(object.textContent->size())](
+                       DBusMessageIter& at) { append(at, DBUS_TYPE_INT32, &count); };
+        }
+        if (member == "GetText" && object.textContent &&
+            dbus_message_get_args(&request, nullptr, DBUS_TYPE_INT32, &first, DBUS_TYPE_INT32,
+                                  &second, DBUS_TYPE_INVALID)) {
+            const auto from = static_cast<std::size_t>(first);
+            if (object.strictAboutText &&
+                second > static_cast<dbus_int32_t>(object.textContent->size())) {
+                return text("");
+            }
+            return text(object.textContent->substr(
+                from, second < 0 ? std::string::npos : static_cast<std::size_t>(second) - from));
+        }
+        return {};
+    }
+
+    ScriptedTree tree_;
+    DBusConnection* connection_;
+};
+
+} // namespace
+
+Answer text(std::string value) {
+    return [value = std::move(value)](DBusMessageIter& at) {
+        const char* letters = value.c_str();
+        append(at, DBUS_TYPE_STRING, &letters);
+    };
+}
+
+Answer unsignedNumber(std::uint32_t value) {
+    return [value](DBusMessageIter& at) { append(at, DBUS_TYPE_UINT32, &value); };
+}
+
+Answer reference(Reference value) {
+    return [value = std::move(value)](DBusMessageIter& at) { appendReference(at, value); };
+}
+
+Answer references(std::vector<Reference> values) {
+    return [values = std::move(values)](DBusMessageIter& at) {
+        appendArray(at, "(so)", [&](DBusMessageIter& array) {
+            for (const Reference& value : values) {
+                appendReference(array, value);
+            }
+        });
+    };
+}
+
+Answer numberedReferences(std::string pathPrefix, int count) {
+    return [pathPrefix = std::move(pathPrefix), count](DBusMessageIter& at) {
+        appendArray(at, "(so)", [&](DBusMessageIter& array) {
+            for (int number = 0; number < count; ++number) {
+                appendReference(array, {":1.99999", pathPrefix + std::to_string(number)});
+            }
+        });
+    };
+}
+
+ScriptedBus::ScriptedBus() {
+    std::string folder = (std::filesystem::temp_directory_path() / "lumetry-bus-XXXXXX").string();
+    if (mkdtemp(folder.data()) == nullptr) {
+        throw std::runtime_error("no folder can be made at " + folder);
+    }
+    folder_ = folder;
+    address_ = "unix:path=" + folder + "/bus";
+    std::ofstream(folder_ / "bus.conf") << configuration(address_);
+    start();
+    setenv("AT_SPI_BUS_ADDRESS", address_.c_str(), 1);
+    setenv("DBUS_SESSION_BUS_ADDRESS", address_.c_str(), 1);
+}
+
+ScriptedBus::~ScriptedBus() {
+    unsetenv("AT_SPI_BUS_ADDRESS");
+    unsetenv("DBUS_SESSION_BUS_ADDRESS");
+    daemon_.reset();
+    std::error_code error;
+    std::filesystem::remove_all(folder_, error);
+}
+
+void ScriptedBus::start() {
+    daemon_.emplace(std::vector<std::string>{"dbus-daemon", "--nofork", "--nosyslog",
+                                             "--config-file=" + (folder_ / "bus.conf").string(),
+                                             "--print-address=1"});
+    desktop::requireUntil("the bus", [&] { return !daemon_->standardOutput().empty(); });
+}
+
+void ScriptedBus::restart() {
+    daemon_.reset();
+    std::filesystem::remove(folder_ / "bus");
+    start();
+}
+
+ScriptedApplication::ScriptedApplication(const ScriptedBus& bus, ScriptedTree tree,
+                                         std::vector<std::string> wellKnownNames) {
+    desktop::Pipe pipe = desktop::makePipe();
+    pid_ = fork();
+    if (pid_ < 0) {
+        throw std::runtime_error("no process can be started");
+    }
+    if (pid_ == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        Server server(bus.address(), std::move(tree), wellKnownNames);
+        const std::string line = server.name() + "\n";
+        if (write(pipe.writeEnd.get(), line.data(), line.size()) > 0) {
+            server.run();
+        }
+        _exit(EXIT_SUCCESS);
+    }
+    pipe.writeEnd.reset();
+    name_ = desktop::readLine(pipe.readEnd.get(), desktop::generousDeadline);
+    if (name_.empty()) {
+        throw std::runtime_error("the scripted application does not get onto the bus");
+    }
+}
+
+ScriptedApplication::~ScriptedApplication() {
+    end();
+}
+
+void ScriptedApplication::freeze() const {
+    kill(pid_, SIGSTOP);
+    waitpid(pid_, nullptr, WUNTRACED);
+}
+
+void ScriptedApplication::thaw() const {
+    kill(pid_, SIGCONT);
+}
+
+void ScriptedApplication::end() {
+    if (pid_ > 0) {
+        kill(pid_, SIGKILL);
+        waitpid(pid_, nullptr, 0);
+        pid_ = -1;
+    }
+}
+
+ScriptedTree registryTree(std::vector<Reference> applications, bool enabled) {
+    ScriptedTree tree;
+    tree[rootPath].answers["GetChildren"] = references(std::move(applications));
+    tree["/org/a11y/bus"].answers["IsEnabled"] = [enabled](DBusMessageIter& at) {
+        const dbus_bool_t value = enabled ? TRUE : FALSE;
+        append(at, DBUS_TYPE_BOOLEAN, &value);
+    };
+    return tree;
+}
+
+std::vector<std::string> registryNames() {
+    return {"org.a11y.atspi.Registry", "org.a11y.Bus"};
+}
+
+} // namespace lumetry::test

@@ -1,0 +1,107 @@
+#pragma once
+
+#include "support/processes/child_process.h"
+
+#include <dbus/dbus.h>
+#include <sys/types.h>
+
+#include <array>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace lumetry::test {
+
+/// A message bus of the test's own. While it lives, this program takes it for the session's bus and
+/// for the accessibility bus.
+class ScriptedBus {
+public:
+    ScriptedBus();
+    ~ScriptedBus();
+    ScriptedBus(const ScriptedBus&) = delete;
+    ScriptedBus& operator=(const ScriptedBus&) = delete;
+
+    [[nodiscard]] const std::string& address() const { return address_; }
+    /// Ends the bus and starts another one at the same address.
+    void restart();
+    [[nodiscard]] desktop::ChildProcess& daemon() { return *daemon_; }
+
+private:
+    void start();
+
+    std::filesystem::path folder_;
+    std::string address_;
+    std::optional<desktop::ChildProcess> daemon_;
+};
+
+/// A reference to an object; without a name, of the application itself.
+struct Reference {
+    std::string name;
+    std::string path;
+};
+
+/// Appends what a method or property answers.
+using Answer = std::function<void(DBusMessageIter&)>;
+[[nodiscard]] Answer text(std::string value);
+[[nodiscard]] Answer unsignedNumber(std::uint32_t value);
+[[nodiscard]] Answer reference(Reference value);
+[[nodiscard]] Answer references(std::vector<Reference> values);
+/// @param count how often the references are to be repeated, with a number behind their paths
+[[nodiscard]] Answer numberedReferences(std::string pathPrefix, int count);
+
+/// An accessible object that answers as it is told. What is not set is answered with an error.
+struct ScriptedObject {
+    std::optional<std::uint32_t> role;
+    std::optional<std::string> name;
+    std::optional<std::string> textContent;
+    /// Asked for more text than there is, it gives none.
+    bool strictAboutText = false;
+    std::optional<double> value;
+    std::optional<Reference> parent;
+    std::vector<Reference> children;
+    std::optional<std::array<std::int32_t, 4>> extents;
+    std::uint64_t states = showing;
+    /// The path of the child at a point, empty for none; by default the first child there.
+    std::function<std::string(int x, int y)> childAt;
+    std::map<std::string, Answer> answers; ///< by method or property, instead of the above
+    std::set<std::string> silent;          ///< methods and properties never answered
+
+    static constexpr std::uint64_t showing = std::uint64_t{1} << 25U;
+};
+
+using ScriptedTree = std::map<std::string, ScriptedObject>;
+inline constexpr const char* rootPath = "/org/a11y/atspi/accessible/root";
+
+/// A process of its own that has objects on a bus.
+class ScriptedApplication {
+public:
+    /// @param wellKnownNames taken besides the connection's own
+    ScriptedApplication(const ScriptedBus& bus, ScriptedTree tree,
+                        std::vector<std::string> wellKnownNames = {});
+    ~ScriptedApplication();
+    ScriptedApplication(const ScriptedApplication&) = delete;
+    ScriptedApplication& operator=(const ScriptedApplication&) = delete;
+
+    [[nodiscard]] pid_t pid() const { return pid_; }
+    [[nodiscard]] const std::string& name() const { return name_; }
+    [[nodiscard]] Reference root() const { return {name_, rootPath}; }
+    void freeze() const;
+    void thaw() const;
+    void end();
+
+private:
+    pid_t pid_ = -1;
+    std::string name_;
+};
+
+/// The registry of a bus, listing those applications, and the service that says that accessibility
+/// is switched on.
+[[nodiscard]] ScriptedTree registryTree(std::vector<Reference> applications, bool enabled = true);
+[[nodiscard]] std::vector<std::string> registryNames();
+
+} // namespace lumetry::test

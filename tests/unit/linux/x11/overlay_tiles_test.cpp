@@ -1,0 +1,216 @@
+#include "platform/linux/x11/overlay_tiles.h"
+#include "platform/qt/painter_rasterizer.h"
+
+#include <QGuiApplication>
+#include <gmock/gmock.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <numeric>
+#include <random>
+#include <vector>
+
+namespace lumetry::x11 {
+namespace {
+
+constexpr Size view = {640, 480};
+constexpr Rect whole = {0, 0, view.width, view.height};
+
+double areaOf(const std::vector<Rect>& rects) {
+    return std::accumulate(rects.begin(), rects.end(), 0.0, [](double sum, const Rect& rect) {
+        return sum + rect.width * rect.height;
+    });
+}
+
+/// Where shapes are cut off for a tile their smoothing may differ by a shade.
+constexpr int shade = 8;
+
+bool alike(std::uint32_t a, std::uint32_t b) {
+    for (const unsigned shift : {0U, 8U, 16U, 24U}) {
+        const int difference =
+            static_cast<int>((a >> shift) & 0xFF) - static_cast<int>((b >> shift) & 0xFF);
+        if (std::abs(difference) > shade) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Such a pixel may be there or not where there is nothing in between.
+bool isHalfCovered(std::uint32_t pixel) {
+    return std::abs(static_cast<int>(pixel >> 24) - 128) <= shade;
+}
+
+/// A picture of the whole view put together piece by piece.
+class Picture {
+public:
+    explicit Picture(const Rasterizer& rasterizer, const DisplayList& list, Edges edges)
+        : bitmap(rasterizer.rasterize(list, whole, edges)), rasterizer_(rasterizer), edges_(edges) {
+    }
+
+    void put(const TilePlan& plan, const DisplayList& list) {
+        for (const Rect& rect : plan.cleared) {
+            fill(rect, 0);
+        }
+        for (const TilePlan::Uniform& uniform : plan.uniform) {
+            const Bitmap sample =
+                rasterizer_.rasterize(list, {uniform.sample.x, uniform.sample.y, 1, 1}, edges_);
+            for (const Rect& rect : uniform.areas) {
+                fill(rect, sample.at(0, 0));
+            }
+        }
+        for (const Rect& rect : plan.rasterized) {
+            const Bitmap part = rasterizer_.rasterize(list, rect, edges_);
+            each(rect, [&](int x, int y, std::uint32_t& pixel) { pixel = part.at(x, y); });
+        }
+    }
+
+    Bitmap bitmap;
+
+private:
+    template<class Function>
+    void each(const Rect& rect, Function function) {
+        const int top = static_cast<int>(view.height - rect.maxY());
+        for (int y = 0; y < static_cast<int>(rect.height); ++y) {
+            for (int x = 0; x < static_cast<int>(rect.width); ++x) {
+                function(x, y,
+                         bitmap.pixels[static_cast<std::size_t>(top + y) *
+                                           static_cast<std::size_t>(bitmap.width) +
+                                       static_cast<std::size_t>(rect.x + x)]);
+            }
+        }
+    }
+    void fill(const Rect& rect, std::uint32_t color) {
+        each(rect, [&](int, int, std::uint32_t& pixel) { pixel = color; });
+    }
+
+    const Rasterizer& rasterizer_;
+    Edges edges_;
+};
+
+/// Drawings of a few commands anywhere in and around the view, at fractions of points too.
+class RandomDrawings {
+public:
+    DisplayList next() {
+        DisplayList list;
+        for (int i = 0, count = pick(1, 6); i < count; ++i) {
+            list.push_back(command());
+        }
+        return list;
+    }
+
+private:
+    int pick(int low, int high) {
+        return std::uniform_int_distribution<int>(low, high)(generator_);
+    }
+    double place(int low, int high) { return pick(4 * low, 4 * high) / 4.0; }
+    Rect rect() { return {place(-50, 600), place(-50, 450), place(1, 500), place(1, 400)}; }
+    Color color() { return {pick(0, 4) / 4.0, pick(0, 4) / 4.0, 1, pick(1, 10) / 10.0}; }
+
+    DrawCommand command() {
+        switch (pick(0, 5)) {
+        case 0:
+        case 1:
+            return FillRoundedRect{rect(), place(0, 60), color()};
+        case 2:
+        case 3:
+            return StrokeRoundedRect{rect(), place(0, 60), color(), place(1, 9)};
+        case 4:
+            return StrokeEllipse{rect(), color(), place(1, 4)};
+        default: {
+            const Point a = {place(0, 600), place(0, 400)};
+            const Point b = pick(0, 1) == 0 ? Point{a.x, place(0, 400)} : Point{place(0, 600), a.y};
+            return StrokeLine{a, b, color(), pick(3, 8) / 2.0, {5, 3}};
+        }
+        }
+    }
+
+    std::mt19937 generator_{20240229};
+};
+
+class OverlayTiles : public testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        static int count = 1;
+        static std::array<char, 5> name = {"test"};
+        static std::array<char*, 2> arguments = {name.data(), nullptr};
+        application_ = new QGuiApplication(count, arguments.data());
+    }
+    static void TearDownTestSuite() { delete application_; }
+
+    PainterRasterizer rasterizer_;
+
+private:
+    static QGuiApplication* application_;
+};
+
+QGuiApplication* OverlayTiles::application_ = nullptr;
+
+TEST_F(OverlayTiles, MakeTheSamePictureAsDrawingItWhole) {
+    RandomDrawings drawings;
+    for (const Edges edges : {Edges::smooth, Edges::hard}) {
+        DisplayList before;
+        for (int i = 0; i < 60; ++i) {
+            const DisplayList after = drawings.next();
+            Picture picture(rasterizer_, before, edges);
+            const TilePlan plan = planTiles(after, changedAreas(before, after), view);
+            const auto pieces = plan.all();
+            EXPECT_LE(areaOf(pieces), view.width * view.height) << "pieces overlap";
+            picture.put(plan, after);
+            const Bitmap smooth = rasterizer_.rasterize(after, whole, Edges::smooth);
+            const Bitmap expected = rasterizer_.rasterize(after, whole, edges);
+            std::size_t wrong = 0;
+            for (std::size_t j = 0; j < expected.pixels.size(); ++j) {
+                const bool either = edges == Edges::hard && isHalfCovered(smooth.pixels[j]);
+                wrong += !either && !alike(expected.pixels[j], picture.bitmap.pixels[j]) ? 1 : 0;
+            }
+            ASSERT_EQ(wrong, 0U) << "drawing " << i;
+            before = after;
+        }
+    }
+}
+
+TEST_F(OverlayTiles, FollowTheEdgesOfALargeElement) {
+    const Rect element = {2, 2, 4000, 2000};
+    const DisplayList list = {FillRoundedRect{element, 4, accentPink.withAlpha(0.07)},
+                              StrokeRoundedRect{element, 4, accentPink, 1.5}};
+    const std::array areas = {coverage(list[0]), coverage(list[1])};
+    const TilePlan plan = planTiles(list, areas, {5120, 2880});
+    EXPECT_LE(areaOf(plan.rasterized), 2 * (4000 + 2000) * 16 + 8 * 16 * 16);
+    ASSERT_EQ(plan.uniform.size(), 1U);
+    EXPECT_TRUE(covers(plan.uniform.front().areas, inset(element, 32, 32)));
+    // Neighbours are joined.
+    EXPECT_LT(plan.all().size(), 30U);
+}
+
+TEST_F(OverlayTiles, StayInTheView) {
+    const DisplayList list = {StrokeRoundedRect{{-1e9, -1e9, 2e9, 2e9}, 4, white, 2},
+                              FillRoundedRect{{600, 440, 1e7, 1e7}, 4, white}};
+    const std::array areas = {coverage(list[0]), coverage(list[1])};
+    const auto pieces = planTiles(list, areas, view).all();
+    EXPECT_EQ(areaOf(pieces), view.width * view.height);
+    EXPECT_TRUE(covers(pieces, whole));
+    const std::array outside = {Rect{700, 0, 10, 10}};
+    EXPECT_TRUE(planTiles(list, outside, view).all().empty());
+    EXPECT_TRUE(planTiles(list, {}, view).all().empty());
+}
+
+TEST(OverlayTilesCover, NeedsEveryPart) {
+    const std::array pieces = {Rect{0, 0, 10, 10}, Rect{10, 0, 10, 20}};
+    const struct {
+        Rect rect;
+        bool covered;
+    } cases[] = {
+        {{2, 2, 15, 8}, true},   {{0, 0, 20, 10}, true}, {{0, 0, 20, 11}, false},
+        {{12, 3, 4, 17}, true},  {{-1, 0, 5, 5}, false}, {{9, 9, 2, 2}, false},
+        {{30, 30, 1, 1}, false},
+    };
+    for (const auto& one : cases) {
+        EXPECT_EQ(covers(pieces, one.rect), one.covered) << one.rect.x << ' ' << one.rect.y;
+    }
+}
+
+} // namespace
+} // namespace lumetry::x11

@@ -1,0 +1,233 @@
+#include "probe/spacing.h"
+
+#include "support/fake_platform/fake_accessibility.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace lumetry {
+
+std::ostream& operator<<(std::ostream& out, const CollectionGap& gap) {
+    return out << gap.count << " of " << gap.item << ", " << gap.gap << " apart, "
+               << (gap.vertical ? "one below the other" : "side by side");
+}
+
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+const double nan = std::nan("");
+
+/// An element whose children have these frames.
+class Family {
+public:
+    explicit Family(const std::vector<Rect>& frames) {
+        std::vector<FakeElement*> children;
+        children.reserve(frames.size());
+        for (const Rect& frame : frames) {
+            children.push_back(&accessibility.makeElement(1, "AXGroup").setFrame(frame));
+        }
+        parent.setChildren(children);
+    }
+
+    [[nodiscard]] std::string padding(const Rect& frame, bool guarded) {
+        return axPadding(accessibility, parent.handle(), frame, guarded).value_or("");
+    }
+    [[nodiscard]] std::optional<CollectionGap> gap() {
+        return collectionGap(accessibility, parent.handle());
+    }
+
+    FakeAccessibility accessibility;
+    FakeElement& parent = accessibility.makeElement(1, "AXList");
+};
+
+TEST(Padding, IsTheSpaceAroundAllChildren) {
+    constexpr Rect frame = {0, 0, 100, 100};
+    struct Case {
+        const char* name;
+        Rect frame;
+        std::vector<Rect> children;
+        std::string guarded;
+        std::string unguarded;
+    };
+    for (const auto& [name, outer, children, guarded, unguarded] : {
+             Case{"two values", {10, 10, 100, 32}, {{30, 18, 60, 16}}, "8px 20px", "8px 20px"},
+             Case{"one value", frame, {{12, 12, 76, 76}}, "12px", "12px"},
+             Case{"four values",
+                  frame,
+                  {{12, 8, 76, 82}, {20, 20, 68, 9}},
+                  "8px 12px 10px 12px",
+                  "8px 12px 10px 12px"},
+             Case{"only the vertical ones alike",
+                  frame,
+                  {{1, 5, 97, 90}},
+                  "5px 2px 5px 1px",
+                  "5px 2px 5px 1px"},
+             Case{"box around several", frame, {{20, 20, 5, 5}, {70, 75, 10, 5}}, "20px", "20px"},
+             Case{"halves away from zero", frame, {{0.5, 0.4, 98.1, 99.2}}, "0px 1px", "0px 1px"},
+             Case{"no space", frame, {{0, 0, 100, 100}}, "", ""},
+             Case{"hardly any", frame, {{0.4, 0.4, 99.2, 99.2}}, "", ""},
+             Case{"sticking out on the left",
+                  frame,
+                  {{-2, 5, 97, 90}},
+                  "5px 5px 5px 0px",
+                  "5px 5px 5px 0px"},
+             Case{"64",
+                  {0, 0, 300, 300},
+                  {{64, 10, 226, 280}},
+                  "10px 10px 10px 64px",
+                  "10px 10px 10px 64px"},
+             Case{"more than for a group",
+                  {0, 0, 300, 300},
+                  {{10, 65, 280, 225}},
+                  "",
+                  "65px 10px 10px 10px"},
+             Case{"96", {0, 0, 300, 300}, {{10, 10, 280, 194}}, "", "10px 10px 96px 10px"},
+             Case{"97", {0, 0, 300, 300}, {{10, 10, 193, 280}}, "", ""},
+             Case{"little of the frame covered", frame, {{30, 30, 40, 40}}, "", "30px"},
+             Case{"a fifth of it", frame, {{30, 25, 40, 50}}, "25px 30px", "25px 30px"},
+             Case{"frame of no area",
+                  {50, 50, 0, 0},
+                  {{40, 40, 8, 8}},
+                  "0px 2px 2px 0px",
+                  "0px 2px 2px 0px"},
+             Case{"children without a size", frame, {{20, 20, 0, 10}, {20, 20, 10, -1}}, "", ""},
+             Case{"one of them without", frame, {{0, 0, 0, 0}, {10, 10, 80, 80}}, "10px", "10px"},
+             Case{"no children", frame, {}, "", ""},
+             Case{"not a number", frame, {{10, 10, 80, 80}, {nan, 10, 80, 80}}, "", ""},
+             Case{"infinitely far away",
+                  frame,
+                  {{10, 10, 80, 80}, {infinity, infinity, 5, 5}},
+                  "",
+                  ""},
+             Case{"infinitely large", frame, {{10, 10, infinity, infinity}}, "", ""},
+             Case{"enormous",
+                  {-1e308, -1e308, 1.7e308, 1.7e308},
+                  {{-1e308, -1e308, 9e307, 9e307}},
+                  "",
+                  ""},
+             Case{"frame that is none", {nan, 0, 100, 100}, {{10, 10, 80, 80}}, "", ""},
+             Case{"frame without end", {0, 0, infinity, 100}, {{10, 10, 80, 80}}, "", ""},
+         }) {
+        Family family(children);
+        EXPECT_EQ(family.padding(outer, true), guarded) << name;
+        EXPECT_EQ(family.padding(outer, false), unguarded) << name;
+    }
+}
+
+/// Frames one below the other: heights and the spaces that follow them.
+std::vector<Rect> column(const std::vector<double>& gaps, double height) {
+    std::vector<Rect> frames = {{0, 0, 200, height}};
+    for (const double gap : gaps) {
+        frames.push_back({0, frames.back().maxY() + gap, 200, height});
+    }
+    return frames;
+}
+
+std::vector<Rect> turned(std::vector<Rect> frames) {
+    for (Rect& frame : frames) {
+        frame = {frame.y, frame.x, frame.height, frame.width};
+    }
+    return frames;
+}
+
+std::vector<Rect> grid(int columns, int rows) {
+    std::vector<Rect> frames;
+    frames.reserve(static_cast<std::size_t>(columns * rows));
+    for (int i = 0; i < columns * rows; ++i) {
+        const int row = i / columns;
+        frames.push_back({110.0 * (i % columns), 110.0 * row, 100, 100});
+    }
+    return frames;
+}
+
+TEST(CollectionGap, IsTheTypicalSpaceOfRegularItems) {
+    struct Case {
+        const char* name;
+        std::vector<Rect> children;
+        std::optional<CollectionGap> expected;
+    };
+    const auto tall = CollectionGap{8, 3, 44, true};
+    for (const auto& [name, children, expected] : {
+             Case{"touching", column(std::vector<double>(9), 44), CollectionGap{0, 10, 44, true}},
+             Case{"one gap a little larger", column({8, 8, 9, 8, 8}, 30),
+                  CollectionGap{8, 6, 30, true}},
+             Case{"as irregular as its median allows", column({4, 20}, 30),
+                  CollectionGap{20, 3, 30, true}},
+             Case{"more irregular", column({4, 20.5, 12}, 30), std::nullopt},
+             Case{"small but irregular", column({2, 2, 12}, 30), std::nullopt},
+             Case{"small and near enough", column({0, 6}, 30), CollectionGap{6, 3, 30, true}},
+             Case{"side by side", turned(column({8, 8}, 44)), CollectionGap{8, 3, 44, false}},
+             Case{"in another order", {{0, 104, 9, 44}, {0, 0, 9, 44}, {0, 52, 9, 44}}, tall},
+             Case{"grid", grid(3, 3), CollectionGap{10, 9, 100, true}},
+             Case{"wide grid", grid(4, 2), CollectionGap{10, 8, 100, false}},
+             Case{"halves away from zero", column({8.5, 8.5}, 30.5), CollectionGap{9, 3, 31, true}},
+             Case{"upper one of two heights",
+                  {{0, 0, 9, 20}, {0, 30, 9, 40}},
+                  CollectionGap{10, 2, 40, true}},
+             Case{"overlaps left out", {{0, 0, 9, 44}, {0, 40, 9, 44}, {0, 92, 9, 44}}, tall},
+             Case{"jump left out", column({8, 200}, 44), tall},
+             Case{"jump kept", column({199.5}, 44), CollectionGap{200, 2, 44, true}},
+             Case{"nothing but jumps", column({200}, 44), std::nullopt},
+             Case{"nothing but overlaps", {{0, 0, 9, 44}, {0, 9, 9, 44}}, std::nullopt},
+             Case{"separators left out", {{0, 0, 200, 44}, {0, 48, 1, 1}, {0, 52, 200, 44}}, tall},
+             Case{"one child", column({}, 44), std::nullopt},
+             Case{"one child with a size", {{0, 0, 9, 44}, {0, 50, 0, 0}}, std::nullopt},
+             Case{"not a number", {{0, 0, 9, 44}, {0, 52, 9, 44}, {0, nan, 9, 44}}, std::nullopt},
+             Case{"infinitely far",
+                  {{0, 0, 9, 44}, {0, 52, 9, 44}, {-infinity, 0, 9, 44}},
+                  std::nullopt},
+             Case{"enormous",
+                  {{-1e308, 0, 9, 44}, {1e308, 52, 9, 44}, {0, 104, 9, 44}},
+                  std::nullopt},
+         }) {
+        EXPECT_EQ(Family(children).gap(), expected) << name;
+    }
+}
+
+TEST(Spacing, AsksNoMoreThanItNeedsAndAllAtOnce) {
+    struct Case {
+        std::size_t children;
+        int paddingReads;
+        int gapReads;
+    };
+    for (const auto& [children, paddingReads, gapReads] : {
+             Case{0, 1, 1},
+             Case{1, 1 + 2, 1},
+             Case{40, 1 + 2 * 40, 1 + 2 * 40},
+             Case{41, 1, 1 + 2 * 41},
+             Case{300, 1, 1 + 2 * 60},
+             Case{301, 1, 1},
+             Case{10'000, 1, 1},
+         }) {
+        const auto frames = column(std::vector<double>(children), 20);
+        Family forPadding({frames.begin(), frames.begin() + static_cast<std::ptrdiff_t>(children)});
+        Family forGap({frames.begin(), frames.begin() + static_cast<std::ptrdiff_t>(children)});
+        const auto paddingScope = forPadding.accessibility.keepAnswers();
+        const auto gapScope = forGap.accessibility.keepAnswers();
+        static_cast<void>(forPadding.padding({-5, -5, 210, 1e6}, false));
+        const auto gap = forGap.gap();
+        EXPECT_EQ(forPadding.accessibility.totalReads(), paddingReads) << children;
+        EXPECT_EQ(forGap.accessibility.totalReads(), gapReads) << children;
+        EXPECT_EQ(forPadding.accessibility.prefetches, paddingReads > 1 ? 1 : 0) << children;
+        EXPECT_EQ(forGap.accessibility.prefetches, gapReads > 1 ? 1 : 0) << children;
+        EXPECT_EQ(gap ? gap->count : 0, gapReads > 1 ? children : 0);
+    }
+}
+
+TEST(Spacing, ChildrenThatAreNoneMeanNothing) {
+    Family family(column({8, 8}, 44));
+    family.parent.set("AXChildren", "text");
+    EXPECT_EQ(family.padding({0, 0, 300, 300}, false), "");
+    EXPECT_EQ(family.gap(), std::nullopt);
+    family.parent.attributes.erase("AXChildren");
+    EXPECT_EQ(family.padding({0, 0, 300, 300}, false), "");
+    EXPECT_EQ(family.gap(), std::nullopt);
+}
+
+} // namespace
+} // namespace lumetry

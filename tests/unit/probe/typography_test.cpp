@@ -1,0 +1,331 @@
+#include "probe/typography.h"
+
+#include "support/fake_platform/fake_accessibility.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace lumetry {
+namespace {
+
+constexpr Color red = {1, 0, 0, 1};
+constexpr Color blue = {0, 0, 1, 1};
+
+AttributedStringRef textOf(std::vector<AXTextRun> runs, std::string text = "Save") {
+    return std::make_shared<AXAttributedString>(
+        AXAttributedString{std::move(text), std::move(runs)});
+}
+
+AttributedStringRef textWith(AXDictionary attributes) {
+    return textOf({{{0, 4}, std::make_shared<AXDictionary>(std::move(attributes))}});
+}
+
+AXValue dictionaryOf(AXDictionary entries) {
+    return {
+        std::shared_ptr<const AXDictionary>(std::make_shared<AXDictionary>(std::move(entries)))};
+}
+
+TEST(FontRow, OfAPlatformFontHasThreeParts) {
+    struct Case {
+        PlatformFont font;
+        std::string expected;
+    };
+    for (const auto& [font, expected] : {
+             Case{{"x", ".AppleSystemUIFont", 13, 5}, "SF Pro Text · 13px · regular"},
+             Case{{"x", ".AppleSystemUIFont", 20, 9}, "SF Pro Display · 20px · semibold"},
+             Case{{"x", ".AppleSystemUIFont", 19.5, 9}, "SF Pro Display · 20px · semibold"},
+             Case{{"x", "Menlo", 12.5, 3}, "Menlo · 13px · light"},
+             Case{{"x", "Menlo", 12.4, 4}, "Menlo · 12px · regular"},
+             Case{{"x", "Menlo", 12, 6}, "Menlo · 12px · medium"},
+             Case{{"x", "Menlo", 12, 7}, "Menlo · 12px · medium"},
+             Case{{"x", "Menlo", 12, 8}, "Menlo · 12px · semibold"},
+             Case{{"x", "Menlo", 12, 10}, "Menlo · 12px · bold"},
+             Case{{"Menlo-Bold", std::nullopt, 0, 15}, "Menlo-Bold · 0px · bold"},
+         }) {
+        EXPECT_EQ(fontFrom(*textWith({{"NSFont", font}})), expected);
+    }
+}
+
+TEST(FontRow, OfADictionaryHasWhatItTells) {
+    struct Case {
+        AXDictionary font;
+        std::string expected; ///< empty for none
+    };
+    const double infinity = std::numeric_limits<double>::infinity();
+    for (const auto& [font, expected] : {
+             Case{{{"AXFontName", "Inter-SemiBold"},
+                   {"AXFontFamily", "Inter"},
+                   {"AXVisibleName", "Inter Semi Bold"},
+                   {"AXFontSize", AXNumber{14.9}}},
+                  "Inter · 14px · semibold"},
+             Case{{{"AXFontName", "Inter-SemiBold"},
+                   {"AXFontFamily", "Inter"},
+                   {"AXFontSize", std::int64_t{14}}},
+                  "Inter · 14px · semibold"},
+             Case{{{"AXFontName", "Inter-SemiBold"},
+                   {"AXFontFamily", "Inter"},
+                   {"AXFontSize", AXNumber{0.9}}},
+                  "Inter · semibold"},
+             Case{{{"AXFontFamily", "Inter Bold"}, {"AXFontSize", "14"}}, "Inter Bold"},
+             Case{{{"AXFontName", "Inter"}}, "Inter"},
+             Case{{{"AXVisibleName", ".SF NS Rounded"}}, "SF Pro Rounded"},
+             Case{{{"AXFontFamily", std::int64_t{1}}, {"AXVisibleName", "Inter"}}, "Inter"},
+             Case{{{"AXFontFamily", ""}, {"AXFontName", "Inter"}, {"AXFontSize", AXNumber{13}}},
+                  "SF Pro Text · 13px · ~system"},
+             Case{{{"AXFontSize", AXNumber{19}}}, "SF Pro Text · 19px · ~system"},
+             Case{{{"AXFontSize", AXNumber{20}}}, "SF Pro Display · 20px · ~system"},
+             Case{{{"AXFontSize", AXNumber{0}}}, ""},
+             Case{{{"AXFontSize", AXNumber{-12}}}, ""},
+             Case{{{"AXFontSize", AXNumber{std::nan("")}}}, ""},
+             Case{{{"AXFontName", "A"}, {"AXFontSize", AXNumber{-infinity}}}, "A"},
+             Case{{{"AXFontName", "\xC3(\xFF"}}, "\xC3(\xFF"},
+             Case{{}, ""},
+         }) {
+        EXPECT_EQ(fontFrom(*textWith({{"AXFont", dictionaryOf(font)}})).value_or(""), expected);
+    }
+    EXPECT_EQ(fontFrom(*textWith({{"AXFont", std::shared_ptr<const AXDictionary>()}})),
+              std::nullopt);
+}
+
+TEST(FontRow, PrefersThePlatformFont) {
+    const AXValue dictionary = dictionaryOf({{"AXFontName", "Inter"}});
+    const PlatformFont menlo = {"Menlo", "Menlo", 12, 5};
+    EXPECT_EQ(fontFrom(*textWith({{"NSFont", menlo}, {"AXFont", dictionary}})),
+              "Menlo · 12px · regular");
+    EXPECT_EQ(fontFrom(*textWith({{"NSFont", "Menlo"}, {"AXFont", dictionary}})), "Inter");
+}
+
+TEST(TextColor, IsThatOfThePlatformOrOfTheGraphics) {
+    struct Case {
+        AXDictionary attributes;
+        std::optional<Color> expected;
+    };
+    for (const auto& [attributes, expected] : {
+             Case{{{"NSColor", red}, {"AXForegroundColor", blue}}, red},
+             Case{{{"NSColor", "red"}, {"AXForegroundColor", blue}}, blue},
+             Case{{{"AXForegroundColor", "blue"}}, std::nullopt},
+             Case{{{"AXBackgroundColor", blue}}, std::nullopt},
+         }) {
+        EXPECT_EQ(colorFrom(*textWith(attributes)), expected);
+    }
+}
+
+TEST(TextColor, IsThatOfTheFirstCharacter) {
+    constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
+    constexpr std::int64_t least = std::numeric_limits<std::int64_t>::min();
+    const auto attributes = std::make_shared<AXDictionary>(AXDictionary{{"NSColor", red}});
+    const auto others = std::make_shared<AXDictionary>(AXDictionary{{"NSColor", blue}});
+    struct Case {
+        const char* name;
+        std::vector<AXTextRun> runs;
+        std::optional<Color> expected;
+    };
+    for (const auto& [name, runs, expected] : {
+             Case{"first of two", {{{0, 1}, attributes}, {{1, 3}, others}}, red},
+             Case{"runs in any order", {{{1, 3}, others}, {{0, 1}, attributes}}, red},
+             Case{"begun before", {{{-2, 3}, attributes}}, red},
+             Case{"all of it", {{{0, most}, attributes}}, red},
+             Case{"only later ones", {{{1, 3}, attributes}}, std::nullopt},
+             Case{"over before", {{{-2, 2}, attributes}}, std::nullopt},
+             Case{"empty run", {{{0, 0}, attributes}}, std::nullopt},
+             Case{"empty run before", {{{0, 0}, others}, {{0, 4}, attributes}}, red},
+             Case{"backwards",
+                  {{{least, least}, attributes}, {{0, least}, attributes}},
+                  std::nullopt},
+             Case{"no attributes", {{{0, 4}, nullptr}}, std::nullopt},
+             Case{"no runs", {}, std::nullopt},
+         }) {
+        EXPECT_EQ(colorFrom(*textOf(runs)), expected) << name;
+    }
+}
+
+TEST(Family, OfTheSystemFontGoesByItsPublicName) {
+    struct Case {
+        const char* family;
+        long long size;
+        const char* expected;
+    };
+    for (const auto& [family, size, expected] : {
+             Case{".AppleSystemUIFont", 19, "SF Pro Text"},
+             Case{".AppleSystemUIFont", 20, "SF Pro Display"},
+             Case{"System Font Regular", 13, "SF Pro Text"},
+             Case{"My SYSTEM FONT Mono", 30, "SF Mono"},
+             Case{".SF Compact", 17, "SF Compact Text"},
+             Case{".SF Compact", 20, "SF Compact Display"},
+             Case{".SF Compact Rounded Mono", 17, "SF Pro Rounded"},
+             Case{"Menlo", 13, "Menlo"},
+             Case{"SF Mono", 13, "SF Mono"},
+             Case{"Roboto Mono Rounded", 13, "Roboto Mono Rounded"},
+             Case{"SystemFont", 13, "SystemFont"},
+         }) {
+        EXPECT_EQ(cleanFamily(family, size), expected) << family << " " << size;
+    }
+}
+
+TEST(WeightFromName, TakesTheLongestWord) {
+    for (const auto& [name, expected] : {
+             std::pair("Inter-ExtraBold", "extrabold"),
+             std::pair("UltraBoldItalic", "extrabold"),
+             std::pair("Inter-SEMIBOLD", "semibold"),
+             std::pair("Futura-DemiBold", "semibold"),
+             std::pair("Inter-BlackBold", "black"),
+             std::pair("Avenir-HeavyBold", "black"),
+             std::pair("Inter-BoldMedium", "bold"),
+             std::pair("Inter-MediumLight", "medium"),
+             std::pair("HelveticaNeue-UltraLight", "extralight"),
+             std::pair("ThinLight", "thin"),
+             std::pair("Helvetica-LightOblique", "light"),
+             std::pair("Inter-Regular", "regular"),
+             std::pair("Menlo-Italic", ""),
+         }) {
+        EXPECT_EQ(weightFromName(name), expected) << name;
+    }
+}
+
+/// An application with styled text in some of its elements.
+class TextInElements : public testing::Test {
+protected:
+    FakeElement& make(const char* role) { return accessibility.makeElement(1, role); }
+
+    /// Gives an element text that can be asked for by range.
+    static void style(FakeElement& element, const AttributedStringRef& text) {
+        element.set("AXNumberOfCharacters", std::int64_t{4});
+        element.parameterizedAttributes.insert_or_assign("AXAttributedStringForRange", text);
+    }
+
+    FakeAccessibility accessibility;
+    AttributedStringRef redText = textWith({{"NSColor", red}});
+    AttributedStringRef blueText = textWith({{"NSColor", blue}});
+    AttributedStringRef plainText = textWith({});
+};
+
+TEST_F(TextInElements, FirstCharacterIsAskedForWhereThereIsText) {
+    struct Case {
+        const char* name;
+        std::optional<AXValue> count;
+        std::optional<AXValue> value;
+        bool asked;
+    };
+    for (const auto& [name, count, value, asked] : {
+             Case{"counted", std::int64_t{4}, std::nullopt, true},
+             Case{"counted as none", std::int64_t{0}, "Save", true},
+             Case{"not counted", std::nullopt, "Save", true},
+             Case{"counted in words", "four", "Save", true},
+             Case{"counted below none", std::int64_t{-1}, "Save", false},
+             Case{"empty", std::int64_t{0}, "", false},
+             Case{"no text", std::nullopt, std::int64_t{4}, false},
+             Case{"nothing", std::nullopt, std::nullopt, false},
+         }) {
+        FakeElement& element = make("AXStaticText");
+        style(element, redText);
+        element.attributes.erase("AXNumberOfCharacters");
+        for (const auto& [attribute, content] :
+             {std::pair("AXNumberOfCharacters", count), std::pair("AXValue", value)}) {
+            if (content) {
+                element.set(attribute, *content);
+            }
+        }
+        EXPECT_EQ(axAttributedFirstChar(element.handle()).has_value(), asked) << name;
+        const auto parameter = element.parameters.find("AXAttributedStringForRange");
+        ASSERT_EQ(parameter != element.parameters.end(), asked) << name;
+        if (asked) {
+            EXPECT_EQ(parameter->second.as<AXRange>(), (AXRange{0, 1}));
+        }
+    }
+}
+
+TEST_F(TextInElements, MarkersArePassedBackAsTheyCame) {
+    FakeElement& element = make("AXStaticText");
+    const AXTextMarkerRange markers = {std::make_shared<int>(7)};
+    element.parameterizedAttributes.insert_or_assign("AXTextMarkerRangeForUIElement", markers);
+    element.parameterizedAttributes.insert_or_assign("AXAttributedStringForTextMarkerRange",
+                                                     redText);
+    EXPECT_EQ(axTextInfoDeep(element.handle()), (TextInfo{std::nullopt, red}));
+    EXPECT_EQ(element.parameters.at("AXTextMarkerRangeForUIElement").as<AXUIElement>(),
+              element.handle());
+    EXPECT_EQ(element.parameters.at("AXAttributedStringForTextMarkerRange").as<AXTextMarkerRange>(),
+              markers);
+}
+
+TEST_F(TextInElements, MarkersAreOnlyForElementsThatDoNotAnswerByRange) {
+    FakeElement& element = make("AXStaticText");
+    element.parameterizedAttributes.insert_or_assign("AXTextMarkerRangeForUIElement",
+                                                     AXTextMarkerRange());
+    element.parameterizedAttributes.insert_or_assign("AXAttributedStringForTextMarkerRange",
+                                                     redText);
+    style(element, plainText);
+    EXPECT_EQ(axTextInfoDeep(element.handle()), TextInfo())
+        << "an answer without attributes counts";
+    for (const AXValue& answer :
+         {AXValue(textOf({}, "")), AXValue(AttributedStringRef()), AXValue("Save")}) {
+        element.parameterizedAttributes.insert_or_assign("AXAttributedStringForRange", answer);
+        EXPECT_EQ(axTextInfoDeep(element.handle()).color, red) << "no characters do not";
+    }
+}
+
+TEST_F(TextInElements, TheNearestStyledTextCounts) {
+    FakeElement& window = make("AXWindow");
+    FakeElement& parent = make("AXGroup");
+    FakeElement& element = make("AXButton");
+    FakeElement& icon = make("AXImage");
+    FakeElement& label = make("AXStaticText");
+    FakeElement& inLabel = make("AXStaticText");
+    window.setChildren({&parent});
+    parent.setChildren({&element});
+    element.setChildren({&icon, &label});
+    label.setChildren({&inLabel});
+    const auto color = [&] { return axTextInfoDeep(element.handle()).color; };
+
+    style(window, redText);
+    style(inLabel, redText);
+    EXPECT_EQ(color(), std::nullopt) << "neither grandparents nor grandchildren are asked";
+    style(label, redText);
+    style(icon, plainText);
+    EXPECT_EQ(color(), red) << "first child with attributes";
+    style(parent, blueText);
+    EXPECT_EQ(color(), blue) << "the parent before the children";
+    style(element, textWith({{"NSFont", PlatformFont{"Menlo", "Menlo", 12, 5}}}));
+    EXPECT_EQ(axTextInfoDeep(element.handle()), (TextInfo{"Menlo · 12px · regular", std::nullopt}))
+        << "a font alone ends the search";
+}
+
+TEST_F(TextInElements, ManyChildrenAndContainersAreNotSearched) {
+    struct Case {
+        const char* role;
+        std::size_t children;
+        bool searched;
+    };
+    for (const auto& [role, children, searched] : {
+             Case{"AXButton", 8, true},
+             Case{"AXButton", 9, false},
+             Case{"AXButton", 10'000, false},
+             Case{"AXWindow", 1, false},
+             Case{"AXScrollArea", 1, false},
+             Case{"AXOutline", 1, false},
+             Case{"AXList", 1, false},
+             Case{"AXTable", 1, false},
+             Case{"AXGrid", 1, false},
+             Case{"AXToolbar", 1, false},
+             Case{"AXSheet", 1, true},
+         }) {
+        FakeElement& element = make(role);
+        std::vector<FakeElement*> labels;
+        for (std::size_t i = 0; i < children; ++i) {
+            labels.push_back(&make("AXStaticText"));
+        }
+        element.setChildren(labels);
+        style(*labels.back(), redText);
+        const int before = accessibility.totalReads();
+        EXPECT_EQ(axTextInfoDeep(element.handle()).color,
+                  searched ? std::optional(red) : std::nullopt)
+            << role << " " << children;
+        EXPECT_LE(accessibility.totalReads() - before, 5 + 2 * (searched ? 8 : 0));
+    }
+}
+
+} // namespace
+} // namespace lumetry

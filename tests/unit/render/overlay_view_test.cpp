@@ -1,0 +1,163 @@
+#include "drawing.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace lumetry {
+namespace {
+
+constexpr Color pink = {1.0, 0.239, 0.541, 1};
+constexpr Rect element = {100, 200, 50, 30};
+
+/// The outline of the element above.
+DisplayList outline() {
+    DisplayList list = {FillRoundedRect{element, 4, pink.withAlpha(0.07)},
+                        StrokeRoundedRect{element, 4, pink, 1.5}};
+    for (const Point corner : {Point{100, 200}, {100, 230}, {150, 200}, {150, 230}}) {
+        const Rect handle = {corner.x - 3, corner.y - 3, 6, 6};
+        list.emplace_back(FillEllipse{handle, white});
+        list.emplace_back(StrokeEllipse{handle, pink, 1.5});
+    }
+    return list;
+}
+
+TEST(OverlayView, OutlinesTheElement) {
+    FakeWindowServer server;
+    OverlayView view(server);
+    view.targetRect = element;
+    EXPECT_EQ(drawn(view), outline());
+    for (const Rect& empty : {Rect{100, 200, 0, 30}, Rect{100, 200, 50, 0}, Rect::null()}) {
+        view.targetRect = empty;
+        EXPECT_TRUE(drawn(view).empty());
+    }
+}
+
+TEST(OverlayView, DrawsTheExitTagBeneathEverythingElse) {
+    FakeWindowServer server;
+    server.allScreens = {{{0, 0, 800, 600}, {0, 40, 790, 540}}};
+    OverlayView view(server);
+    view.exitTag = true;
+    view.targetRect = element;
+    const Font key = {FontFamily::system, 10.5, FontWeight::semibold};
+    const Font word = {FontFamily::system, 10.5, FontWeight::medium};
+    DisplayList expected = {
+        FillRoundedRect{{793, 104, 83, 24}, 12, {0.09, 0.09, 0.11, 0.82}},
+        StrokeRoundedRect{{793.5, 104.5, 82, 23}, 12, {1, 1, 1, 0.1}, 1},
+        FillRoundedRect{{802, 108, 31, 16}, 4, {1, 1, 1, 0.12}},
+        DrawText{"esc", {807, 109.25, 21, 13.5}, key, {1, 1, 1, 0.92}},
+        DrawText{"exit", {839, 109.25, 28, 13.5}, word, {1, 1, 1, 0.62}},
+    };
+    const DisplayList rest = outline();
+    expected.insert(expected.end(), rest.begin(), rest.end());
+    EXPECT_EQ(drawn(view, {-100, -50, 1000, 800}), expected);
+}
+
+TEST(OverlayView, PutsTheExitTagOnThePrimaryScreen) {
+    const Screen primary = {{0, 0, 800, 600}, {0, 0, 800, 600}};
+    const Screen above = {{0, 600, 800, 600}, {0, 600, 800, 600}};
+    const Screen left = {{-640, 0, 640, 480}, {-640, 20, 640, 440}};
+    struct Case {
+        const char* name;
+        std::vector<Screen> screens;
+        std::optional<Screen> main;
+        std::optional<Point> corner; ///< of the tag, in the view
+    };
+    for (const auto& [name, screens, main, corner] : {
+             Case{"primary listed last", {left, primary}, left, Point{800 - 83 - 14, 14}},
+             Case{"no primary", {above, left}, left, Point{-83 - 14, 34}},
+             Case{"no screen at all", {}, {}, {}},
+         }) {
+        FakeWindowServer server;
+        server.allScreens = screens;
+        server.main = main;
+        OverlayView view(server);
+        view.exitTag = true;
+        view.header = "Button";
+        const auto filled = commandsOf<FillRoundedRect>(drawn(view, {0, 0, 800, 600}));
+        EXPECT_EQ(filled.size(), corner ? 3U : 1U) << name << ": the panel is drawn in any case";
+        EXPECT_TRUE(!corner || filled.front().rect.origin() == *corner) << name;
+    }
+}
+
+TEST(MeasureMode, ShowsOutlinesAndNoPanel) {
+    FakeWindowServer server;
+    OverlayView view(server);
+    view.targetRect = {1, 2, 3, 4};
+    view.header = "Button";
+    view.measureB = {{300, 300, 10, 10}};
+    EXPECT_FALSE(commandsOf<DrawText>(drawn(view)).empty()) << "the pinned end decides";
+
+    view.measureA = element;
+    for (const auto& none : {std::optional<Rect>(), std::optional(Rect{300, 300, 0, 10})}) {
+        view.measureB = none;
+        EXPECT_EQ(drawn(view), outline());
+    }
+    view.measureB = {{110, 210, 10, 10}};
+    DisplayList both = outline();
+    both.emplace_back(StrokeRoundedRect{*view.measureB, 4, pink, 1.5});
+    EXPECT_EQ(drawn(view), both) << "elements that overlap have no distance";
+}
+
+TEST(MeasureMode, DrawsTheDistanceOnEachAxisWhereElementsAreApart) {
+    struct Line {
+        Point a;
+        Point b;
+        std::string label;
+    };
+    struct Case {
+        const char* name;
+        Rect other;
+        std::vector<Line> lines;
+    };
+    for (const auto& [name, other, lines] : {
+             Case{"to the right, sharing 10 points of height",
+                  {174, 220, 20, 40},
+                  {{{150, 225}, {174, 225}, "24px"}}},
+             Case{"to the left", {20, 205, 40, 10}, {{{60, 210}, {100, 210}, "40px"}}},
+             Case{"above", {130, 242.5, 100, 9}, {{{140, 230}, {140, 242.5}, "13px"}}},
+             Case{"below", {100, 100, 50, 50}, {{{125, 150}, {125, 200}, "50px"}}},
+             Case{"diagonal",
+                  {170, 250, 20, 10},
+                  {{{150, 235}, {170, 235}, "20px"}, {{152.5, 230}, {152.5, 250}, "20px"}}},
+             Case{"corner to corner", {150, 230, 20, 10}, {}},
+             Case{"touching edges only level",
+                  {180, 230, 20, 10},
+                  {{{150, 225}, {180, 225}, "30px"}}},
+             Case{"nearly touching", {150.6, 200, 20, 30}, {}},
+             Case{"one point", {151, 200, 20, 30}, {{{150, 215}, {151, 215}, "1px"}}},
+         }) {
+        SCOPED_TRACE(name);
+        FakeWindowServer server;
+        OverlayView view(server);
+        view.measureA = element;
+        view.measureB = other;
+        const DisplayList list = drawn(view);
+        const auto strokes = commandsOf<StrokeLine>(list);
+        const auto labels = commandsOf<DrawText>(list);
+        ASSERT_EQ(strokes.size(), lines.size());
+        ASSERT_EQ(labels.size(), lines.size());
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            EXPECT_EQ(strokes[i], (StrokeLine{lines[i].a, lines[i].b, pink, 1.5, {5, 3}}));
+            EXPECT_EQ(labels[i].text, lines[i].label);
+        }
+    }
+}
+
+TEST(MeasureMode, LabelsADistanceAtItsMiddle) {
+    const FixedTextMetrics metrics;
+    RecordingCanvas canvas(metrics);
+    drawGap(canvas, {100, 50}, {140, 80}, {}); // 50 points long
+    const Font font = {FontFamily::monospacedSystem, 11, FontWeight::semibold};
+    const DisplayList expected = {
+        StrokeLine{{100, 50}, {140, 80}, pink, 1.5, {}},
+        FillRoundedRect{{120 - 14 - 6, 65 - 7 - 3, 40, 20}, 5, pink},
+        DrawText{"50px", {106, 58, 28, 14}, font, white},
+    };
+    EXPECT_EQ(canvas.displayList(), expected);
+}
+
+} // namespace
+} // namespace lumetry
