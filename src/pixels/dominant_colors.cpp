@@ -205,22 +205,21 @@ struct ColorSums {
     ColorSum ink;
 };
 
-/// Sums of the pixels of two groups of shades; what belongs to both counts for the fill.
+/// Sums of the pixels of two groups of shades.
 ColorSums sumsOf(const Bitmap& picture, const Shades& fill, const Shades& ink) {
     ColorSums sums;
     forEachBlock(
         picture,
         [&](std::uint32_t pixel, std::uint32_t times) {
-            const std::uint32_t fillMask = fill.mask(pixel);
-            sums.fill.add(pixel, fillMask, times);
-            sums.ink.add(pixel, ink.mask(pixel) & ~fillMask, times);
+            sums.fill.add(pixel, fill.mask(pixel), times);
+            sums.ink.add(pixel, ink.mask(pixel), times);
         },
         [&](Block block) {
             BlockMasks fillMasks{};
             BlockMasks inkMasks{};
             for (std::size_t i = 0; i < blockLength; ++i) {
                 fillMasks[i] = fill.mask(block[i]);
-                inkMasks[i] = ink.mask(block[i]) & ~fillMasks[i];
+                inkMasks[i] = ink.mask(block[i]);
             }
             sums.fill.add(block, fillMasks);
             sums.ink.add(block, inkMasks);
@@ -242,8 +241,8 @@ std::optional<DominantColors> dominantColors(const Bitmap& picture, double least
         return std::nullopt;
     }
     const Shades ink(mostFrequent(histogram, [&](std::uint32_t key) {
-        constexpr int nearFill = 2;
-        return keyDistance(key, *mode) > nearFill;
+        constexpr int nearest = 3; // from here on no shade belongs to both
+        return keyDistance(key, *mode) >= nearest;
     }));
     const ColorSums sums = sumsOf(picture, fill, ink);
     const auto fillAverage = sums.fill.average();

@@ -47,7 +47,7 @@ public:
 
     /// Called when inspect mode cannot start because other applications may not be read.
     std::function<void()> onNeedsPermissions;
-    /// Called after inspect mode was turned off.
+    /// Called at the end of every stop().
     std::function<void()> onStop;
 
 private:

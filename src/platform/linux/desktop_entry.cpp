@@ -74,7 +74,7 @@ std::string valueOf(const Keys& keys, std::string_view key) {
 
 std::string localizedName(const Keys& keys, const std::vector<std::string>& languages) {
     for (const std::string& language : languages) {
-        const std::string name = valueOf(keys, "Name[" + language + "]");
+        std::string name = valueOf(keys, "Name[" + language + "]");
         if (!name.empty()) {
             return name;
         }

@@ -60,18 +60,6 @@ std::optional<Number> numberIn(const std::vector<std::string>& fields, std::size
     return result.ec == std::errc() ? std::optional(number) : std::nullopt;
 }
 
-std::string controlGroupOf(const fs::path& processes, pid_t pid) {
-    // A line of the old hierarchies ends with the same path as that of the unified one, or with
-    // "/".
-    for (const std::string& line : splitAt(fileText(folderOf(processes, pid) / "cgroup"), '\n')) {
-        const std::size_t slash = line.rfind('/');
-        if (slash != std::string::npos && slash + 1 < line.size()) {
-            return line.substr(slash + 1);
-        }
-    }
-    return {};
-}
-
 /// The name that Flatpak gave the application; from the file that it puts into every sandbox.
 std::string flatpakIdOf(const fs::path& root) {
     bool inApplication = false;
@@ -98,6 +86,24 @@ fs::path reachable(const fs::path& folder, const fs::path& root, bool inContaine
 
 } // namespace
 
+std::string shortNameOf(const fs::path& processes, pid_t pid) {
+    std::string name = fileText(folderOf(processes, pid) / "comm");
+    name.erase(name.find_last_not_of('\n') + 1);
+    return name;
+}
+
+std::string controlGroupOf(const fs::path& processes, pid_t pid) {
+    // A line of the old hierarchies ends with the same path as that of the unified one, or with
+    // "/".
+    for (const std::string& line : splitAt(fileText(folderOf(processes, pid) / "cgroup"), '\n')) {
+        const std::size_t slash = line.rfind('/');
+        if (slash != std::string::npos && slash + 1 < line.size()) {
+            return line.substr(slash + 1);
+        }
+    }
+    return {};
+}
+
 std::optional<std::uint64_t> processStart(const fs::path& processes, pid_t pid) {
     constexpr std::size_t state = 0;
     constexpr std::size_t startTime = 19;
@@ -113,8 +119,7 @@ ProcessInfo readProcess(const fs::path& processes, pid_t pid) {
     const fs::path folder = folderOf(processes, pid);
     ProcessInfo process;
     process.pid = pid;
-    process.shortName = fileText(folder / "comm");
-    process.shortName.erase(process.shortName.find_last_not_of('\n') + 1);
+    process.shortName = shortNameOf(processes, pid);
     process.executable = link(folder / "exe");
     process.workingFolder = link(folder / "cwd");
     process.arguments = splitAt(fileText(folder / "cmdline"), '\0');

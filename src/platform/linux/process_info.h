@@ -16,6 +16,11 @@ namespace lumetry {
 [[nodiscard]] std::optional<std::uint64_t> processStart(const std::filesystem::path& processes,
                                                         pid_t pid);
 
+/// What a process calls itself, cut after 15 letters; empty when that cannot be read.
+[[nodiscard]] std::string shortNameOf(const std::filesystem::path& processes, pid_t pid);
+/// The last part of the path of a process's control group; empty when it is in none.
+[[nodiscard]] std::string controlGroupOf(const std::filesystem::path& processes, pid_t pid);
+
 /// What the system tells of a process. What may not be read stays empty.
 struct ProcessInfo {
     pid_t pid = 0;

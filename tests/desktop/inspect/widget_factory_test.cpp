@@ -125,12 +125,12 @@ TEST_P(OverWidgetFactory, MeasuresTheWindowInFront) {
     inspected.hover(button, "Button · link button");
     const auto extents = button.extents();
     ASSERT_TRUE(extents);
-    const auto clock = desktop().start({"xclock"});
+    const auto place = std::to_string(std::lround(extents->midX()) - 80);
+    const auto clock = desktop().start(
+        {"xclock", "-geometry",
+         "160x160+" + place + "+" + std::to_string(std::lround(extents->midY()) - 80)});
     const auto front = waitForWindow(desktop().server(), hasTitle("xclock"));
-    placeWindow(desktop().server(), front.id,
-                {std::floor(extents->midX() - front.bounds.width / 2),
-                 std::floor(extents->midY() - front.bounds.height / 2), front.bounds.width,
-                 front.bounds.height});
+    ASSERT_TRUE(front.bounds.contains({extents->midX() + 8, extents->midY()}));
     desktop().input().glidePointer(static_cast<int>(extents->midX()) + 8,
                                    static_cast<int>(extents->midY()));
     // A plain X11 program has no elements: nothing of the button behind it may be shown.

@@ -25,7 +25,7 @@ CaptureRig::CaptureRig(const Options& options) : X11Rig(options) {
 /// A compositing manager takes the windows over some time after it has announced itself, and what
 /// has been drawn into them until then may be lost.
 void CaptureRig::waitForRedirection() const {
-    const auto window = ownWindow({0, 0, 1, 1});
+    const auto window = ownWindow({0, 0, 1, 1}, {.overrideRedirect = true});
     map(window);
     requireUntil("the redirection of windows", [&] {
         const auto pixmap = xcb_generate_id(xcb());

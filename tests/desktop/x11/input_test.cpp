@@ -27,9 +27,12 @@ struct InputRig : X11Rig {
     void watch(EventMask mask = everything) {
         token = x11().eventMonitors().addGlobalMonitorForEvents(
             mask, [this](const Event& event) { events.push_back(event); });
+        awaitServer();
         loop.settle();
         events.clear();
     }
+    /// Returns once the server has carried out what the backend has asked of it.
+    void awaitServer() { static_cast<void>(x11().pointer().location()); }
     std::vector<Event> take() {
         loop.settle();
         return std::exchange(events, {});
@@ -75,8 +78,7 @@ TEST(X11EventMonitors, HearOnlyWhatTheyAskForWhileTheyLast) {
     input.typeKey(XK_Tab);
     EXPECT_THAT(rig.take(), ElementsAre(Event{EventType::keyDown, 48}));
     rig.token.reset();
-    // The answer comes once the server has seen that.
-    static_cast<void>(rig.x11().pointer().location());
+    rig.awaitServer();
     input.typeKey(XK_Tab);
     input.movePointer(110, 100);
     EXPECT_EQ(rig.loop.settle(), 0U) << "woken up for nobody";
@@ -154,6 +156,7 @@ TEST(X11EventMonitors, MayBeRemovedWhileTheyAreCalled) {
         first.reset();
     });
     second = monitors.addGlobalMonitorForEvents(everything, [&](const Event&) { ++calls; });
+    rig.awaitServer();
     rig.desktop.input().typeKey(XK_Escape);
     rig.desktop.input().typeKey(XK_Escape);
     rig.loop.settle();

@@ -48,7 +48,9 @@ DominantColors slowDominantColors(const Bitmap& picture) {
     const auto mostFrequent = [&](auto isEligible) {
         std::pair<std::uint32_t, int> best = {0, 0};
         for (const auto& entry : counts) {
-            best = entry.second > best.second && isEligible(entry.first) ? entry : best;
+            if (entry.second > best.second && isEligible(entry.first)) {
+                best = entry;
+            }
         }
         return best;
     };

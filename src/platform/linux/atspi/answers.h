@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <map>
 #include <span>
+#include <tuple>
 #include <vector>
 
 namespace lumetry::atspi {
@@ -33,8 +34,9 @@ struct Asked {
     ObjectReference object;
     Question question = Question::role;
 
-    friend auto operator<=>(const Asked&, const Asked&) = default;
-    friend bool operator==(const Asked&, const Asked&) = default;
+    friend bool operator<(const Asked& a, const Asked& b) {
+        return std::tie(a.object, a.question) < std::tie(b.object, b.question);
+    }
 };
 
 /// Puts questions to objects and, while it keeps answers, puts none twice.

@@ -33,7 +33,7 @@ int millisecondsUntil(Deadline deadline) {
 } // namespace
 
 bool AtspiBus::connect() {
-    if (connection_ && dbus_connection_get_is_connected(connection_.get())) {
+    if (isConnected(connection_)) {
         return true;
     }
     const auto now = Clock::now();
@@ -107,7 +107,7 @@ void AtspiBus::postMore(Batch& batch) {
 
 std::optional<AtspiBus::Serial> AtspiBus::post(DBusMessage& request) {
     Serial serial = 0;
-    if (!connection_ || !dbus_connection_send(connection_.get(), &request, &serial)) {
+    if (!connection_ || dbus_connection_send(connection_.get(), &request, &serial) == FALSE) {
         return std::nullopt;
     }
     ++requests_;
@@ -147,7 +147,7 @@ void AtspiBus::send(Message request, Continuation continuation) {
     }
     continuations_.emplace(*serial, std::move(continuation));
     int descriptor = -1;
-    if (!watch_ && dbus_connection_get_unix_fd(connection_.get(), &descriptor)) {
+    if (!watch_ && dbus_connection_get_unix_fd(connection_.get(), &descriptor) != FALSE) {
         watch_ = watcher_.watchReadable(descriptor, [this] {
             read(nullptr, 0);
             runContinuations();

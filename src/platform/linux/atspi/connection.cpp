@@ -21,24 +21,22 @@ const ObjectReference& accessibilityService() {
     return service;
 }
 
-bool isSet(const char* variable) {
+/// Empty when it is not set.
+std::string variable(const char* name) {
     // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing changes the environment meanwhile
-    const char* value = std::getenv(variable);
-    return value != nullptr && *value != '\0';
+    const char* value = std::getenv(name);
+    return value != nullptr ? value : "";
 }
 
 /// Where the session bus is; empty when nothing says so. Without an address libdbus would start a
 /// bus of its own, which no application is on.
 std::string sessionBusAddress() {
-    if (isSet("DBUS_SESSION_BUS_ADDRESS")) {
-        // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing changes the environment meanwhile
-        return std::getenv("DBUS_SESSION_BUS_ADDRESS");
+    std::string address = variable("DBUS_SESSION_BUS_ADDRESS");
+    const std::string socket = variable("XDG_RUNTIME_DIR") + "/bus";
+    if (address.empty() && access(socket.c_str(), F_OK) == 0) {
+        address = "unix:path=" + socket;
     }
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing changes the environment meanwhile
-    const char* runtimeFolder = std::getenv("XDG_RUNTIME_DIR");
-    const std::string socket = std::string(runtimeFolder ? runtimeFolder : "") + "/bus";
-    return runtimeFolder != nullptr && access(socket.c_str(), F_OK) == 0 ? "unix:path=" + socket
-                                                                         : "";
+    return address;
 }
 
 /// libatspi complains on standard error about a bus that is not there; here that is no fault.
@@ -60,14 +58,18 @@ private:
 
 } // namespace
 
+bool isConnected(const Connection& connection) {
+    return connection && dbus_connection_get_is_connected(connection.get()) != FALSE;
+}
+
 bool SessionBus::connect() {
-    if (connection_ && dbus_connection_get_is_connected(connection_.get())) {
+    if (isConnected(connection_)) {
         return true;
     }
     const std::string address = sessionBusAddress();
     connection_.reset(address.empty() ? nullptr
                                       : dbus_connection_open_private(address.c_str(), nullptr));
-    if (connection_ && !dbus_bus_register(connection_.get(), nullptr)) {
+    if (connection_ && dbus_bus_register(connection_.get(), nullptr) == FALSE) {
         connection_.reset();
     }
     if (connection_) {
@@ -113,7 +115,7 @@ bool SessionBus::knowsAccessibilityBus() {
 
 Connection openAccessibilityBus(SessionBus& session) {
     // The library asks the same of the session bus, but would wait for half a minute.
-    if (!isSet("AT_SPI_BUS_ADDRESS") && !session.knowsAccessibilityBus()) {
+    if (variable("AT_SPI_BUS_ADDRESS").empty() && !session.knowsAccessibilityBus()) {
         return nullptr;
     }
     const QuietLibrary quiet;

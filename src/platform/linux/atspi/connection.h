@@ -17,6 +17,9 @@ struct CloseConnection {
 };
 using Connection = std::unique_ptr<DBusConnection, CloseConnection>;
 
+/// False for null, too.
+[[nodiscard]] bool isConnected(const Connection& connection);
+
 /// The session bus, and what it says of accessibility. It is connected when it is first needed.
 class SessionBus {
 public:

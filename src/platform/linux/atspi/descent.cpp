@@ -14,7 +14,6 @@ using About = Inquiry::About;
 /// Far deeper than any interface; a tree that is deeper answers in circles.
 constexpr int deepestLevel = 100;
 constexpr int mostAncestors = 16;
-constexpr std::size_t mostSiblings = 64;
 constexpr std::size_t mostChildren = 300;
 
 std::vector<ObjectReference> childrenOf(Inquiry& inquiry, const ObjectReference& object) {
@@ -22,19 +21,6 @@ std::vector<ObjectReference> childrenOf(Inquiry& inquiry, const ObjectReference&
                         .value_or(std::vector<ObjectReference>());
     children.resize(std::min(children.size(), mostChildren));
     return children;
-}
-
-/// The children behind that one in their parent's order.
-std::vector<ObjectReference> laterSiblings(Inquiry& inquiry, const ObjectReference& parent,
-                                           const ObjectReference& child) {
-    const auto children = childrenOf(inquiry, parent);
-    const auto place = std::ranges::find(children, child);
-    if (place == children.end()) {
-        return {};
-    }
-    std::vector<ObjectReference> later(place + 1, children.end());
-    later.resize(std::min(later.size(), mostSiblings));
-    return later;
 }
 
 /// The nearest ancestor that is seen at the point; absent where there is none above.
@@ -59,52 +45,48 @@ bool isSilent(Inquiry& inquiry, const ObjectReference& object, About about) {
     return inquiry.reply({object, about}).outcome == Outcome::silent;
 }
 
-/// GTK answers with the first child at the point, even where a later one (a popover) lies over it.
-ObjectReference coveringSibling(Inquiry& inquiry, const ObjectReference& parent,
-                                ObjectReference child) {
-    const auto siblings = laterSiblings(inquiry, parent, child);
-    std::vector<Inquiry::Query> queries = {{child, About::childAtPoint}, {child, About::extents}};
-    for (const ObjectReference& sibling : siblings) {
-        queries.push_back({sibling, About::extents});
-    }
-    inquiry.ask(queries);
-    for (const ObjectReference& sibling : siblings) {
-        if (inquiry.isAtPoint(sibling)) {
-            child = sibling;
-        }
-    }
-    return child;
-}
-
 /// Most toolkits answer with a child, which has to be asked in turn.
 Descent descendByAsking(Inquiry& inquiry, const TopLevel& topLevel,
                         std::optional<ObjectReference> next) {
-    const bool gtk = topLevel.toolkit == Toolkit::gtk;
     std::set<ObjectReference> visited{topLevel.object};
     ObjectReference current = topLevel.object;
-    for (int level = 0; next && level < deepestLevel; ++level) {
-        if (gtk && level == 0) {
-            next = coveringSibling(inquiry, current, std::move(*next));
-        }
-        if (!visited.insert(*next).second) {
-            break;
-        }
-        std::vector<Inquiry::Query> queries = {{*next, About::childAtPoint},
-                                               {*next, About::extents}};
-        if (!gtk) {
-            queries.push_back({*next, About::states});
-        }
+    for (int level = 0; next && level < deepestLevel && visited.insert(*next).second; ++level) {
+        const std::vector<Inquiry::Query> queries = {
+            {*next, About::childAtPoint}, {*next, About::extents}, {*next, About::states}};
         inquiry.ask(queries);
         if (isSilent(inquiry, *next, About::childAtPoint)) {
             return {Outcome::silent, std::nullopt};
         }
-        if (!inquiry.isAtPoint(*next) || !(gtk || inquiry.isShowing(*next))) {
+        if (!inquiry.isAtPoint(*next) || !inquiry.isShowing(*next)) {
             // Some answer with a descendant further down.
             auto ancestor = ancestorAtPoint(inquiry, *next);
             return {Outcome::answered, ancestor ? std::move(*ancestor) : std::move(current)};
         }
         current = std::move(*next);
         next = referenceOf(inquiry.reply({current, About::childAtPoint}));
+    }
+    return {Outcome::answered, std::move(current)};
+}
+
+/// GTK answers with children that are shown and, but for the last, at the point: asking nothing
+/// else on the way down halves what it has to do.
+Descent descendThroughGtk(Inquiry& inquiry, Popovers& popovers, const TopLevel& topLevel,
+                          std::optional<ObjectReference> next) {
+    if (next) {
+        next = popovers.covering(topLevel.object, *next, inquiry.at(), inquiry.deadline());
+    }
+    std::set<ObjectReference> visited{topLevel.object};
+    ObjectReference current = topLevel.object;
+    for (int level = 0; next && level < deepestLevel && visited.insert(*next).second; ++level) {
+        if (isSilent(inquiry, *next, About::childAtPoint)) {
+            return {Outcome::silent, std::nullopt};
+        }
+        current = std::move(*next);
+        next = referenceOf(inquiry.reply({current, About::childAtPoint}));
+    }
+    if (!inquiry.isAtPoint(current)) {
+        auto ancestor = ancestorAtPoint(inquiry, current);
+        return {Outcome::answered, ancestor ? std::move(*ancestor) : topLevel.object};
     }
     return {Outcome::answered, std::move(current)};
 }
@@ -156,19 +138,21 @@ Descent descendByLooking(Inquiry& inquiry, const TopLevel& topLevel,
 
 } // namespace
 
-Descent descend(Inquiry& inquiry, const TopLevel& topLevel) {
-    std::vector<Inquiry::Query> queries = {{topLevel.object, About::childAtPoint}};
-    if (topLevel.toolkit == Toolkit::gtk) {
-        queries.push_back({topLevel.object, About::children});
-    }
-    inquiry.ask(queries);
+Descent descend(Inquiry& inquiry, Popovers& popovers, const TopLevel& topLevel) {
     const Reply& reply = inquiry.reply({topLevel.object, About::childAtPoint});
     if (reply.outcome != Outcome::answered) {
         return {reply.outcome, std::nullopt};
     }
-    return topLevel.toolkit == Toolkit::chromium
-               ? descendByLooking(inquiry, topLevel, referenceOf(reply))
-               : descendByAsking(inquiry, topLevel, referenceOf(reply));
+    auto child = referenceOf(reply);
+    switch (topLevel.toolkit) {
+    case Toolkit::chromium:
+        return descendByLooking(inquiry, topLevel, std::move(child));
+    case Toolkit::gtk:
+        return descendThroughGtk(inquiry, popovers, topLevel, std::move(child));
+    case Toolkit::other:
+        break;
+    }
+    return descendByAsking(inquiry, topLevel, std::move(child));
 }
 
 } // namespace lumetry::atspi

@@ -3,6 +3,7 @@
 #include "platform/linux/atspi/inquiry.h"
 #include "platform/linux/atspi/message.h"
 #include "platform/linux/atspi/object_reference.h"
+#include "platform/linux/atspi/popovers.h"
 #include "platform/linux/atspi/top_levels.h"
 
 #include <optional>
@@ -16,6 +17,6 @@ struct Descent {
 
 /// From the object that stands for a window down to the innermost one at the point, which is that
 /// object itself where nothing in it answers.
-[[nodiscard]] Descent descend(Inquiry& inquiry, const TopLevel& topLevel);
+[[nodiscard]] Descent descend(Inquiry& inquiry, Popovers& popovers, const TopLevel& topLevel);
 
 } // namespace lumetry::atspi

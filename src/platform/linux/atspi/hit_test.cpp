@@ -55,7 +55,7 @@ std::optional<ObjectReference> HitTest::objectIn(const DesktopWindow& window, co
         if (lastTopLevel_ == topLevel->object) {
             inquiry.ask(lastWay_);
         }
-        Descent descent = descend(inquiry, *topLevel);
+        Descent descent = descend(inquiry, popovers_, *topLevel);
         if (descent.object) {
             keepWhatHelps(inquiry, *topLevel, *descent.object);
             if (window.popup && *descent.object == topLevel->object) {

@@ -6,6 +6,7 @@
 #include "platform/linux/atspi/deadline.h"
 #include "platform/linux/atspi/inquiry.h"
 #include "platform/linux/atspi/object_reference.h"
+#include "platform/linux/atspi/popovers.h"
 #include "platform/linux/atspi/processes.h"
 #include "platform/linux/atspi/top_levels.h"
 #include "platform/linux/desktop_windows.h"
@@ -22,7 +23,8 @@ namespace lumetry::atspi {
 class HitTest {
 public:
     HitTest(DesktopWindows& windows, AtspiBus& bus, Answers& answers, Processes& processes)
-        : windows_(windows), bus_(bus), answers_(answers), topLevels_(bus, processes) {}
+        : windows_(windows), bus_(bus), answers_(answers), topLevels_(bus, processes),
+          popovers_(bus) {}
 
     struct Hit {
         ObjectReference object;
@@ -47,6 +49,7 @@ private:
     AtspiBus& bus_;
     Answers& answers_;
     TopLevels topLevels_;
+    Popovers popovers_;
     /// What the last hit test went by, and in which window: the pointer is near there mostly, and
     /// then one exchange serves the whole way down.
     std::vector<Inquiry::Query> lastWay_;

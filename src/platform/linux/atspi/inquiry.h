@@ -5,10 +5,10 @@
 #include "platform/linux/atspi/message.h"
 #include "platform/linux/atspi/object_reference.h"
 
-#include <compare>
 #include <cstdint>
 #include <map>
 #include <span>
+#include <tuple>
 #include <vector>
 
 namespace lumetry::atspi {
@@ -33,11 +33,16 @@ public:
         ObjectReference object;
         About about = About::childAtPoint;
 
-        friend auto operator<=>(const Query&, const Query&) = default;
         friend bool operator==(const Query&, const Query&) = default;
+        friend bool operator<(const Query& a, const Query& b) {
+            return std::tie(a.object, a.about) < std::tie(b.object, b.about);
+        }
     };
 
     Inquiry(AtspiBus& bus, Pixel at, Deadline deadline) : bus_(bus), at_(at), deadline_(deadline) {}
+
+    [[nodiscard]] Pixel at() const { return at_; }
+    [[nodiscard]] Deadline deadline() const { return deadline_; }
 
     /// Asks those that have not been asked yet together.
     void ask(std::span<const Query> queries);

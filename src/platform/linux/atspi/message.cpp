@@ -15,7 +15,7 @@ class Values {
 public:
     explicit Values(const Reply& reply) {
         if (reply.outcome != Outcome::answered || !reply.message ||
-            !dbus_message_iter_init(reply.message.get(), &iterator_)) {
+            dbus_message_iter_init(reply.message.get(), &iterator_) == FALSE) {
             return;
         }
         some_ = true;
@@ -36,7 +36,7 @@ public:
         return values;
     }
 
-    void next() { some_ = some_ && dbus_message_iter_next(&iterator_); }
+    void next() { some_ = some_ && dbus_message_iter_next(&iterator_) != FALSE; }
 
     [[nodiscard]] std::optional<std::int64_t> integer() {
         switch (type()) {

@@ -1,6 +1,7 @@
 #include "platform/linux/atspi/processes.h"
 
 #include "platform/linux/atspi/requests.h"
+#include "platform/linux/process_info.h"
 
 #include <unistd.h>
 
@@ -11,21 +12,30 @@
 
 namespace lumetry::atspi {
 
-Processes::Processes(AtspiBus& bus) : bus_(bus), ownPid_(getpid()) {}
+Processes::Processes(AtspiBus& bus, std::filesystem::path processes)
+    : bus_(bus), processes_(std::move(processes)), ownPid_(getpid()) {}
 
 void Processes::dropWhenReconnected() {
     if (bus_.generation() != generation_) {
         generation_ = bus_.generation();
-        pidByName_.clear();
+        owners_.clear();
         roots_.clear();
     }
 }
 
 std::vector<ObjectReference> Processes::knownRootsOf(pid_t pid) const {
+    std::optional<std::string> group;
+    const auto speaksFor = [&](const Owner& owner) {
+        if (owner.sandbox.empty()) {
+            return owner.pid == pid;
+        }
+        group = group ? group : controlGroupOf(processes_, pid);
+        return owner.sandbox == *group;
+    };
     std::vector<ObjectReference> roots;
     for (const ObjectReference& root : roots_) {
-        const auto owner = pidByName_.find(root.name);
-        if (owner != pidByName_.end() && owner->second == pid) {
+        const auto owner = owners_.find(root.name);
+        if (owner != owners_.end() && speaksFor(owner->second)) {
             roots.push_back(root);
         }
     }
@@ -40,24 +50,32 @@ std::vector<std::string> Processes::takeApplications(const Reply& reply) {
         return {};
     }
     roots_ = std::move(*roots);
-    std::map<std::string, pid_t> known;
+    std::map<std::string, Owner> known;
     std::set<std::string> unknown;
     for (const ObjectReference& root : roots_) {
-        const auto process = pidByName_.find(root.name);
-        if (process != pidByName_.end()) {
-            known.insert(*process);
+        const auto owner = owners_.find(root.name);
+        if (owner != owners_.end()) {
+            known.insert(*owner);
         } else {
             unknown.insert(root.name);
         }
     }
-    pidByName_ = std::move(known);
+    owners_ = std::move(known);
     return {unknown.begin(), unknown.end()};
 }
 
 void Processes::takeProcess(const std::string& name, const Reply& reply) {
-    if (const auto pid = integerOf(reply)) {
-        pidByName_[name] = static_cast<pid_t>(*pid);
+    const auto pid = integerOf(reply);
+    if (!pid) {
+        return;
     }
+    Owner owner{static_cast<pid_t>(*pid), {}};
+    // Flatpak has a process of its own speak for all those of a sandbox, in the sandbox's group.
+    if (shortNameOf(processes_, owner.pid) == "xdg-dbus-proxy") {
+        const std::string group = controlGroupOf(processes_, owner.pid);
+        owner.sandbox = group.starts_with("app-flatpak-") ? group : "";
+    }
+    owners_[name] = std::move(owner);
 }
 
 std::vector<ObjectReference> Processes::rootsOf(pid_t pid, Deadline deadline) {
@@ -120,15 +138,15 @@ std::optional<pid_t> Processes::processOf(const std::string& name, Deadline dead
     if (bus_.connect()) {
         dropWhenReconnected();
     }
-    if (!pidByName_.contains(name)) {
+    if (!owners_.contains(name)) {
         takeProcess(name, bus_.exchange(getConnectionUnixProcessID(name), deadline));
     }
-    const auto known = pidByName_.find(name);
-    return known == pidByName_.end() ? std::nullopt : std::optional(known->second);
+    const auto known = owners_.find(name);
+    return known == owners_.end() ? std::nullopt : std::optional(known->second.pid);
 }
 
 void Processes::forget(const std::string& name) {
-    pidByName_.erase(name);
+    owners_.erase(name);
     std::erase_if(roots_, [&](const ObjectReference& root) { return root.name == name; });
 }
 

@@ -7,6 +7,7 @@
 #include <sys/types.h>
 
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <optional>
@@ -20,7 +21,8 @@ namespace lumetry::atspi {
 /// answer while it waits for the answer.
 class Processes {
 public:
-    explicit Processes(AtspiBus& bus);
+    /// @param processes the folder of the system's processes
+    explicit Processes(AtspiBus& bus, std::filesystem::path processes = "/proc");
 
     /// The roots of the process's applications, asked for if none is known.
     [[nodiscard]] std::vector<ObjectReference> rootsOf(pid_t pid, Deadline deadline);
@@ -40,15 +42,23 @@ public:
     }
 
 private:
+    /// Who has a connection.
+    struct Owner {
+        pid_t pid = 0;
+        /// Where that is only the proxy of a sandbox: the control group of those it speaks for.
+        std::string sandbox;
+    };
+
     void dropWhenReconnected();
     [[nodiscard]] std::vector<ObjectReference> knownRootsOf(pid_t pid) const;
     [[nodiscard]] std::vector<std::string> takeApplications(const Reply& reply);
     void takeProcess(const std::string& name, const Reply& reply);
 
     AtspiBus& bus_;
+    std::filesystem::path processes_;
     pid_t ownPid_;
     std::uint64_t generation_ = 0;
-    std::map<std::string, pid_t> pidByName_;
+    std::map<std::string, Owner> owners_; ///< by the connection's name
     /// Of all applications, as the registry gave them last.
     std::vector<ObjectReference> roots_;
     bool inSample_ = false;

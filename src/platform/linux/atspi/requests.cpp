@@ -37,8 +37,8 @@ Message methodCallWith(const ObjectReference& object, const char* interface, con
 
 Message methodCall(const ObjectReference& object, const char* interface, const char* method) {
     // Names come from other processes; libdbus ends the program over one that is malformed.
-    if (!dbus_validate_bus_name(object.name.c_str(), nullptr) ||
-        !dbus_validate_path(object.path.c_str(), nullptr)) {
+    if (dbus_validate_bus_name(object.name.c_str(), nullptr) == FALSE ||
+        dbus_validate_path(object.path.c_str(), nullptr) == FALSE) {
         return nullptr;
     }
     return Message(

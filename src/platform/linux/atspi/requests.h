@@ -36,7 +36,7 @@ namespace lumetry::atspi {
 [[nodiscard]] Message getProperty(const ObjectReference& object, const char* interface,
                                   const char* property);
 [[nodiscard]] Message setProperty(const ObjectReference& object, const char* interface,
-                                  const char* property, bool value);
+                                  const char* property, bool truth);
 /// @}
 
 } // namespace lumetry::atspi

@@ -27,6 +27,8 @@ public:
     ScriptedBus& operator=(const ScriptedBus&) = delete;
 
     [[nodiscard]] const std::string& address() const { return address_; }
+    /// Goes with the bus; room for a test's own files.
+    [[nodiscard]] const std::filesystem::path& folder() const { return folder_; }
     /// Ends the bus and starts another one at the same address.
     void restart();
     [[nodiscard]] desktop::ChildProcess& daemon() { return *daemon_; }
