@@ -13,15 +13,14 @@ namespace {
 /// Above this a double no longer holds every integer.
 constexpr double largestExactInteger = 9007199254740992.0;
 
-/// In decimal with a point whatever the user's language, which formatting functions follow.
+} // namespace
+
 std::string fixedText(double value, int decimals) {
     std::array<char, 512> buffer{};
     const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
                                        std::chars_format::fixed, decimals);
     return {buffer.data(), written.ptr};
 }
-
-} // namespace
 
 std::string wholeNumber(double value) {
     // Adding zero turns a negative zero into a plain one.

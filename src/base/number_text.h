@@ -7,6 +7,9 @@
 
 namespace lumetry {
 
+/// In decimal with so many digits behind the point, which is a point whatever the user's language.
+[[nodiscard]] std::string fixedText(double value, int decimals);
+
 /// Rounded to the nearest integer, halves away from zero, in decimal. Any value that a double holds
 /// is printed, infinities as "inf".
 [[nodiscard]] std::string wholeNumber(double value);

@@ -121,12 +121,11 @@ public:
     explicit Shades(std::optional<std::uint32_t> key) {
         if (key) {
             const std::uint32_t levels = pixelOf(*key) >> 4U;
-            constexpr std::uint32_t top = channelLevels - 1;
             lowest_ = highest_ = 0;
             for (unsigned shift = 0; shift < 24; shift += 8) {
-                const std::uint32_t level = (levels >> shift) & top;
+                const std::uint32_t level = (levels >> shift) % channelLevels;
                 lowest_ |= (level > 0 ? level - 1 : 0) << shift;
-                highest_ |= std::min(level + 1, top) << shift;
+                highest_ |= (level + 1) << shift;
             }
         }
     }

@@ -10,6 +10,7 @@ class FileSystem;
 class OverlayWindows;
 class Pointer;
 class RunLoop;
+class ScreenCapture;
 class WindowServer;
 
 /// The desktop, as far as the engine sees it. The entry point makes one, and it outlives all that
@@ -24,6 +25,7 @@ struct Platform {
     RunLoop& runLoop;
     Defaults& defaults;
     OverlayWindows& overlayWindows;
+    ScreenCapture& screenCapture;
 };
 
 } // namespace lumetry

@@ -1,16 +1,27 @@
 #include "session/glance.h"
 
+#include "base/color_metrics.h"
 #include "base/number_text.h"
 #include "base/text.h"
+#include "pixels/surface.h"
+#include "platform/accessibility.h"
 #include "platform/applications.h"
+#include "platform/window_server.h"
 #include "probe/ax_access.h"
 #include "probe/electron.h"
+#include "probe/spacing.h"
+#include "probe/typography.h"
 
+#include <array>
 #include <cstddef>
 #include <optional>
+#include <string_view>
+#include <utility>
 
 namespace lumetry {
 namespace {
+
+constexpr std::string_view estimated = "≈ ";
 
 Glance browserGlance(const Platform& platform, pid_t pid, const Size& size) {
     const auto application = platform.applications.runningApplication(pid);
@@ -31,20 +42,162 @@ std::string headerFor(const std::string& role, const ResolvedComponent& resolved
     return title.empty() ? kind : kind + " · " + firstCharacters(title, titleCharacters);
 }
 
+std::string pixels(double value) {
+    return wholeNumber(value) + "px";
+}
+
+/// Adds the rows of one component, in the order in which its class shows them.
+class RowWriter {
+public:
+    RowWriter(const Platform& platform, const ResolvedComponent& resolved, const Rect& frame,
+              std::uint32_t windowNumber)
+        : platform_(platform), resolved_(resolved), frame_(frame), windowNumber_(windowNumber),
+          mayCapture_(platform.windowServer.preflightScreenCaptureAccess()) {
+        rows_.push_back(sizeRow(frame.size()));
+    }
+
+    [[nodiscard]] std::vector<GlanceRow> rows(const std::string& role) {
+        switch (resolved_.bucket) {
+        case Bucket::collection:
+            addCollection();
+            return std::move(rows_);
+        case Bucket::container:
+            return std::move(rows_);
+        case Bucket::graphic:
+            addGraphic(role);
+            break;
+        case Bucket::text:
+            addTypography("color", surface());
+            break;
+        case Bucket::control:
+        case Bucket::input:
+            addControl();
+            break;
+        case Bucket::generic:
+            addGeneric();
+            break;
+        }
+        if (!mayCapture_) {
+            add("colors", "needs Screen Recording");
+        }
+        return std::move(rows_);
+    }
+
+private:
+    void add(std::string label, std::string value, std::optional<Color> swatch = std::nullopt) {
+        rows_.push_back({std::move(label), std::move(value), swatch});
+    }
+
+    [[nodiscard]] SurfaceInfo surface() const {
+        return mayCapture_ ? analyzeSurface(platform_.screenCapture, windowNumber_, frame_)
+                           : SurfaceInfo();
+    }
+
+    void addCollection() {
+        const auto spacing = collectionGap(platform_.accessibility, resolved_.component);
+        if (spacing) {
+            add("gap", pixels(spacing->gap));
+            add(spacing->vertical ? "row height" : "item width", pixels(spacing->item));
+            add("items", std::to_string(spacing->count));
+        }
+    }
+
+    void addGraphic(const std::string& role) {
+        if (role != "AXImage" && role != "AXVideo") {
+            return;
+        }
+        if (auto ratio = aspectString(frame_.size())) {
+            add("ratio", std::move(*ratio));
+        }
+        // The fill of a picture says little.
+        SurfaceInfo corners;
+        corners.radius = surface().radius;
+        addSurfaceRows(rows_, corners);
+    }
+
+    void addControl() {
+        const SurfaceInfo info = surface();
+        addSurfaceRows(rows_, info);
+        addPadding(false);
+        addTypography("text", info);
+    }
+
+    void addGeneric() {
+        constexpr std::size_t fewestItems = 3;
+        const SurfaceInfo info = surface();
+        addSurfaceRows(rows_, info);
+        addPadding(true);
+        const auto spacing = collectionGap(platform_.accessibility, resolved_.component);
+        if (spacing && spacing->count >= fewestItems) {
+            add("gap", pixels(spacing->gap));
+        }
+    }
+
+    void addPadding(bool guarded) {
+        if (auto padding =
+                axPadding(platform_.accessibility, resolved_.component, frame_, guarded)) {
+            add("padding", std::move(*padding));
+        }
+    }
+
+    /// Font, text colour under the given label, and its contrast to the fill.
+    void addTypography(std::string colorLabel, const SurfaceInfo& info) {
+        TextInfo text = axTextInfoDeep(resolved_.textSource);
+        if (text.font) {
+            add("font", std::move(*text.font));
+        }
+        const auto foreground = text.color ? text.color : info.ink;
+        if (!foreground) {
+            return;
+        }
+        const std::string hex = hexString(*foreground);
+        add(std::move(colorLabel), text.color ? hex : std::string(estimated) + hex, foreground);
+        if (info.fill) {
+            rows_.push_back(contrastRow(*foreground, *info.fill));
+        }
+    }
+
+    const Platform& platform_;
+    const ResolvedComponent& resolved_;
+    const Rect& frame_;
+    std::uint32_t windowNumber_;
+    bool mayCapture_;
+    std::vector<GlanceRow> rows_;
+};
+
 } // namespace
 
-Glance deriveGlance(const Platform& platform, const ResolvedComponent& resolved,
-                    const Rect& frame) {
+Glance deriveGlance(const Platform& platform, const ResolvedComponent& resolved, const Rect& frame,
+                    std::uint32_t windowNumber) {
     const pid_t pid = resolved.component.getPid().value_or(0);
     if (isBrowser(platform, pid)) {
         return browserGlance(platform, pid, frame.size());
     }
     const std::string role = axString(resolved.component, "AXRole").value_or("AXUnknown");
-    return {headerFor(role, resolved), {sizeRow(frame.size())}};
+    std::string header = headerFor(role, resolved);
+    return {std::move(header), RowWriter(platform, resolved, frame, windowNumber).rows(role),
+            resolved.bucket == Bucket::graphic};
 }
 
 GlanceRow sizeRow(const Size& size) {
     return {"size", wholeNumber(size.width) + " × " + wholeNumber(size.height), std::nullopt};
+}
+
+void addSurfaceRows(std::vector<GlanceRow>& rows, const SurfaceInfo& surface) {
+    if (surface.fill) {
+        rows.push_back({"fill", std::string(estimated) + hexString(*surface.fill), surface.fill});
+    }
+    if (surface.radius) {
+        rows.push_back({"radius", std::string(estimated) + pixels(*surface.radius), std::nullopt});
+    }
+}
+
+GlanceRow contrastRow(const Color& foreground, const Color& background) {
+    constexpr double enhanced = 7.0;
+    constexpr double minimum = 4.5;
+    const double ratio = wcagContrast(foreground, background);
+    const std::string_view level = ratio >= enhanced ? "AAA" : ratio >= minimum ? "AA" : "✕";
+    return {"contrast", fixedText(ratio, 1) + ":1 · " + std::string(level), std::nullopt};
 }
 
 } // namespace lumetry

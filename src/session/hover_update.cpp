@@ -1,15 +1,26 @@
+#include "base/number_text.h"
 #include "platform/accessibility.h"
 #include "platform/input.h"
 #include "platform/run_loop.h"
 #include "platform/window_server.h"
 #include "probe/ax_access.h"
+#include "probe/electron.h"
 #include "session/overlay.h"
 
-#include <array>
-#include <string_view>
+#include <string>
 #include <utility>
 
 namespace lumetry {
+namespace {
+
+/// Width and height without their fractions, or "-" for none.
+std::string truncatedSize(const std::optional<Rect>& rect) {
+    return rect ? std::to_string(integerValue(rect->width)) + "x" +
+                      std::to_string(integerValue(rect->height))
+                : "-";
+}
+
+} // namespace
 
 void Overlay::update() {
     constexpr double samplingIntervalSeconds = 0.025;
@@ -20,10 +31,9 @@ void Overlay::update() {
     lastSample_ = now;
 
     const Token answers = platform_.accessibility.keepAnswers();
-    Sample sample;
-    sample.pointer = platform_.pointer.location();
-    sample.at = flipped(sample.pointer, primaryDisplayHeight(platform_.windowServer));
-    sample.window = topWindowInfo(platform_, state_, sample.at);
+    const Point pointer = platform_.pointer.location();
+    const Point at = flipped(pointer, primaryDisplayHeight(platform_.windowServer));
+    const PointerSample sample = {now, at, topWindowInfo(platform_, state_, at)};
 
     if ((platform_.pointer.modifierFlags() & modifierOption) == 0) {
         pinnedFrame_.reset();
@@ -33,23 +43,28 @@ void Overlay::update() {
         measure(*pinned, sample);
         return;
     }
-    show(hover(sample), sample);
+    HoverOutcome outcome = inspector_.look(sample, window_->windowNumber());
+    if (detectLog_.on()) {
+        log(outcome, sample);
+    }
+    inspector_.addLiveColor(outcome, sample, window_->windowNumber());
+    show(std::move(outcome), pointer);
 }
 
-std::optional<Rect> Overlay::pinnedRect(const Sample& sample) {
+std::optional<Rect> Overlay::pinnedRect(const PointerSample& sample) {
     if (!pinnedFrame_) {
-        pinnedFrame_ = lastHoveredFrame_;
+        pinnedFrame_ = inspector_.lastHoveredFrame();
     }
     if (!pinnedFrame_) {
-        const auto element = elementAt(sample);
+        const auto element = axElementAt(platform_, state_, sample.at, sample.window);
         pinnedFrame_ = element ? axFrame(*element) : std::nullopt;
     }
     return pinnedFrame_;
 }
 
-void Overlay::measure(const Rect& pinned, const Sample& sample) {
+void Overlay::measure(const Rect& pinned, const PointerSample& sample) {
     view_.measureA = inView(pinned);
-    const auto element = elementAt(sample);
+    const auto element = axElementAt(platform_, state_, sample.at, sample.window);
     const auto frame = element ? axFrame(*element) : std::nullopt;
     view_.measureB = frame ? std::optional(inView(*frame)) : std::nullopt;
     view_.targetRect = Rect();
@@ -58,50 +73,31 @@ void Overlay::measure(const Rect& pinned, const Sample& sample) {
     window_->setNeedsDisplay();
 }
 
-Overlay::Outcome Overlay::hover(const Sample& sample) {
-    const auto element = elementAt(sample);
-    if (!element) {
-        return nothingAt(sample);
+void Overlay::log(const HoverOutcome& outcome, const PointerSample& sample) {
+    const auto& window = sample.window;
+    const std::string app = window ? bundleID(platform_.applications, window->pid) : "(none)";
+    const bool electron = window && isElectronApp(platform_, state_, window->pid);
+    const std::string path(outcome.path);
+    std::string key = app;
+    key.append("|").append(path).append("|").append(outcome.header);
+    if (key == detectLog_.lastKey) {
+        return;
     }
-    constexpr std::array<std::string_view, 3> resolving = {"AXRole", "AXPosition", "AXSize"};
-    platform_.accessibility.prefetch({&*element, 1}, resolving);
-    const ResolvedComponent resolved = resolveComponent(*element);
-    auto frame = axFrame(resolved.component);
-    if (!frame) {
-        frame = axFrame(*element);
-    }
-    return frame ? readout(resolved, *frame) : Outcome();
+    detectLog_.lastKey = std::move(key);
+    const auto bounds = window ? std::optional(window->bounds) : std::nullopt;
+    detectLog_.append(
+        "app=" + app + " electron=" + (electron ? "true" : "false") + " path=" + path +
+        " header=" + (outcome.header.empty() ? "-" : outcome.header) +
+        " box=" + truncatedSize(outcome.box) + " win=" + truncatedSize(bounds) + "\n");
 }
 
-Overlay::Outcome Overlay::nothingAt(const Sample& sample) {
-    lastHoveredFrame_.reset();
-    cachedComponent_.reset();
-    return {sample.window ? "" : "color", {}, std::nullopt};
-}
-
-Overlay::Outcome Overlay::readout(const ResolvedComponent& resolved, const Rect& frame) {
-    lastHoveredFrame_ = frame;
-    if (cachedComponent_ != resolved.component || cachedFrame_ != frame) {
-        Glance glance = deriveGlance(platform_, resolved, frame);
-        cachedComponent_ = resolved.component;
-        cachedFrame_ = frame;
-        cachedHeader_ = std::move(glance.header);
-        cachedRows_ = std::move(glance.rows);
-    }
-    return {cachedHeader_, cachedRows_, frame};
-}
-
-void Overlay::show(Outcome outcome, const Sample& sample) {
+void Overlay::show(HoverOutcome outcome, Point pointer) {
     view_.targetRect = outcome.box ? inView(*outcome.box) : Rect();
     view_.header = std::move(outcome.header);
     view_.rows = std::move(outcome.rows);
     const Point origin = window_->frame().origin();
-    view_.cursorPoint = {sample.pointer.x - origin.x, sample.pointer.y - origin.y};
+    view_.cursorPoint = {pointer.x - origin.x, pointer.y - origin.y};
     window_->setNeedsDisplay();
-}
-
-std::optional<AXUIElement> Overlay::elementAt(const Sample& sample) {
-    return axElementAt(platform_, state_, sample.at, sample.window);
 }
 
 Rect Overlay::inView(const Rect& accessibilityRect) const {

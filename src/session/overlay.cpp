@@ -11,7 +11,8 @@ namespace lumetry {
 Overlay::Overlay(const Platform& platform, ProbeState& state)
     : platform_(platform), state_(state), view_(platform.windowServer),
       window_(platform.overlayWindows.makeWindow(unionFrame(platform.windowServer),
-                                                 OverlayWindowStyle{})) {
+                                                 OverlayWindowStyle{})),
+      inspector_(platform, state), detectLog_(platform.defaults, platform.fileSystem) {
     window_->setContentView(view_);
 }
 
@@ -71,8 +72,7 @@ void Overlay::beginTracking() {
 void Overlay::stop() {
     active_ = false;
     pinnedFrame_.reset();
-    cachedComponent_.reset();
-    cachedFrame_ = Rect::null();
+    inspector_.forget();
     view_.exitTag = false;
     releaseElectronEnhancements(platform_, state_);
     monitor_.reset();

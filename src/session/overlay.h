@@ -2,19 +2,16 @@
 
 #include "base/geometry.h"
 #include "base/token.h"
-#include "platform/ax_ui_element.h"
 #include "platform/overlay_window.h"
 #include "platform/platform.h"
-#include "probe/hit_test.h"
 #include "probe/probe_state.h"
 #include "render/overlay_view.h"
-#include "session/glance.h"
+#include "session/detect_log.h"
+#include "session/inspector.h"
 
 #include <functional>
 #include <memory>
 #include <optional>
-#include <string>
-#include <vector>
 
 namespace lumetry {
 
@@ -51,26 +48,12 @@ public:
     std::function<void()> onStop;
 
 private:
-    /// What one sample found.
-    struct Outcome {
-        std::string header;
-        std::vector<GlanceRow> rows;
-        std::optional<Rect> box; ///< of the selection, accessibility space
-    };
-    struct Sample {
-        Point pointer; ///< screen space
-        Point at;      ///< the same in accessibility space
-        std::optional<WindowHit> window;
-    };
-
     void beginTracking();
-    [[nodiscard]] std::optional<Rect> pinnedRect(const Sample& sample);
-    void measure(const Rect& pinned, const Sample& sample);
-    [[nodiscard]] Outcome hover(const Sample& sample);
-    [[nodiscard]] Outcome nothingAt(const Sample& sample);
-    [[nodiscard]] Outcome readout(const ResolvedComponent& resolved, const Rect& frame);
-    void show(Outcome outcome, const Sample& sample);
-    [[nodiscard]] std::optional<AXUIElement> elementAt(const Sample& sample);
+    [[nodiscard]] std::optional<Rect> pinnedRect(const PointerSample& sample);
+    void measure(const Rect& pinned, const PointerSample& sample);
+    void log(const HoverOutcome& outcome, const PointerSample& sample);
+    /// @param pointer screen space
+    void show(HoverOutcome outcome, Point pointer);
     [[nodiscard]] Rect inView(const Rect& accessibilityRect) const;
 
     const Platform& platform_;
@@ -82,12 +65,9 @@ private:
     Token keyMonitor_; ///< of key presses
     double lastSample_ = 0;
     std::optional<Rect> pinnedFrame_;
-    std::optional<Rect> lastHoveredFrame_;
     bool active_ = false;
-    std::optional<AXUIElement> cachedComponent_;
-    Rect cachedFrame_ = Rect::null();
-    std::string cachedHeader_;
-    std::vector<GlanceRow> cachedRows_;
+    Inspector inspector_;
+    DetectLog detectLog_;
 
     /// What handlers and queued tasks hold of the session: expired once it is gone.
     std::shared_ptr<Overlay> self_{this, [](Overlay*) {}};

@@ -1,5 +1,9 @@
 #include "platform/linux/linux_file_system.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <filesystem>
 #include <system_error>
 
@@ -19,6 +23,24 @@ LinuxFileSystem::contentsOfDirectory(const std::string& path) {
 bool LinuxFileSystem::fileExists(const std::string& path) {
     std::error_code error;
     return std::filesystem::exists(path, error);
+}
+
+void LinuxFileSystem::appendPrivately(const std::string& path, std::string_view text) {
+    // Folders such as /tmp are shared: what somebody else has put there under that name, be it a
+    // link, a pipe or a file of theirs, is left alone.
+    const int descriptor =
+        open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC,
+             S_IRUSR | S_IWUSR);
+    if (descriptor < 0) {
+        return;
+    }
+    struct stat status {};
+    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid() &&
+        status.st_nlink == 1) {
+        // One write for the whole text, so that lines of two programs do not mix.
+        [[maybe_unused]] const auto written = write(descriptor, text.data(), text.size());
+    }
+    close(descriptor);
 }
 
 } // namespace lumetry

@@ -10,6 +10,7 @@ public:
     [[nodiscard]] std::optional<std::vector<std::string>>
     contentsOfDirectory(const std::string& path) override;
     [[nodiscard]] bool fileExists(const std::string& path) override;
+    void appendPrivately(const std::string& path, std::string_view text) override;
 };
 
 } // namespace lumetry

@@ -67,7 +67,8 @@ public:
         accessibility_.emplace(x11_->desktopWindows(), loop_);
         platform_.emplace(Platform{*accessibility_, x11_->windowServer(), x11_->pointer(),
                                    x11_->eventMonitors(), *applications_, fileSystem_, loop_,
-                                   defaults_, x11_->overlayWindows(rasterizer_)});
+                                   defaults_, x11_->overlayWindows(rasterizer_),
+                                   x11_->screenCapture()});
         return true;
     }
 

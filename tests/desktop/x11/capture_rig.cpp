@@ -27,15 +27,7 @@ CaptureRig::CaptureRig(const Options& options) : X11Rig(options) {
 void CaptureRig::waitForRedirection() const {
     const auto window = ownWindow({0, 0, 1, 1}, {.overrideRedirect = true});
     map(window);
-    requireUntil("the redirection of windows", [&] {
-        const auto pixmap = xcb_generate_id(xcb());
-        const Reply<xcb_generic_error_t> error(xcb_request_check(
-            xcb(), xcb_composite_name_window_pixmap_checked(xcb(), window, pixmap)));
-        if (!error) {
-            xcb_free_pixmap(xcb(), pixmap);
-        }
-        return !error;
-    });
+    requireUntil("the redirection of windows", [&] { return isRedirected(window); });
     destroy(window);
 }
 
@@ -82,6 +74,16 @@ xcb_pixmap_t CaptureRig::pixmap(const Size& size, std::uint32_t color) const {
                       static_cast<std::uint16_t>(size.height));
     fill(made, {0, 0, size.width, size.height}, color);
     return made;
+}
+
+bool CaptureRig::isRedirected(xcb_window_t window) const {
+    const auto pixmap = xcb_generate_id(xcb());
+    const Reply<xcb_generic_error_t> error(
+        xcb_request_check(xcb(), xcb_composite_name_window_pixmap_checked(xcb(), window, pixmap)));
+    if (!error) {
+        xcb_free_pixmap(xcb(), pixmap);
+    }
+    return !error;
 }
 
 void CaptureRig::startCompositor() {

@@ -130,6 +130,9 @@ TEST_P(X11Capture, CutsWindowsToTheirShape) {
                        {150, 110, red, "between"},
                        {310, 149, green, "second part"},
                        {310, 150, red, "below it"}});
+    const auto above = rig.show({200, 200, 50, 50}, blue);
+    EXPECT_EQ(rig.pixel(225, 225), blue) << "another window where the shape has a hole";
+    rig.destroy(above);
     const auto half =
         rig.capture().captureBelow({0, 0, 400, 400}, 0, {200, 200}, Interpolation::low);
     ASSERT_TRUE(half);

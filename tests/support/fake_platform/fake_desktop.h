@@ -6,6 +6,7 @@
 #include "support/fake_platform/fake_files.h"
 #include "support/fake_platform/fake_input.h"
 #include "support/fake_platform/fake_run_loop.h"
+#include "support/fake_platform/fake_screen_capture.h"
 #include "support/fake_platform/fake_windows.h"
 
 #include <string>
@@ -40,8 +41,9 @@ public:
     FakeRunLoop runLoop;
     FakeDefaults defaults;
     FakeOverlayWindows overlayWindows;
-    Platform platform = {accessibility, windowServer, pointer,  eventMonitors, applications,
-                         fileSystem,    runLoop,      defaults, overlayWindows};
+    FakeScreenCapture screenCapture;
+    Platform platform = {accessibility, windowServer, pointer,  eventMonitors,  applications,
+                         fileSystem,    runLoop,      defaults, overlayWindows, screenCapture};
     ProbeState state;
 };
 

@@ -21,8 +21,12 @@ public:
     [[nodiscard]] std::optional<std::vector<std::string>>
     contentsOfDirectory(const std::string& path) override;
     [[nodiscard]] bool fileExists(const std::string& path) override;
+    void appendPrivately(const std::string& path, std::string_view text) override {
+        appended[path] += text;
+    }
 
     int accesses = 0;
+    std::map<std::string, std::string> appended; ///< text by file
 
 private:
     std::map<std::string, std::vector<std::string>> folders_;

@@ -8,8 +8,8 @@ namespace {
 
 class FakeOverlayWindow final : public OverlayWindow {
 public:
-    FakeOverlayWindow(std::shared_ptr<OverlayWindowRecord> record, std::uint32_t number)
-        : record_(std::move(record)), number_(number) {}
+    explicit FakeOverlayWindow(std::shared_ptr<OverlayWindowRecord> record)
+        : record_(std::move(record)) {}
     FakeOverlayWindow(const FakeOverlayWindow&) = delete;
     FakeOverlayWindow& operator=(const FakeOverlayWindow&) = delete;
     ~FakeOverlayWindow() override {
@@ -21,14 +21,13 @@ public:
     void setContentView(ContentView& view) override { record_->view = &view; }
     [[nodiscard]] Rect frame() const override { return record_->frame; }
     void setFrame(const Rect& frame) override { record_->frame = frame; }
-    [[nodiscard]] std::uint32_t windowNumber() const override { return number_; }
+    [[nodiscard]] std::uint32_t windowNumber() const override { return record_->number; }
     void orderFrontRegardless() override { record_->shown = true; }
     void orderOut() override { record_->shown = false; }
     void setNeedsDisplay() override { ++record_->needsDisplay; }
 
 private:
     std::shared_ptr<OverlayWindowRecord> record_;
-    std::uint32_t number_;
 };
 
 } // namespace
@@ -51,10 +50,10 @@ DisplayList OverlayWindowRecord::draw() const {
 std::unique_ptr<OverlayWindow> FakeOverlayWindows::makeWindow(const Rect& contentRect,
                                                               const OverlayWindowStyle& style) {
     made.push_back(std::make_shared<OverlayWindowRecord>());
+    made.back()->number = static_cast<std::uint32_t>(100 + made.size());
     made.back()->frame = contentRect;
     made.back()->style = style;
-    return std::make_unique<FakeOverlayWindow>(made.back(),
-                                               static_cast<std::uint32_t>(100 + made.size()));
+    return std::make_unique<FakeOverlayWindow>(made.back());
 }
 
 } // namespace lumetry

@@ -38,7 +38,8 @@ public:
 
 /// What became of one overlay window.
 struct OverlayWindowRecord {
-    Rect frame; ///< screen space
+    std::uint32_t number = 0; ///< in the window list
+    Rect frame;               ///< screen space
     OverlayWindowStyle style;
     ContentView* view = nullptr;
     bool shown = false;

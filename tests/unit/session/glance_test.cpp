@@ -58,8 +58,9 @@ TEST(Glance, HeaderIsTheKindAndWhatIsWrittenOnIt) {
         if (value) {
             textSource.set("AXValue", *value);
         }
-        const Glance glance = deriveGlance(
-            desktop.platform, {component.handle(), Bucket::container, textSource.handle()}, frame);
+        const Glance glance =
+            deriveGlance(desktop.platform,
+                         {component.handle(), Bucket::container, textSource.handle()}, frame, 0);
         EXPECT_EQ(glance.header, header) << name;
         EXPECT_EQ(glance.rows, std::vector{sizeRow(frame.size())}) << name;
     }
@@ -84,7 +85,7 @@ TEST(Glance, OfABrowserPointsToItsPages) {
         element.set("AXTitle", "Back");
         const auto derive = [&] {
             return deriveGlance(desktop.platform,
-                                {element.handle(), Bucket::control, element.handle()}, frame);
+                                {element.handle(), Bucket::control, element.handle()}, frame, 0);
         };
         const Glance glance = derive();
         EXPECT_EQ(glance.header, header) << name;

@@ -26,8 +26,10 @@ struct Context {
     Answers answers;
     Processes processes;
     HitTest hitTest;
-    std::set<pid_t> enhanced;          ///< those told to show an enhanced user interface
-    float messagingTimeoutSeconds = 1; ///< of elements that have none of their own
+    std::set<pid_t> enhanced; ///< those told to show an enhanced user interface
+    static constexpr float standardTimeoutSeconds = 1;
+    float messagingTimeoutSeconds =
+        standardTimeoutSeconds; ///< of elements that have none of their own
 
     [[nodiscard]] Deadline deadline(std::optional<float> ownTimeoutSeconds) const {
         return deadlineIn(ownTimeoutSeconds.value_or(messagingTimeoutSeconds));

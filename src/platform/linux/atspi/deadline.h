@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 
 namespace lumetry::atspi {
@@ -9,8 +10,9 @@ using Clock = std::chrono::steady_clock;
 using Deadline = Clock::time_point;
 
 [[nodiscard]] inline Deadline deadlineIn(double seconds) {
-    return Clock::now() +
-           std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
+    constexpr double longestSeconds = 3600;
+    return Clock::now() + std::chrono::duration_cast<Clock::duration>(
+                              std::chrono::duration<double>(std::min(seconds, longestSeconds)));
 }
 
 } // namespace lumetry::atspi

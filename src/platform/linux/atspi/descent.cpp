@@ -85,8 +85,8 @@ Descent descendThroughGtk(Inquiry& inquiry, Popovers& popovers, const TopLevel& 
         next = referenceOf(inquiry.reply({current, About::childAtPoint}));
     }
     if (!inquiry.isAtPoint(current)) {
-        auto ancestor = ancestorAtPoint(inquiry, current);
-        return {Outcome::answered, ancestor ? std::move(*ancestor) : topLevel.object};
+        const auto ancestor = ancestorAtPoint(inquiry, current);
+        return {Outcome::answered, ancestor ? *ancestor : topLevel.object};
     }
     return {Outcome::answered, std::move(current)};
 }
@@ -100,12 +100,11 @@ std::optional<ObjectReference> childAtPoint(Inquiry& inquiry, const ObjectRefere
         queries.push_back({child, About::states});
     }
     inquiry.ask(queries);
-    for (auto child = children.rbegin(); child != children.rend(); ++child) {
-        if (inquiry.isAtPoint(*child) && inquiry.isShowing(*child)) {
-            return *child;
-        }
-    }
-    return std::nullopt;
+    const auto isSeen = [&inquiry](const ObjectReference& child) {
+        return inquiry.isAtPoint(child) && inquiry.isShowing(child);
+    };
+    const auto topmost = std::find_if(children.rbegin(), children.rend(), isSeen);
+    return topmost == children.rend() ? std::nullopt : std::optional(*topmost);
 }
 
 /// Chromium answers with the innermost object at once, but from its last hit test while that still
@@ -124,8 +123,8 @@ Descent descendByLooking(Inquiry& inquiry, const TopLevel& topLevel,
             return {Outcome::silent, std::nullopt};
         }
         if (level == 0 && !(inquiry.isAtPoint(current) && inquiry.isShowing(current))) {
-            auto ancestor = ancestorAtPoint(inquiry, current);
-            return {Outcome::answered, ancestor ? std::move(*ancestor) : topLevel.object};
+            const auto ancestor = ancestorAtPoint(inquiry, current);
+            return {Outcome::answered, ancestor ? *ancestor : topLevel.object};
         }
         auto child = childAtPoint(inquiry, current);
         if (!child) {

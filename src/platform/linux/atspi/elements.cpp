@@ -1,6 +1,7 @@
 #include "platform/linux/atspi/elements.h"
 
 #include "base/text.h"
+#include "platform/linux/atspi/placement.h"
 #include "platform/linux/atspi/requests.h"
 #include "platform/linux/atspi/roles.h"
 #include "platform/linux/atspi/waking.h"
@@ -58,6 +59,10 @@ Element::copyParameterizedAttributeValue(std::string_view /*attribute*/,
     return std::nullopt;
 }
 
+void Element::setMessagingTimeout(float seconds) const {
+    timeoutSeconds_ = seconds > 0 ? std::optional(seconds) : std::nullopt;
+}
+
 void Element::setAttributeValue(std::string_view /*attribute*/, const AXValue& /*value*/) const {}
 
 std::optional<AXUIElement> Element::copyElementAtPosition(float /*x*/, float /*y*/) const {
@@ -102,6 +107,7 @@ std::optional<AXValue> ObjectElement::copyAttributeValue(std::string_view attrib
 
 std::vector<Reply> ObjectElement::ask(const std::vector<Question>& questions) const {
     std::vector<Asked> asked;
+    asked.reserve(questions.size());
     for (const Question question : questions) {
         asked.push_back({object_, question});
     }
@@ -172,11 +178,12 @@ std::optional<AXValue> ObjectElement::place(std::string_view attribute, const Re
     if (!extents) {
         return std::nullopt;
     }
+    const Rect place = placeOf(*extents, context().hitTest.scaleOf(object_));
     if (attribute == "AXSize") {
-        return Size{static_cast<double>(extents->width), static_cast<double>(extents->height)};
+        return place.size();
     }
     const Point origin = context().windows.accessibilityOrigin();
-    return Point{extents->x - origin.x, extents->y - origin.y};
+    return Point{place.x - origin.x, place.y - origin.y};
 }
 
 std::optional<pid_t> ObjectElement::getPid() const {
@@ -239,7 +246,7 @@ std::optional<AXUIElement> SystemWideElement::copyElementAtPosition(float x, flo
 }
 
 void SystemWideElement::setMessagingTimeout(float seconds) const {
-    context().messagingTimeoutSeconds = seconds;
+    context().messagingTimeoutSeconds = seconds > 0 ? seconds : Context::standardTimeoutSeconds;
 }
 
 bool SystemWideElement::isSameElement(const AXUIElementBackend& other) const {

@@ -29,7 +29,8 @@ public:
                                     const AXValue& parameter) const override;
     void setAttributeValue(std::string_view attribute, const AXValue& value) const override;
     [[nodiscard]] std::optional<AXUIElement> copyElementAtPosition(float x, float y) const override;
-    void setMessagingTimeout(float seconds) const override { timeoutSeconds_ = seconds; }
+    /// 0 goes back to the program's default.
+    void setMessagingTimeout(float seconds) const override;
 
 protected:
     [[nodiscard]] Context& context() const { return context_; }

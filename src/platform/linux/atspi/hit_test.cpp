@@ -31,7 +31,7 @@ std::optional<HitTest::Hit> HitTest::objectAt(Point point, std::optional<pid_t> 
         return std::nullopt;
     }
     const Point origin = windows_.accessibilityOrigin();
-    const Pixel at{pixel(point.x + origin.x), pixel(point.y + origin.y)};
+    const Point at{point.x + origin.x, point.y + origin.y};
     const Rect bounds{window->bounds.x + origin.x, window->bounds.y + origin.y,
                       window->bounds.width, window->bounds.height};
     auto object = objectIn(*window, bounds, *owner, at, deadline);
@@ -45,12 +45,15 @@ std::optional<HitTest::Hit> HitTest::objectAt(Point point, std::optional<pid_t> 
 }
 
 std::optional<ObjectReference> HitTest::objectIn(const DesktopWindow& window, const Rect& bounds,
-                                                 pid_t pid, Pixel at, Deadline deadline) {
+                                                 pid_t pid, Point point, Deadline deadline) {
     for (const bool again : {false, true}) {
         const auto topLevel = topLevels_.of(window, bounds, pid, deadline);
         if (!topLevel) {
             return std::nullopt;
         }
+        const double scale =
+            topLevel->toolkit == Toolkit::chromium ? 1 : topLevels_.scaleOf(topLevel->object);
+        const Pixel at{pixel(point.x / scale), pixel(point.y / scale)};
         Inquiry inquiry(bus_, at, deadline);
         if (lastTopLevel_ == topLevel->object) {
             inquiry.ask(lastWay_);

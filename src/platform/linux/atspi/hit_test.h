@@ -36,10 +36,16 @@ public:
     [[nodiscard]] std::optional<Hit> objectAt(Point point, std::optional<pid_t> pid,
                                               Deadline deadline);
 
+    /// How many pixels of the root window the unit has in which the place of that object is
+    /// reported.
+    [[nodiscard]] double scaleOf(const ObjectReference& object) const {
+        return topLevels_.scaleOf(object);
+    }
+
 private:
     [[nodiscard]] std::optional<ObjectReference> objectIn(const DesktopWindow& window,
-                                                          const Rect& bounds, pid_t pid, Pixel at,
-                                                          Deadline deadline);
+                                                          const Rect& bounds, pid_t pid,
+                                                          Point point, Deadline deadline);
     [[nodiscard]] std::optional<ObjectReference> contentOfHollowPopup(pid_t pid, Pixel at,
                                                                       Deadline deadline);
     void keepWhatHelps(const Inquiry& inquiry, const TopLevel& topLevel,

@@ -13,7 +13,7 @@
 
 namespace lumetry::atspi {
 
-/// A point in pixels of the root window.
+/// A point in the units in which an application reports places.
 struct Pixel {
     std::int32_t x = 0;
     std::int32_t y = 0;

@@ -31,7 +31,7 @@ struct Reply {
     std::shared_ptr<DBusMessage> message; ///< only of an answer
 };
 
-/// A place in pixels of the root window, y downwards.
+/// A place on the screen in its application's units, y downwards.
 struct Extents {
     std::int32_t x = 0;
     std::int32_t y = 0;

@@ -1,5 +1,6 @@
 #include "platform/linux/atspi/top_levels.h"
 
+#include "platform/linux/atspi/placement.h"
 #include "platform/linux/atspi/popup_search.h"
 #include "platform/linux/atspi/requests.h"
 #include "platform/linux/atspi/states.h"
@@ -17,22 +18,12 @@ constexpr std::size_t mostTopLevels = 200;
 constexpr std::size_t mostWindowsRemembered = 500;
 /// A popup fills its window up to a border; less than this is something else.
 constexpr double leastPopupLikeness = 0.7;
+/// Another window of the same application may overlap this one, but not by much.
+constexpr double leastWindowLikeness = 0.2;
 /// A popup may not be there yet when its window is.
 constexpr int mostSearches = 3;
 /// Windows as alike as this cannot be told apart by their places.
 constexpr double ambiguity = 0.02;
-
-/// How much of the area that either covers both cover, 0 to 1.
-double likeness(const Extents& extents, const Rect& bounds) {
-    const Rect place{static_cast<double>(extents.x), static_cast<double>(extents.y),
-                     static_cast<double>(extents.width), static_cast<double>(extents.height)};
-    const auto area = [](const Rect& rect) {
-        return rect.isEmpty() ? 0.0 : rect.width * rect.height;
-    };
-    const double common = area(intersect(place, bounds));
-    const double total = area(place) + area(bounds) - common;
-    return total > 0 ? common / total : 0;
-}
 
 Toolkit toolkitNamed(std::string_view name) {
     if (name == "gtk") {
@@ -51,9 +42,9 @@ std::optional<TopLevel> TopLevels::of(const DesktopWindow& window, const Rect& b
     }
     const auto topLevels = topLevelsOf(pid, deadline);
     auto candidates = rate(topLevels, bounds, deadline);
-    const double least = window.popup ? leastPopupLikeness : 0;
+    const double least = window.popup ? leastPopupLikeness : leastWindowLikeness;
     std::erase_if(candidates,
-                  [&](const Candidate& candidate) { return candidate.likeness <= least; });
+                  [&](const Candidate& candidate) { return candidate.likeness < least; });
     if (candidates.empty()) {
         known.topLevel =
             window.popup ? searchPopup(topLevels, bounds, pid, deadline) : std::nullopt;
@@ -73,6 +64,7 @@ std::optional<TopLevel> TopLevels::of(const DesktopWindow& window, const Rect& b
                          best.likeness - candidates[1].likeness > ambiguity;
     if (certain) {
         known.topLevel = best.topLevel;
+        learnScale(best);
     }
     return best.topLevel;
 }
@@ -82,6 +74,8 @@ TopLevels::Known& TopLevels::entry(std::uint32_t window) {
         generation_ = bus_.generation();
         known_.clear();
         lastHits_.clear();
+        scales_.clear();
+        windowScales_.clear();
     }
     return known_[window];
 }
@@ -121,11 +115,13 @@ std::vector<TopLevels::Candidate> TopLevels::rate(const std::vector<TopLevel>& t
     const auto replies = bus_.exchange(std::move(requests), deadline);
     std::vector<Candidate> candidates;
     for (std::size_t index = 0; index < topLevels.size(); ++index) {
-        const auto extents = extentsOf(replies[2 * index]);
+        const Extents extents = extentsOf(replies[2 * index]).value_or(Extents());
+        const auto known = scales_.find(topLevels[index].object.name);
+        const double scale = known != scales_.end() ? known->second : scaleBetween(extents, bounds);
         const std::uint64_t states = statesOf(replies[2 * index + 1]).value_or(0);
         candidates.push_back({topLevels[index], hasState(states, ATSPI_STATE_SHOWING),
                               hasState(states, ATSPI_STATE_ACTIVE),
-                              extents ? likeness(*extents, bounds) : 0});
+                              likeness(placeOf(extents, scale), bounds), scale});
     }
     return candidates;
 }
@@ -139,11 +135,30 @@ std::optional<TopLevel> TopLevels::searchPopup(const std::vector<TopLevel>& topL
     for (const TopLevel& topLevel : topLevels) {
         starts.push_back(topLevel.object);
     }
-    const auto fills = [&bounds](const Extents& extents) {
-        return likeness(extents, bounds) >= leastPopupLikeness;
+    const double scale = topLevels.empty() ? 1 : scaleOf(topLevels.front().object);
+    const auto fills = [&bounds, scale](const Extents& extents) {
+        return likeness(placeOf(extents, scale), bounds) >= leastPopupLikeness;
     };
     auto found = firstShowingBelow(bus_, std::move(starts), fills, deadline);
     return found ? std::optional(TopLevel{std::move(*found), Toolkit::other}) : std::nullopt;
+}
+
+/// Chromium reports its windows in the toolkit's units, but takes points and reports what is on its
+/// pages in pixels.
+void TopLevels::learnScale(const Candidate& candidate) {
+    if (candidate.topLevel.toolkit == Toolkit::chromium) {
+        windowScales_[candidate.topLevel.object] = candidate.scale;
+    } else {
+        scales_.emplace(candidate.topLevel.object.name, candidate.scale);
+    }
+}
+
+double TopLevels::scaleOf(const ObjectReference& object) const {
+    if (const auto scale = windowScales_.find(object); scale != windowScales_.end()) {
+        return scale->second;
+    }
+    const auto scale = scales_.find(object.name);
+    return scale == scales_.end() ? 1 : scale->second;
 }
 
 std::optional<ObjectReference> TopLevels::lastHit(pid_t pid) const {

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace lumetry::atspi {
@@ -40,6 +41,9 @@ public:
     /// popup, most likely.
     void noteHit(pid_t pid, const ObjectReference& object) { lastHits_[pid] = object; }
     [[nodiscard]] std::optional<ObjectReference> lastHit(pid_t pid) const;
+    /// How many pixels of the root window the unit has in which the place of that object is
+    /// reported, as far as its application's windows have shown that.
+    [[nodiscard]] double scaleOf(const ObjectReference& object) const;
 
 private:
     struct Candidate {
@@ -47,6 +51,7 @@ private:
         bool showing = false;
         bool active = false;
         double likeness = 0; ///< of its place to the window's, 0 to 1
+        double scale = 1;
     };
     struct Known {
         std::optional<TopLevel> topLevel;
@@ -60,12 +65,16 @@ private:
                                                       const Rect& bounds, pid_t pid,
                                                       Deadline deadline);
     Known& entry(std::uint32_t window);
+    void learnScale(const Candidate& candidate);
 
     AtspiBus& bus_;
     Processes& processes_;
     std::uint64_t generation_ = 0;
     std::map<std::uint32_t, Known> known_; ///< by window
     std::map<pid_t, ObjectReference> lastHits_;
+    std::map<std::string, double> scales_; ///< by the application's name
+    /// Of windows that are measured in other units than what they show.
+    std::map<ObjectReference, double> windowScales_;
 };
 
 } // namespace lumetry::atspi

@@ -62,7 +62,7 @@ void CaptureComposer::drawWindows(const Canvas& canvas, std::span<const CaptureL
                        connection_.reply(xcb_shape_get_rectangles_reply, *requests[i])) {
             clipToShape(canvas, layers[i], *shape);
             drawWindow(canvas, layers[i]);
-
+            clipToNothing(canvas);
         }
     }
 }

@@ -15,27 +15,19 @@ CaptureRedirection::~CaptureRedirection() {
     }
 }
 
-Token CaptureRedirection::hold(xcb_window_t overlay) {
+Token CaptureRedirection::hold() {
     if (!isAvailable_) {
         return {};
     }
-    acquire(overlay);
+    if (holders_++ == 0) {
+        xcb_composite_redirect_subwindows(connection_.get(), connection_.root(),
+                                          XCB_COMPOSITE_REDIRECT_AUTOMATIC);
+    }
     return Token([self = std::weak_ptr(self_)] {
         if (const auto alive = self.lock()) {
             (*alive)->release();
         }
     });
-}
-
-void CaptureRedirection::acquire(xcb_window_t overlay) {
-    auto* const c = connection_.get();
-    if (holders_++ == 0) {
-        xcb_composite_redirect_subwindows(c, connection_.root(), XCB_COMPOSITE_REDIRECT_AUTOMATIC);
-    }
-    if (overlay != XCB_WINDOW_NONE) {
-        // A second picture of the whole screen would be kept for nothing.
-        xcb_composite_unredirect_window(c, overlay, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
-    }
 }
 
 void CaptureRedirection::release() {

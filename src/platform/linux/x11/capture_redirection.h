@@ -27,11 +27,9 @@ public:
     CaptureRedirection& operator=(const CaptureRedirection&) = delete;
     ~CaptureRedirection();
 
-    /// @param overlay one of this connection's windows, that is never looked at itself
-    [[nodiscard]] Token hold(xcb_window_t overlay = XCB_WINDOW_NONE);
+    [[nodiscard]] Token hold();
 
 private:
-    void acquire(xcb_window_t overlay);
     void release();
 
     Connection& connection_;

@@ -92,9 +92,10 @@ void OverlaySurface::clear() {
     }
 }
 
-OverlaySurface::Batch OverlaySurface::prepare(const DisplayList& list, std::span<const Rect> areas,
-                                              Size view, const Rasterizer& rasterizer) const {
-    const TilePlan plan = planTiles(list, areas, view);
+OverlaySurface::Batch OverlaySurface::prepare(const Painting& painting,
+                                              const Rasterizer& rasterizer) const {
+    const auto& [list, areas, view, before] = painting;
+    const TilePlan plan = planTiles(list, areas, view, before);
     Batch batch;
     batch.touched = inWindow(plan.all(), view);
     if (edges_ == Edges::smooth && !plan.cleared.empty()) {
@@ -129,9 +130,8 @@ OverlaySurface::Batch OverlaySurface::prepare(const DisplayList& list, std::span
     return batch;
 }
 
-void OverlaySurface::paint(const DisplayList& list, std::span<const Rect> areas, Size view,
-                           const Rasterizer& rasterizer) {
-    Batch batch = prepare(list, areas, view, rasterizer);
+void OverlaySurface::paint(const Painting& painting, const Rasterizer& rasterizer) {
+    Batch batch = prepare(painting, rasterizer);
     if (edges_ == Edges::hard) {
         reshape(batch);
     }

@@ -11,6 +11,14 @@
 
 namespace lumetry::x11 {
 
+/// What is to be put into a window.
+struct Painting {
+    const DisplayList& list;
+    std::span<const Rect> areas; ///< view space
+    Size view;
+    const DisplayList* before = nullptr; ///< what the areas show now; null when that is not known
+};
+
 /// Puts a drawing into a window. Nothing of its pixels is kept here.
 class OverlaySurface {
 public:
@@ -23,9 +31,8 @@ public:
     /// Smooth: the whole window is there, and shines through where nothing is drawn. Hard: the
     /// window is only where something opaque is drawn. The drawing has to be put in again.
     void setEdges(Edges edges);
-    /// Puts in what the list shows in the areas (view space), and takes out what was there.
-    void paint(const DisplayList& list, std::span<const Rect> areas, Size view,
-               const Rasterizer& rasterizer);
+    /// Puts in what the drawing shows in the areas, and takes out what was there.
+    void paint(const Painting& painting, const Rasterizer& rasterizer);
     /// Takes everything out that has a shape of its own; the window is hidden.
     void clear();
     /// Whether the last painting filled a part of the window that the event says to be in want of
@@ -49,8 +56,7 @@ private:
         std::vector<Put> puts;
     };
 
-    [[nodiscard]] Batch prepare(const DisplayList& list, std::span<const Rect> areas, Size view,
-                                const Rasterizer& rasterizer) const;
+    [[nodiscard]] Batch prepare(const Painting& painting, const Rasterizer& rasterizer) const;
     void reshape(const Batch& batch);
     void fill(const Filled& filled);
     void put(const Put& put);

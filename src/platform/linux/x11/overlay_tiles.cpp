@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 #include <map>
+#include <numeric>
 #include <tuple>
 #include <utility>
 
@@ -80,37 +81,60 @@ void merge(std::vector<Rect>& rects) {
          [](Rect& a, const Rect& b) { a.height += b.height; });
 }
 
+/// What a drawing does to one tile.
+struct TileContent {
+    std::vector<std::size_t> touching; ///< numbers of commands
+    bool even = true;                  ///< one colour throughout
+};
+
+TileContent contentOf(const DisplayList& list, std::span<const std::size_t> commands,
+                      const Rect& tile) {
+    TileContent content;
+    for (const std::size_t index : commands) {
+        const Touch touch = touchOf(list[index], tile);
+        content.even = content.even && touch != Touch::partly;
+        if (touch != Touch::none) {
+            content.touching.push_back(index);
+        }
+    }
+    return content;
+}
+
+std::vector<std::size_t> allOf(const DisplayList& list) {
+    std::vector<std::size_t> commands(list.size());
+    std::iota(commands.begin(), commands.end(), std::size_t{0});
+    return commands;
+}
+
 class Planner {
 public:
-    explicit Planner(const DisplayList& list) : list_(list) {}
+    Planner(const DisplayList& list, const DisplayList* before) : list_(list), before_(before) {}
 
     void divide(const Rect& tile, std::span<const Rect> areas,
-                std::span<const std::size_t> commands) {
+                std::span<const std::size_t> commands,
+                std::span<const std::size_t> commandsBefore) {
         std::vector<Rect> areasHere;
         std::ranges::copy_if(areas, std::back_inserter(areasHere),
                              [&](const Rect& area) { return !intersect(area, tile).isNull(); });
         if (areasHere.empty()) {
             return;
         }
-        bool even = true;
-        std::vector<std::size_t> touching;
-        for (const std::size_t index : commands) {
-            const Touch touch = touchOf(list_[index], tile);
-            even = even && touch != Touch::partly;
-            if (touch != Touch::none) {
-                touching.push_back(index);
-            }
-        }
-        if (touching.empty()) {
-            plan_.cleared.push_back(tile);
-        } else if (even) {
-            uniform_[touching].push_back(tile);
-        } else if (tile.width <= tileSize && tile.height <= tileSize) {
-            plan_.rasterized.push_back(tile);
-        } else {
+        const TileContent now = contentOf(list_, commands, tile);
+        const TileContent then =
+            before_ ? contentOf(*before_, commandsBefore, tile) : TileContent{};
+        const bool small = tile.width <= tileSize && tile.height <= tileSize;
+        if (!small && (!now.even || !then.even)) {
             const auto [first, second] = halves(tile);
-            divide(first, areasHere, touching);
-            divide(second, areasHere, touching);
+            divide(first, areasHere, now.touching, then.touching);
+            divide(second, areasHere, now.touching, then.touching);
+        } else if (!now.even) {
+            plan_.rasterized.push_back(tile);
+        } else if (before_ && then.even && sameColor(now, then)) {
+            return;
+        } else if (now.touching.empty()) {
+            plan_.cleared.push_back(tile);
+        } else {
+            uniform_[now.touching].push_back(tile);
         }
     }
 
@@ -126,6 +150,16 @@ public:
     }
 
 private:
+    /// Only fills touch a tile evenly.
+    [[nodiscard]] bool sameColor(const TileContent& now, const TileContent& then) const {
+        const auto color = [](const DisplayList& list, std::size_t index) {
+            return std::get<FillRoundedRect>(list[index]).color;
+        };
+        return std::ranges::equal(now.touching, then.touching, [&](std::size_t a, std::size_t b) {
+            return color(list_, a) == color(*before_, b);
+        });
+    }
+
     static std::pair<Rect, Rect> halves(const Rect& tile) {
         const auto half = [](double length) {
             return std::max(std::round(length / 2 / tileSize) * tileSize, tileSize);
@@ -145,6 +179,7 @@ private:
     }
 
     const DisplayList& list_;
+    const DisplayList* before_;
     TilePlan plan_;
     /// By the commands that make up the colour.
     std::map<std::vector<std::size_t>, std::vector<Rect>> uniform_;
@@ -168,19 +203,17 @@ std::vector<Rect> TilePlan::all() const {
     return pieces;
 }
 
-TilePlan planTiles(const DisplayList& list, std::span<const Rect> areas, Size view) {
+TilePlan planTiles(const DisplayList& list, std::span<const Rect> areas, Size view,
+                   const DisplayList* before) {
     const Rect whole = {0, 0, view.width, view.height};
     Rect bounds = Rect::null();
     for (const Rect& area : areas) {
         bounds = unite(bounds, intersect(area, whole));
     }
-    Planner planner(list);
+    Planner planner(list, before);
     if (!bounds.isNull()) {
-        std::vector<std::size_t> commands(list.size());
-        for (std::size_t i = 0; i < commands.size(); ++i) {
-            commands[i] = i;
-        }
-        planner.divide(intersect(onTiles(bounds), whole), areas, commands);
+        planner.divide(intersect(onTiles(bounds), whole), areas, allOf(list),
+                       before ? allOf(*before) : std::vector<std::size_t>{});
     }
     return planner.take();
 }

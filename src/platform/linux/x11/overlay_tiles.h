@@ -26,7 +26,9 @@ struct TilePlan {
 
 /// Divides what lies in the areas, and a little around them.
 /// @param areas may overlap, reach out of the view, and lie anywhere
-[[nodiscard]] TilePlan planTiles(const DisplayList& list, std::span<const Rect> areas, Size view);
+/// @param before the drawing that is there now, if it is: what looks the same in both is left out
+[[nodiscard]] TilePlan planTiles(const DisplayList& list, std::span<const Rect> areas, Size view,
+                                 const DisplayList* before = nullptr);
 
 /// Whether the pieces leave nothing of the rectangle out.
 [[nodiscard]] bool covers(std::span<const Rect> pieces, const Rect& rect);

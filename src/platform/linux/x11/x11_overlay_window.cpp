@@ -147,7 +147,7 @@ void X11OverlayWindow::orderFrontRegardless() {
         stayOnTop_.emplace(connection_, window_);
         return;
     }
-    captureRedirection_ = surroundings_.captureRedirection.hold(window_);
+    captureRedirection_ = surroundings_.captureRedirection.hold();
     xcb_map_window(connection_.get(), window_);
     stayOnTop_.emplace(connection_, window_);
     repaintEverything();
@@ -195,27 +195,27 @@ void X11OverlayWindow::repaint() {
         return;
     }
     std::vector<Rect> areas = std::exchange(uncovered_, {});
+    const bool intact = areas.empty();
     const bool drawn = std::exchange(viewChanged_, false);
+    const DisplayList before = drawn ? std::exchange(shown_, drawView()) : DisplayList{};
     if (drawn) {
-        drawView(areas);
+        const auto changed = changedAreas(before, shown_);
+        areas.insert(areas.end(), changed.begin(), changed.end());
     }
-    surface_->paint(shown_, areas, frame_.size(), surroundings_.rasterizer);
+    surface_->paint({shown_, areas, frame_.size(), intact ? &before : nullptr},
+                    surroundings_.rasterizer);
     if (drawn) {
         publishTexts();
     }
     connection_.flush();
 }
 
-void X11OverlayWindow::drawView(std::vector<Rect>& areas) {
-    if (!view_) {
-        return;
-    }
+DisplayList X11OverlayWindow::drawView() {
     RecordingCanvas canvas(surroundings_.rasterizer);
-    view_->draw(canvas, frame_);
-    DisplayList drawn = canvas.take();
-    const auto changed = changedAreas(shown_, drawn);
-    areas.insert(areas.end(), changed.begin(), changed.end());
-    shown_ = std::move(drawn);
+    if (view_) {
+        view_->draw(canvas, frame_);
+    }
+    return canvas.take();
 }
 
 void X11OverlayWindow::publishTexts() {

@@ -51,7 +51,7 @@ private:
     void repaintEverything();
     void scheduleRepaint();
     void repaint();
-    void drawView(std::vector<Rect>& areas);
+    [[nodiscard]] DisplayList drawView();
     void publishTexts();
 
     OverlaySurroundings surroundings_;

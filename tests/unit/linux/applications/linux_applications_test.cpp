@@ -48,7 +48,7 @@ TEST_F(RunningApplications, AreIdentifiedByWhatIsSurest) {
         {"a script in the program's own folder",
          [&](auto& process) {
              process.executable = tree.program("opt/vendor/browser/browser-bin");
-             tree.program("opt/vendor/browser/start-browser", "#!/bin/sh\n");
+             (void)tree.program("opt/vendor/browser/start-browser", "#!/bin/sh\n");
              std::filesystem::create_symlink(tree.at("opt/vendor/browser/start-browser"),
                                              tree.at("bin/browser-stable"));
              tree.entry("vendor-browser", "Exec=browser-stable %U");
@@ -58,7 +58,7 @@ TEST_F(RunningApplications, AreIdentifiedByWhatIsSurest) {
         {"a script elsewhere of the program's name",
          [&](auto& process) {
              process.executable = tree.program("lib/chat/chat");
-             tree.program("bin/chat", "#!/bin/sh\n");
+             (void)tree.program("bin/chat", "#!/bin/sh\n");
              tree.entry("chat", "Exec=chat");
          },
          {},
@@ -66,7 +66,7 @@ TEST_F(RunningApplications, AreIdentifiedByWhatIsSurest) {
         {"not another script among the system's programs",
          [&](auto& process) {
              process.executable = tree.program("bin/plain");
-             tree.program("bin/script", "#!/bin/sh\n");
+             (void)tree.program("bin/script", "#!/bin/sh\n");
              tree.entry("script", "Exec=script");
          },
          {},
@@ -88,14 +88,14 @@ TEST_F(RunningApplications, AreIdentifiedByWhatIsSurest) {
              process.arguments = {"python3", tree.at("share/tool/main.py").string()};
              tree.entry("tool",
                         "Exec=env LANG=C python3.11 " + tree.at("share/tool/main.py").string());
-             tree.program("bin/env");
+             (void)tree.program("bin/env");
          },
          {},
          "tool"},
         {"the last command of a shell",
          [&](auto& process) {
              process.executable = tree.program("lib/game/game");
-             tree.program("bin/sh");
+             (void)tree.program("bin/sh");
              tree.entry("game", "Exec=sh -c \"cd /tmp && exec '" +
                                     tree.at("lib/game/game").string() + "' --full\"");
          },

@@ -37,9 +37,9 @@ public:
     [[nodiscard]] std::filesystem::path at(const std::string& path) const { return root_ / path; }
     void write(const std::string& path, const std::string& content) const;
     /// A file that can be run.
-    std::filesystem::path program(const std::string& path,
-                                  const std::string& content = "\x7F"
-                                                               "ELF") const;
+    [[nodiscard]] std::filesystem::path program(const std::string& path,
+                                                const std::string& content = "\x7F"
+                                                                             "ELF") const;
     /// A desktop entry in the system's folder.
     void entry(const std::string& id, const std::string& keys) const;
     void process(const FakeProcess& process) const;

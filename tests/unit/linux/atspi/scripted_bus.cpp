@@ -78,7 +78,7 @@ public:
            const std::vector<std::string>& wellKnownNames)
         : tree_(std::move(tree)),
           connection_(dbus_connection_open_private(address.c_str(), nullptr)) {
-        if (connection_ == nullptr || !dbus_bus_register(connection_, nullptr)) {
+        if (connection_ == nullptr || dbus_bus_register(connection_, nullptr) == FALSE) {
             _exit(EXIT_FAILURE);
         }
         for (const std::string& name : wellKnownNames) {
@@ -89,7 +89,7 @@ public:
     [[nodiscard]] std::string name() const { return dbus_bus_get_unique_name(connection_); }
 
     void run() {
-        while (dbus_connection_read_write(connection_, -1)) {
+        while (dbus_connection_read_write(connection_, -1) != FALSE) {
             while (DBusMessage* request = dbus_connection_pop_message(connection_)) {
                 if (dbus_message_get_type(request) == DBUS_MESSAGE_TYPE_METHOD_CALL) {
                     handle(*request);
@@ -220,7 +220,7 @@ private:
         }
         if (member == "GetAccessibleAtPoint" && object.extents &&
             dbus_message_get_args(&request, nullptr, DBUS_TYPE_INT32, &first, DBUS_TYPE_INT32,
-                                  &second, DBUS_TYPE_INVALID)) {
+                                  &second, DBUS_TYPE_INVALID) != FALSE) {
             const std::string path = childAt(object, first, second);
             return reference(path.empty() ? Reference{"", nullPath} : own({"", path}));
         }
@@ -230,7 +230,7 @@ private:
         }
         if (member == "GetText" && object.textContent &&
             dbus_message_get_args(&request, nullptr, DBUS_TYPE_INT32, &first, DBUS_TYPE_INT32,
-                                  &second, DBUS_TYPE_INVALID)) {
+                                  &second, DBUS_TYPE_INVALID) != FALSE) {
             const auto from = static_cast<std::size_t>(first);
             if (object.strictAboutText &&
                 second > static_cast<dbus_int32_t>(object.textContent->size())) {
@@ -318,7 +318,7 @@ void ScriptedBus::restart() {
 }
 
 ScriptedApplication::ScriptedApplication(const ScriptedBus& bus, ScriptedTree tree,
-                                         std::vector<std::string> wellKnownNames) {
+                                         const std::vector<std::string>& wellKnownNames) {
     desktop::Pipe pipe = desktop::makePipe();
     pid_ = fork();
     if (pid_ < 0) {

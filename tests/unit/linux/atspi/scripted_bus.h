@@ -84,7 +84,7 @@ class ScriptedApplication {
 public:
     /// @param wellKnownNames taken besides the connection's own
     ScriptedApplication(const ScriptedBus& bus, ScriptedTree tree,
-                        std::vector<std::string> wellKnownNames = {});
+                        const std::vector<std::string>& wellKnownNames = {});
     ~ScriptedApplication();
     ScriptedApplication(const ScriptedApplication&) = delete;
     ScriptedApplication& operator=(const ScriptedApplication&) = delete;

@@ -155,7 +155,7 @@ TEST_F(OverlayTiles, MakeTheSamePictureAsDrawingItWhole) {
         for (int i = 0; i < 60; ++i) {
             const DisplayList after = drawings.next();
             Picture picture(rasterizer_, before, edges);
-            const TilePlan plan = planTiles(after, changedAreas(before, after), view);
+            const TilePlan plan = planTiles(after, changedAreas(before, after), view, &before);
             const auto pieces = plan.all();
             EXPECT_LE(areaOf(pieces), view.width * view.height) << "pieces overlap";
             picture.put(plan, after);
@@ -183,6 +183,22 @@ TEST_F(OverlayTiles, FollowTheEdgesOfALargeElement) {
     EXPECT_TRUE(covers(plan.uniform.front().areas, inset(element, 32, 32)));
     // Neighbours are joined.
     EXPECT_LT(plan.all().size(), 30U);
+}
+
+TEST_F(OverlayTiles, LeaveOutWhatStaysTheSame) {
+    const auto drawing = [](const Rect& element, double alpha) {
+        return DisplayList{FillRoundedRect{element, 4, accentPink.withAlpha(alpha)},
+                           StrokeRoundedRect{element, 4, accentPink, 1.5}};
+    };
+    const DisplayList before = drawing({100, 100, 3000, 2000}, 0.07);
+    const Size large = {5120, 2880};
+    const auto areaFor = [&](const DisplayList& after) {
+        return areaOf(planTiles(after, changedAreas(before, after), large, &before).all());
+    };
+    // A little smaller: the inside is the same; what has become free has to be cleared.
+    EXPECT_LT(areaFor(drawing({150, 150, 2900, 1900}, 0.07)), 2 * (3000 + 2000) * (50 + 3 * 16));
+    // Another colour: all of it is different.
+    EXPECT_GT(areaFor(drawing({100, 100, 3000, 2000}, 0.08)), 2900 * 1900);
 }
 
 TEST_F(OverlayTiles, StayInTheView) {

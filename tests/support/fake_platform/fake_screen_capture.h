@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/picture_capture.h"
+
+#include <optional>
+#include <utility>
+
+namespace lumetry {
+
+/// A screen that shows a picture, which begins at the origin of accessibility space; one that
+/// cannot be read until there is a picture.
+class FakeScreenCapture final : public ScreenCapture {
+public:
+    void paint(Bitmap picture) { picture_.emplace(std::move(picture)); }
+    void refuse() { picture_.reset(); }
+
+    [[nodiscard]] std::optional<Bitmap> captureBelow(const Rect& area,
+                                                     std::uint32_t windowNumber) override {
+        note(windowNumber);
+        return picture_ ? picture_->captureBelow(area, windowNumber) : std::nullopt;
+    }
+    [[nodiscard]] std::optional<Bitmap> captureBelow(const Rect& area, std::uint32_t windowNumber,
+                                                     PixelSize size,
+                                                     Interpolation interpolation) override {
+        note(windowNumber);
+        return picture_ ? picture_->captureBelow(area, windowNumber, size, interpolation)
+                        : std::nullopt;
+    }
+
+    int captures = 0;
+    std::uint32_t lastWindowNumber = 0; ///< below which the last capture was
+
+private:
+    void note(std::uint32_t windowNumber) {
+        ++captures;
+        lastWindowNumber = windowNumber;
+    }
+
+    std::optional<PictureCapture> picture_;
+};
+
+} // namespace lumetry
