@@ -139,8 +139,7 @@ std::optional<CollectionGap> collectionGap(Accessibility& accessibility,
     }
     auto frames = framesOf(accessibility,
                            std::span(*children).first(std::min(children->size(), mostMeasured)));
-    std::erase_if(frames,
-                  [](const Rect& frame) { return !(frame.width > 1 && frame.height > 1); });
+    std::erase_if(frames, [](const Rect& frame) { return !(frame.width > 1 && frame.height > 1); });
     if (frames.size() < 2 || !areFinite(frames)) {
         return std::nullopt;
     }

@@ -4,6 +4,7 @@
 
 using namespace lumetry;
 
+// NOLINTNEXTLINE(readability-identifier-naming): the name that the fuzzer calls
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const Bitmap square = FuzzInput(data, size).picture();
     const auto box = pixelBoxIn(square, {1000, 500});

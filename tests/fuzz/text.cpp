@@ -6,6 +6,7 @@
 
 using namespace lumetry;
 
+// NOLINTNEXTLINE(readability-identifier-naming): the name that the fuzzer calls
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     FuzzInput input(data, size);
     const std::size_t count = input.byte();

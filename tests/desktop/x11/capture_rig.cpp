@@ -3,6 +3,8 @@
 #include <xcb/composite.h>
 #include <xcb/shape.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -29,6 +31,16 @@ void CaptureRig::waitForRedirection() const {
     map(window);
     requireUntil("the redirection of windows", [&] { return isRedirected(window); });
     destroy(window);
+}
+
+bool CaptureRig::isRedirected(xcb_window_t window) const {
+    const auto pixmap = xcb_generate_id(xcb());
+    const Reply<xcb_generic_error_t> error(
+        xcb_request_check(xcb(), xcb_composite_name_window_pixmap_checked(xcb(), window, pixmap)));
+    if (!error) {
+        xcb_free_pixmap(xcb(), pixmap);
+    }
+    return !error;
 }
 
 Bitmap CaptureRig::captured(const Rect& area, std::uint32_t windowNumber) {
@@ -59,6 +71,7 @@ void CaptureRig::fill(xcb_drawable_t drawable, const Rect& rect, std::uint32_t c
 
 void CaptureRig::shape(xcb_window_t window, const std::vector<Rect>& rects) const {
     std::vector<xcb_rectangle_t> rectangles;
+    rectangles.reserve(rects.size());
     for (const Rect& rect : rects) {
         rectangles.push_back(rectangleOf(rect));
     }
@@ -76,16 +89,6 @@ xcb_pixmap_t CaptureRig::pixmap(const Size& size, std::uint32_t color) const {
     return made;
 }
 
-bool CaptureRig::isRedirected(xcb_window_t window) const {
-    const auto pixmap = xcb_generate_id(xcb());
-    const Reply<xcb_generic_error_t> error(
-        xcb_request_check(xcb(), xcb_composite_name_window_pixmap_checked(xcb(), window, pixmap)));
-    if (!error) {
-        xcb_free_pixmap(xcb(), pixmap);
-    }
-    return !error;
-}
-
 void CaptureRig::startCompositor() {
     compositor_ = desktop.start({"picom", "--backend", "xrender", "--config", "/dev/null"});
     loop.requireUntil("the compositing manager",
@@ -101,14 +104,12 @@ void CaptureRig::stopCompositor() {
 }
 
 bool isNear(std::uint32_t a, std::uint32_t b, int tolerance) {
-    for (const unsigned shift : {0U, 8U, 16U, 24U}) {
+    constexpr std::array shifts = {0U, 8U, 16U, 24U};
+    return std::ranges::all_of(shifts, [=](unsigned shift) {
         const int difference =
             static_cast<int>((a >> shift) & 0xFF) - static_cast<int>((b >> shift) & 0xFF);
-        if (std::abs(difference) > tolerance) {
-            return false;
-        }
-    }
-    return true;
+        return std::abs(difference) <= tolerance;
+    });
 }
 
 } // namespace lumetry::desktop

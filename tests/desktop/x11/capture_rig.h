@@ -32,14 +32,13 @@ public:
     void shape(xcb_window_t window, const std::vector<Rect>& rects) const;
     /// A pixmap of the root's depth, filled with a colour.
     [[nodiscard]] xcb_pixmap_t pixmap(const Size& size, std::uint32_t color) const;
-    /// Whether the server keeps the window's pixels apart from what covers it.
-    [[nodiscard]] bool isRedirected(xcb_window_t window) const;
     /// Returns once the compositing manager is in charge, and this program knows.
     void startCompositor();
     void stopCompositor();
 
 private:
     void waitForRedirection() const;
+    [[nodiscard]] bool isRedirected(xcb_window_t window) const;
 
     std::optional<ChildProcess> compositor_;
 };

@@ -181,7 +181,7 @@ TEST(X11Pointer, TellsPlaceAndModifiers) {
     auto& pointer = rig.x11().pointer();
     input.movePointer(123, 45);
     EXPECT_EQ(pointer.location(), (Point{123, 555}));
-    const std::pair<xcb_keysym_t, ModifierFlags> modifiers[] = {
+    const std::vector<std::pair<xcb_keysym_t, ModifierFlags>> modifiers = {
         {XK_Shift_L, modifierShift}, {XK_Control_R, modifierControl}, {XK_Alt_L, modifierOption},
         {XK_Alt_R, modifierOption},  {XK_Super_L, modifierCommand},   {XK_Caps_Lock, 0},
     };

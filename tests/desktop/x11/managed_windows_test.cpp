@@ -63,6 +63,7 @@ struct ManagerCase {
     const char* settingsText;
 };
 
+// NOLINTNEXTLINE(readability-identifier-naming): GoogleTest's name
 void PrintTo(const ManagerCase& manager, std::ostream* out) {
     *out << manager.name;
 }
@@ -217,7 +218,7 @@ struct TaskBarCase {
 };
 
 TEST(X11DesktopWindows, TellWhatAProcessIs) {
-    const TaskBarCase cases[] = {
+    const std::vector<TaskBarCase> cases = {
         {"a plain window", {}, {}, false, true, true},
         {"a dialog", {"_NET_WM_WINDOW_TYPE_DIALOG"}, {}, false, true, true},
         {"a panel", {"_NET_WM_WINDOW_TYPE_DOCK"}, {}, false, true, false},

@@ -28,7 +28,7 @@ public:
 };
 
 TEST(X11Desktop, SaysWhatToDoWithoutADisplay) {
-    const MissingCase cases[] = {
+    const std::vector<MissingCase> cases = {
         {"nothing", nullptr, nullptr, "set DISPLAY"},
         {"Wayland", nullptr, "wayland-0", "X11 session"},
         {"no such server", ":9999", nullptr, ":9999"},

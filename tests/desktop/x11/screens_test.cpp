@@ -8,6 +8,7 @@
 
 namespace lumetry::desktop {
 
+// NOLINTNEXTLINE(readability-identifier-naming): GoogleTest's name
 void PrintTo(const Rect& rect, std::ostream* out) {
     *out << rect.x << ',' << rect.y << ' ' << rect.width << 'x' << rect.height;
 }

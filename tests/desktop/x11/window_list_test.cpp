@@ -11,6 +11,7 @@ using testing::ElementsAre;
 
 std::vector<Rect> boundsOf(const std::vector<WindowInfo>& list) {
     std::vector<Rect> bounds;
+    bounds.reserve(list.size());
     for (const WindowInfo& window : list) {
         bounds.push_back(window.bounds.value_or(Rect::null()));
     }
@@ -138,7 +139,7 @@ TEST(X11WindowList, TellsOpacityAndLeavesShadowsOut) {
 TEST(X11WindowList, KeepsToTheCurrentDesktop) {
     X11Rig rig;
     rig.setNumbers(rig.desktop.server().root(), "_NET_CURRENT_DESKTOP", XCB_ATOM_CARDINAL, {1});
-    const std::uint32_t desktops[] = {0, 1, 0xFFFFFFFF};
+    constexpr std::array<std::uint32_t, 3> desktops = {0, 1, 0xFFFFFFFF};
     double x = 0;
     for (const std::uint32_t desktop : desktops) {
         const auto window = rig.foreignWindow({x, 0, 10, 10});

@@ -103,13 +103,13 @@ void X11Rig::raise(xcb_window_t window) const {
 }
 
 void X11Rig::move(xcb_window_t window, const Rect& rect) const {
-    const std::uint32_t values[] = {
+    const std::array<std::uint32_t, 4> values = {
         static_cast<std::uint32_t>(rect.x), static_cast<std::uint32_t>(rect.y),
         static_cast<std::uint32_t>(rect.width), static_cast<std::uint32_t>(rect.height)};
     xcb_configure_window(xcb(), window,
                          XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
                              XCB_CONFIG_WINDOW_HEIGHT,
-                         values);
+                         values.data());
     desktop.server().sync();
 }
 
@@ -123,6 +123,7 @@ void X11Rig::setNumbers(xcb_window_t window, std::string_view property, xcb_atom
 void X11Rig::setAtoms(xcb_window_t window, std::string_view property,
                       const std::vector<std::string_view>& names) const {
     std::vector<std::uint32_t> atoms;
+    atoms.reserve(names.size());
     for (const auto name : names) {
         atoms.push_back(desktop.server().atom(name));
     }

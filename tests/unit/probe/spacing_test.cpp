@@ -106,10 +106,10 @@ std::vector<Rect> turned(std::vector<Rect> frames) {
 
 std::vector<Rect> grid(int columns, int rows) {
     std::vector<Rect> frames;
-    frames.reserve(static_cast<std::size_t>(columns * rows));
-    for (int i = 0; i < columns * rows; ++i) {
-        const int row = i / columns;
-        frames.push_back({110.0 * (i % columns), 110.0 * row, 100, 100});
+    for (int row = 0; row < rows; ++row) {
+        for (int column = 0; column < columns; ++column) {
+            frames.push_back({110.0 * column, 110.0 * row, 100, 100});
+        }
     }
     return frames;
 }

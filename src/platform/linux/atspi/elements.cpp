@@ -4,8 +4,11 @@
 #include "platform/linux/atspi/placement.h"
 #include "platform/linux/atspi/requests.h"
 #include "platform/linux/atspi/roles.h"
+#include "platform/linux/atspi/text_attributes.h"
 #include "platform/linux/atspi/waking.h"
 
+#include <cstdint>
+#include <limits>
 #include <memory>
 #include <string>
 #include <utility>
@@ -103,6 +106,34 @@ std::optional<AXValue> ObjectElement::copyAttributeValue(std::string_view attrib
         return parent(replies.front());
     }
     return place(attribute, replies.front());
+}
+
+std::optional<AXValue>
+ObjectElement::copyParameterizedAttributeValue(std::string_view attribute,
+                                               const AXValue& parameter) const {
+    const auto range = parameter.as<AXRange>();
+    if (attribute != "AXAttributedStringForRange" || !range || range->location < 0 ||
+        range->length < 1 || range->length > textBeginningCharacters ||
+        range->location > std::numeric_limits<std::int32_t>::max() - range->length) {
+        return std::nullopt;
+    }
+    const auto start = static_cast<std::int32_t>(range->location);
+    std::vector<Message> requests;
+    requests.push_back(getText(object_, start, start + static_cast<std::int32_t>(range->length)));
+    requests.push_back(getAttributeRun(object_, start));
+    const auto replies = context().bus.exchange(std::move(requests), deadline());
+    auto characters = textOf(replies[0]);
+    if (!characters) {
+        return std::nullopt;
+    }
+    auto text = std::make_shared<AXAttributedString>();
+    text->text = std::move(*characters);
+    if (const auto attributes = attributesOf(replies[1])) {
+        // The attributes of its first character are those of the whole string here.
+        text->runs.push_back(
+            {{0, range->length}, std::make_shared<AXDictionary>(runAttributes(*attributes))});
+    }
+    return AXValue(std::shared_ptr<const AXAttributedString>(std::move(text)));
 }
 
 std::vector<Reply> ObjectElement::ask(const std::vector<Question>& questions) const {

@@ -54,6 +54,9 @@ public:
 
     [[nodiscard]] std::optional<AXValue>
     copyAttributeValue(std::string_view attribute) const override;
+    [[nodiscard]] std::optional<AXValue>
+    copyParameterizedAttributeValue(std::string_view attribute,
+                                    const AXValue& parameter) const override;
     [[nodiscard]] std::optional<pid_t> getPid() const override;
     [[nodiscard]] bool isSameElement(const AXUIElementBackend& other) const override;
 

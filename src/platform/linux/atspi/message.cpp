@@ -172,6 +172,24 @@ std::optional<Extents> extentsOf(const Reply& reply) {
     return Extents{numbers[0], numbers[1], numbers[2], numbers[3]};
 }
 
+std::optional<TextAttributes> attributesOf(const Reply& reply) {
+    Values values(reply);
+    if (values.type() != DBUS_TYPE_ARRAY) {
+        return std::nullopt;
+    }
+    TextAttributes attributes;
+    for (Values entry = values.inside(); entry.type() == DBUS_TYPE_DICT_ENTRY; entry.next()) {
+        Values field = entry.inside();
+        auto name = field.text();
+        field.next();
+        auto value = field.text();
+        if (name && value) {
+            attributes.insert_or_assign(std::move(*name), std::move(*value));
+        }
+    }
+    return attributes;
+}
+
 std::optional<std::uint64_t> statesOf(const Reply& reply) {
     constexpr unsigned bitsPerWord = 32;
     Values values(reply);

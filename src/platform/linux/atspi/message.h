@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/linux/atspi/object_reference.h"
+#include "platform/linux/atspi/text_attributes.h"
 
 #include <dbus/dbus.h>
 
@@ -52,6 +53,8 @@ struct Extents {
 /// References to nothing are left out.
 [[nodiscard]] std::optional<std::vector<ObjectReference>> referencesOf(const Reply& reply);
 [[nodiscard]] std::optional<Extents> extentsOf(const Reply& reply);
+/// Names to values, of which the last one of a name counts.
+[[nodiscard]] std::optional<TextAttributes> attributesOf(const Reply& reply);
 /// The bits of an object's states.
 [[nodiscard]] std::optional<std::uint64_t> statesOf(const Reply& reply);
 /// @}

@@ -23,6 +23,11 @@ void append(DBusMessage& message, const char* string) {
     dbus_message_append_args(&message, DBUS_TYPE_STRING, &string, DBUS_TYPE_INVALID);
 }
 
+void append(DBusMessage& message, bool truth) {
+    const dbus_bool_t boolean = truth ? TRUE : FALSE;
+    dbus_message_append_args(&message, DBUS_TYPE_BOOLEAN, &boolean, DBUS_TYPE_INVALID);
+}
+
 template<typename... Arguments>
 Message methodCallWith(const ObjectReference& object, const char* interface, const char* method,
                        Arguments... arguments) {
@@ -101,6 +106,11 @@ Message getAccessibleAtPoint(const ObjectReference& object, std::int32_t x, std:
 
 Message getText(const ObjectReference& object, std::int32_t start, std::int32_t end) {
     return methodCallWith(object, text, "GetText", start, end);
+}
+
+Message getAttributeRun(const ObjectReference& object, std::int32_t offset) {
+    constexpr bool includeDefaults = true;
+    return methodCallWith(object, text, "GetAttributeRun", offset, includeDefaults);
 }
 
 Message getCharacterCount(const ObjectReference& object) {

@@ -22,6 +22,13 @@ bool atLeast(std::uint32_t major, std::uint32_t minor, std::uint32_t wantedMajor
     return major > wantedMajor || (major == wantedMajor && minor >= wantedMinor);
 }
 
+/// Null when the server does not have it.
+const xcb_query_extension_reply_t* presentExtension(xcb_connection_t* connection,
+                                                    xcb_extension_t& extension) {
+    const auto* const data = xcb_get_extension_data(connection, &extension);
+    return data && data->present != 0 ? data : nullptr;
+}
+
 const xcb_screen_t* screenOf(const xcb_setup_t* setup, int number) {
     auto iterator = xcb_setup_roots_iterator(setup);
     for (; iterator.rem > 0; xcb_screen_next(&iterator), --number) {
@@ -79,41 +86,54 @@ bool Connection::connect(const std::string& display, std::string& problem) {
 
 std::string Connection::queryExtensions() {
     auto* const c = get();
-    xcb_extension_t* const wanted[] = {&xcb_input_id,  &xcb_shape_id, &xcb_xfixes_id,
-                                       &xcb_randr_id,  &xcb_res_id,   &xcb_composite_id,
-                                       &xcb_render_id, &xcb_shm_id};
-    for (auto* const extension : wanted) {
+    for (auto* const extension :
+         {&xcb_input_id, &xcb_shape_id, &xcb_xfixes_id, &xcb_randr_id, &xcb_res_id,
+          &xcb_composite_id, &xcb_render_id, &xcb_shm_id}) {
         xcb_prefetch_extension_data(c, extension);
     }
     xcb_prefetch_maximum_request_length(c);
-    const auto present = [c](xcb_extension_t& extension) -> const xcb_query_extension_reply_t* {
-        const auto* const data = xcb_get_extension_data(c, &extension);
-        return data && data->present ? data : nullptr;
-    };
     ++roundTrips_;
-    const auto* const input = present(xcb_input_id);
-    const auto* const shape = present(xcb_shape_id);
-    const auto* const fixes = present(xcb_xfixes_id);
-    const auto* const randr = present(xcb_randr_id);
     maximumRequestSize_ = std::size_t{xcb_get_maximum_request_length(c)} * 4;
+    std::string missing = queryNeededExtensions();
+    if (missing.empty()) {
+        queryWelcomeExtensions();
+        queryCaptureExtensions();
+    }
+    return missing;
+}
+
+std::string Connection::queryNeededExtensions() {
+    auto* const c = get();
+    const auto* const input = presentExtension(c, xcb_input_id);
+    const auto* const shape = presentExtension(c, xcb_shape_id);
+    const auto* const fixes = presentExtension(c, xcb_xfixes_id);
     if (!input || !shape || !fixes) {
         return !input ? "XInput 2" : !shape ? "SHAPE" : "XFIXES";
     }
     extensions_.inputOpcode = input->major_opcode;
     extensions_.shapeEvent = shape->first_event;
     extensions_.fixesEvent = fixes->first_event;
-    extensions_.monitorsEvent = randr ? randr->first_event : 0;
-
     const auto inputCookie = xcb_input_xi_query_version(c, 2, 2);
     const auto fixesCookie = xcb_xfixes_query_version(c, 5, 0);
-    const auto randrCookie =
-        randr ? xcb_randr_query_version(c, 1, 5) : xcb_randr_query_version_cookie_t{};
-    const bool hasResource = present(xcb_res_id);
-    const auto resourceCookie =
-        hasResource ? xcb_res_query_version(c, 1, 2) : xcb_res_query_version_cookie_t{};
     const auto inputVersion = reply(xcb_input_xi_query_version_reply, inputCookie);
     const auto fixesVersion = reply(xcb_xfixes_query_version_reply, fixesCookie);
+    // Raw events come during another client's grab from 2.1 on, regions from 2.0 on.
+    if (!inputVersion || !atLeast(inputVersion->major_version, inputVersion->minor_version, 2, 1)) {
+        return "XInput 2.1";
+    }
+    return fixesVersion && fixesVersion->major_version >= 2 ? std::string() : "XFIXES 2";
+}
+
+void Connection::queryWelcomeExtensions() {
+    auto* const c = get();
+    const auto* const randr = presentExtension(c, xcb_randr_id);
+    const bool hasResource = presentExtension(c, xcb_res_id) != nullptr;
+    const auto randrCookie =
+        randr ? xcb_randr_query_version(c, 1, 5) : xcb_randr_query_version_cookie_t{};
+    const auto resourceCookie =
+        hasResource ? xcb_res_query_version(c, 1, 2) : xcb_res_query_version_cookie_t{};
     if (randr) {
+        extensions_.monitorsEvent = randr->first_event;
         const auto version = reply(xcb_randr_query_version_reply, randrCookie);
         extensions_.monitors =
             version && atLeast(version->major_version, version->minor_version, 1, 5);
@@ -123,26 +143,14 @@ std::string Connection::queryExtensions() {
         extensions_.resource =
             version && atLeast(version->server_major, version->server_minor, 1, 2);
     }
-    queryCaptureExtensions();
-    // Raw events come during another client's grab from 2.1 on, regions from 2.0 on.
-    if (!inputVersion || !atLeast(inputVersion->major_version, inputVersion->minor_version, 2, 1)) {
-        return "XInput 2.1";
-    }
-    if (!fixesVersion || fixesVersion->major_version < 2) {
-        return "XFIXES 2";
-    }
-    return {};
 }
 
 void Connection::queryCaptureExtensions() {
     auto* const c = get();
-    const auto isPresent = [c](xcb_extension_t& extension) {
-        const auto* const data = xcb_get_extension_data(c, &extension);
-        return data && data->present != 0;
-    };
-    const bool hasComposite = isPresent(xcb_composite_id);
-    const bool hasRender = isPresent(xcb_render_id);
-    const bool hasSharedMemory = isPresent(xcb_shm_id) && isLocal(xcb_get_file_descriptor(c));
+    const bool hasComposite = presentExtension(c, xcb_composite_id) != nullptr;
+    const bool hasRender = presentExtension(c, xcb_render_id) != nullptr;
+    const bool hasSharedMemory =
+        presentExtension(c, xcb_shm_id) != nullptr && isLocal(xcb_get_file_descriptor(c));
     const auto composite = hasComposite ? xcb_composite_query_version(c, 0, 4)
                                         : xcb_composite_query_version_cookie_t{};
     const auto render =

@@ -103,7 +103,10 @@ private:
 
     explicit Connection(RunLoop& runLoop) : runLoop_(runLoop) {}
     [[nodiscard]] bool connect(const std::string& display, std::string& problem);
+    /// @return what the program cannot do without and the server does not have; else empty
     [[nodiscard]] std::string queryExtensions();
+    [[nodiscard]] std::string queryNeededExtensions();
+    void queryWelcomeExtensions();
     void queryCaptureExtensions();
     void internAtoms();
     [[nodiscard]] void* waitForReply(unsigned sequence);

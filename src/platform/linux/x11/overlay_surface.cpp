@@ -113,8 +113,11 @@ OverlaySurface::Batch OverlaySurface::prepare(const Painting& painting,
     }
     for (const Rect& rect : plan.rasterized) {
         const double rows = std::max(std::floor(pixelsPerBand / rect.width), 1.0);
-        for (double y = rect.minY(); y < rect.maxY(); y += rows) {
-            const Rect band = {rect.x, y, rect.width, std::min(rows, rect.maxY() - y)};
+        Rect left = rect;
+        while (!left.isEmpty()) {
+            const Rect band = {left.x, left.y, left.width, std::min(rows, left.height)};
+            left.y += band.height;
+            left.height -= band.height;
             Put one = {flipped(band, view.height).origin(),
                        rasterizer.rasterize(list, band, edges_)};
             if (edges_ == Edges::hard) {

@@ -36,7 +36,7 @@ private:
     void handle(const xcb_generic_event_t& event);
     void handleStructure(const xcb_generic_event_t& event);
     void configured(const xcb_configure_notify_event_t& event);
-    void mapped(xcb_window_t window, bool viewable);
+    void mapped(xcb_window_t id, bool viewable);
     void reparented(const xcb_reparent_notify_event_t& event);
     void destroyed(const xcb_destroy_notify_event_t& event);
     void propertyChanged(const xcb_property_notify_event_t& event);
@@ -51,7 +51,7 @@ private:
     void readDetails();
     [[nodiscard]] WindowRecord* recordOf(xcb_window_t topLevel);
     [[nodiscard]] WindowRecord* recordOfClient(xcb_window_t client);
-    void loseClient(WindowRecord& window);
+    static void loseClient(WindowRecord& window);
     template<class Condition>
     [[nodiscard]] std::vector<WindowRecord*> select(Condition condition);
 

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <ranges>
 #include <iterator>
 
 namespace lumetry::x11 {
@@ -23,9 +24,8 @@ bool X11Windows::isOwn(const WindowRecord& window) const {
 
 void X11Windows::visitOnScreen(const std::function<bool(const WindowRecord&)>& visitor) {
     table_.refresh();
-    const auto& stacking = table_.stacking();
-    for (auto id = stacking.rbegin(); id != stacking.rend(); ++id) {
-        const WindowRecord* const window = table_.find(*id);
+    for (const xcb_window_t id : std::views::reverse(table_.stacking())) {
+        const WindowRecord* const window = table_.find(id);
         if (window && isOnScreen(*window) && visitor(*window)) {
             return;
         }
@@ -135,7 +135,7 @@ std::vector<const WindowRecord*> X11Windows::visibleBelow(xcb_window_t above) {
     table_.refresh();
     const auto& stacking = table_.stacking();
     const WindowRecord* const limiting = table_.find(above);
-    const bool isStacked = limiting && limiting->viewable;
+    const bool isStacked = limiting != nullptr && limiting->viewable;
     const auto limit = isStacked ? std::ranges::find(stacking, above) : stacking.end();
     std::vector<const WindowRecord*> visible;
     for (auto id = std::make_reverse_iterator(limit); id != stacking.rend(); ++id) {
@@ -158,7 +158,7 @@ bool X11Windows::hasOwnOnScreen() {
 bool X11Windows::isOwn(xcb_window_t topLevel) {
     table_.refresh();
     const WindowRecord* const window = table_.find(topLevel);
-    return window && isOwn(*window);
+    return window != nullptr && isOwn(*window);
 }
 
 } // namespace lumetry::x11

@@ -1,0 +1,79 @@
+#include "platform/linux/atspi/text_attributes.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace lumetry::atspi {
+namespace {
+
+/// "family/name/size; r g b" of what the attributes become; "-" for what is left out.
+std::string described(const TextAttributes& attributes) {
+    const AXDictionary run = runAttributes(attributes);
+    std::string text;
+    const auto font = run.find("AXFont");
+    if (font != run.end()) {
+        const auto dictionary = *font->second.as<std::shared_ptr<const AXDictionary>>();
+        for (const char* name : {"AXFontFamily", "AXFontName"}) {
+            const auto entry = dictionary->find(name);
+            text += entry == dictionary->end() ? "-" : *entry->second.as<std::string>();
+            text += '/';
+        }
+        const auto size = dictionary->find("AXFontSize");
+        text += size == dictionary->end()
+                    ? "-"
+                    : std::to_string(static_cast<int>(size->second.as<AXNumber>()->value * 100));
+    }
+    const auto color = run.find("AXForegroundColor");
+    if (color != run.end()) {
+        const Color value = *color->second.as<Color>();
+        for (const double component : {value.red, value.green, value.blue}) {
+            text += ' ' + std::to_string(static_cast<int>(component * 255 + 0.5));
+        }
+    }
+    return text;
+}
+
+TEST(TextAttributes, BecomeAFontAndAColour) {
+    const struct {
+        TextAttributes attributes;
+        std::string expected; ///< the size in hundredths of a pixel
+    } cases[] = {
+        // Chromium: sizes in tenths of a point, the weight only when it is bold.
+        {{{"family-name", "Inter"},
+          {"size", "10.5pt"},
+          {"weight", "700"},
+          {"fg-color", "30,144,255"}},
+         "Inter/Inter-Bold/1400 30 144 255"},
+        {{{"family-name", "Inter"}, {"size", "11.2pt"}}, "Inter/-/1500"},
+        {{{"family-name", "Inter"}, {"size", "9.8pt"}}, "Inter/-/1300"},
+        // GTK: points without a unit, colours of 16 bits.
+        {{{"family-name", "Sans"},
+          {"size", "10"},
+          {"weight", "400"},
+          {"fg-color", "65535,0,32896"}},
+         "Sans/Sans-Regular/1333 255 0 128"},
+        // As in style sheets.
+        {{{"font-family", "\"DejaVu Sans\", serif"},
+          {"font-size", "13px"},
+          {"font-weight", "bold"},
+          {"color", "rgb(1, 2, 3)"}},
+         "DejaVu Sans/DejaVuSans-Bold/1300 1 2 3"},
+        {{{"family-name", "Arial Black"}, {"weight", "400"}}, "Arial Black/Regular/-"},
+        {{{"family-name", "Inter"}, {"weight", "580"}}, "Inter/Inter-SemiBold/-"},
+        {{{"weight", "600"}}, "-/SemiBold/-"},
+        // What makes no sense is left out.
+        {{{"family-name", " "}, {"size", "huge"}, {"weight", "-1"}, {"fg-color", "red"}}, ""},
+        {{{"size", "-10pt"}, {"fg-color", "1,2"}}, ""},
+        {{{"size", "1e999"}, {"fg-color", "70000,0,0"}, {"weight", "nan"}}, ""},
+        {{}, ""},
+    };
+    for (const auto& [attributes, expected] : cases) {
+        EXPECT_EQ(described(attributes), expected);
+    }
+}
+
+} // namespace
+} // namespace lumetry::atspi

@@ -1,0 +1,121 @@
+#include "image_measurement.h"
+#include "measurement.h"
+#include "report.h"
+
+#include "platform/accessibility.h"
+#include "platform/input.h"
+#include "probe/ax_access.h"
+#include "probe/electron.h"
+
+#include <CLI/CLI.hpp>
+
+#include <unistd.h>
+
+#include <iostream>
+#include <vector>
+
+namespace {
+
+using namespace lumetry;
+
+constexpr int measured = 0;
+constexpr int nothingThere = 1;
+constexpr int cannotMeasure = 2;
+
+int refuse(const std::string& problem) {
+    std::cerr << "lumetry-measure: " << problem << '\n';
+    return cannotMeasure;
+}
+
+struct Request {
+    bool json = false;
+    std::vector<double> point; ///< x and y, or empty for the pointer's place
+    std::vector<double> to;    ///< x and y of the second point, or empty
+    std::string image;         ///< a PNG instead of the screen, or empty
+};
+
+bool found(const Measurement& measurement) {
+    return measurement.outcome.box || !measurement.outcome.rows.empty();
+}
+
+int measureScreen(const Request& request, int& argc, char** argv) {
+    constexpr float messagingTimeoutSeconds = 0.2F;
+    ProbeState state;
+    state.lumetryPID = getpid();
+    std::string problem;
+    const auto desktop = NativeDesktop::open(argc, argv, problem);
+    if (!desktop) {
+        return refuse(problem);
+    }
+    const Platform& platform = desktop->platform();
+    if (!platform.accessibility.isProcessTrusted()) {
+        return refuse(desktop->trustProblem());
+    }
+    platform.accessibility.createSystemWide().setMessagingTimeout(messagingTimeoutSeconds);
+    const Point at = request.point.empty() ? flipped(platform.pointer.location(),
+                                                     primaryDisplayHeight(platform.windowServer))
+                                           : Point{request.point[0], request.point[1]};
+    const Measurement first = measurePoint(*desktop, state, at);
+    int status = nothingThere;
+    if (request.to.empty()) {
+        std::cout << (request.json ? jsonReport(first) : textReport(first));
+        status = found(first) ? measured : nothingThere;
+    } else {
+        const Measurement second = measurePoint(*desktop, state, {request.to[0], request.to[1]});
+        std::cout << (request.json ? jsonReport(first, second) : textReport(first, second));
+        status = first.outcome.box && second.outcome.box ? measured : nothingThere;
+    }
+    releaseElectronEnhancements(platform, state);
+    return status;
+}
+
+int measureImage(const Request& request) {
+    std::string problem;
+    const auto measurement =
+        measureImageFile(request.image, {request.point[0], request.point[1]}, problem);
+    if (!measurement) {
+        return refuse(problem);
+    }
+    std::cout << (request.json ? jsonReport(*measurement) : textReport(*measurement));
+    return found(*measurement) ? measured : nothingThere;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    Request request;
+    CLI::App options("Measures the element at a point of the screen, as inspect mode shows it.",
+                     "lumetry-measure");
+    options.set_version_flag("--version", LUMETRY_VERSION);
+    options.add_flag("--json", request.json, "Print one JSON object");
+    options
+        .add_option("point", request.point,
+                    "X and Y in points from the top-left corner of the primary screen; default: "
+                    "where the pointer is")
+        ->expected(2)
+        ->type_name("X Y");
+    auto* to = options.add_option("--to", request.to, "Measure the distance to this second point")
+                   ->expected(2)
+                   ->type_name("X2 Y2");
+    options
+        .add_option("--image", request.image,
+                    "Analyse the pixels of a PNG file around X Y instead of the screen")
+        ->type_name("FILE")
+        ->excludes(to);
+    options.footer(
+        "Exit status: 0 when something was measured, 1 when nothing is there, 2 for wrong "
+        "usage or a desktop that cannot be read.");
+    try {
+        options.parse(argc, argv);
+    } catch (const CLI::CallForHelp& help) {
+        return options.exit(help);
+    } catch (const CLI::CallForVersion& version) {
+        return options.exit(version);
+    } catch (const CLI::ParseError& error) {
+        return refuse(std::string(error.what()) + "; see lumetry-measure --help.");
+    }
+    if ((!request.to.empty() || !request.image.empty()) && request.point.empty()) {
+        return refuse("give the point as X Y; see lumetry-measure --help.");
+    }
+    return request.image.empty() ? measureScreen(request, argc, argv) : measureImage(request);
+}
