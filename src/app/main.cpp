@@ -14,8 +14,8 @@ namespace {
 
 using namespace lumetry;
 
-/// Inspects until Escape ends it. There is no shell around the session yet, so that the program ends
-/// with it.
+/// Inspects until Escape ends it. There is no shell around the session yet, so that the program
+/// ends with it.
 int inspect(NativeDesktop& desktop, ProbeState& state) {
     Overlay overlay(desktop.platform(), state);
     overlay.onNeedsPermissions = [&] {

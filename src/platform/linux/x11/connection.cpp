@@ -86,9 +86,8 @@ bool Connection::connect(const std::string& display, std::string& problem) {
 
 std::string Connection::queryExtensions() {
     auto* const c = get();
-    for (auto* const extension :
-         {&xcb_input_id, &xcb_shape_id, &xcb_xfixes_id, &xcb_randr_id, &xcb_res_id,
-          &xcb_composite_id, &xcb_render_id, &xcb_shm_id}) {
+    for (auto* const extension : {&xcb_input_id, &xcb_shape_id, &xcb_xfixes_id, &xcb_randr_id,
+                                  &xcb_res_id, &xcb_composite_id, &xcb_render_id, &xcb_shm_id}) {
         xcb_prefetch_extension_data(c, extension);
     }
     xcb_prefetch_maximum_request_length(c);

@@ -229,11 +229,11 @@ bool covers(std::span<const Rect> pieces, const Rect& rect) {
                 next.push_back(one);
                 continue;
             }
-            const std::array<Rect, 4> around = {{
-                {one.x, one.y, one.width, shared.y - one.y},
-                {one.x, shared.maxY(), one.width, one.maxY() - shared.maxY()},
-                {one.x, shared.y, shared.x - one.x, shared.height},
-                {shared.maxX(), shared.y, one.maxX() - shared.maxX(), shared.height}}};
+            const std::array<Rect, 4> around = {
+                {{one.x, one.y, one.width, shared.y - one.y},
+                 {one.x, shared.maxY(), one.width, one.maxY() - shared.maxY()},
+                 {one.x, shared.y, shared.x - one.x, shared.height},
+                 {shared.maxX(), shared.y, one.maxX() - shared.maxX(), shared.height}}};
             std::ranges::copy_if(around, std::back_inserter(next),
                                  [](const Rect& part) { return !part.isEmpty(); });
         }

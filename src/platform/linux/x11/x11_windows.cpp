@@ -5,8 +5,8 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <ranges>
 #include <iterator>
+#include <ranges>
 
 namespace lumetry::x11 {
 
