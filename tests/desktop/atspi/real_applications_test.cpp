@@ -20,7 +20,6 @@ namespace lumetry {
 namespace {
 
 using desktop::Accessible;
-using desktop::AccessibleState;
 using desktop::ChildProcess;
 using desktop::PrivateDesktop;
 using desktop::waitUntil;

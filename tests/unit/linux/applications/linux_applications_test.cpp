@@ -63,6 +63,13 @@ TEST_F(RunningApplications, AreIdentifiedByWhatIsSurest) {
          },
          {},
          "chat"},
+        {"not another program of the same folder",
+         [&](auto& process) {
+             process.executable = tree.program("opt/suite/writer");
+             tree.entry("calc", "Exec=" + tree.program("opt/suite/calc").string());
+         },
+         {},
+         "none"},
         {"not another script among the system's programs",
          [&](auto& process) {
              process.executable = tree.program("bin/plain");
@@ -135,6 +142,13 @@ TEST_F(RunningApplications, AreIdentifiedByWhatIsSurest) {
          },
          {"", "designer"},
          "designer"},
+        {"of entries with its window class one that is shown",
+         [&](auto&) {
+             tree.entry("a-url-handler", "StartupWMClass=Player\nNoDisplay=true");
+             tree.entry("player", "StartupWMClass=Player");
+         },
+         {"Player"},
+         "player"},
         {"its window class in other letters",
          [&](auto& process) {
              process.executable = tree.program("bin/x");
@@ -313,9 +327,9 @@ TEST_F(RunningApplications, AreRememberedUntilSomethingChanges) {
     windows.windows[100].classes = {"paint"};
     EXPECT_EQ(identify(), "paint") << "it has opened a window since";
 
-    tree.process({100, tree.program("bin/other"), {}, {}, "x.scope", 1, "6000"});
-    windows.windows[100].classes = {};
-    EXPECT_EQ(identify(), "none") << "another process has that number now";
+    tree.process({100, tree.program("lib/other"), {}, {}, "x.scope", 1, "6000"});
+    EXPECT_EQ(applications.runningApplication(100)->bundleLocation, tree.at("lib").string())
+        << "another process has that number now";
 
     tree.write("proc/100/stat", "100 (x) Z 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 6000 0\n");
     EXPECT_EQ(identify(), "no process") << "it has ended and waits to be collected";

@@ -143,6 +143,7 @@ protected:
     ScriptedObject root;
     root.name = "application";
     root.role = 75;
+    root.parent = Reference{":1.99999", rootPath}; // the list of all applications
     root.children = {{"", "/window"}};
     root.answers["ToolkitName"] = text(toolkit);
     tree[rootPath] = root;

@@ -131,6 +131,11 @@ TEST_F(Attributes, AreWhatTheObjectAnswers) {
          "1 elements"},
         {"AXChildren", [](auto& o) { o.answers["GetChildren"] = text("none"); }, "absent"},
         {"AXChildren",
+         [](auto& o) {
+             o.answers["GetChildren"] = numbers({1, 2});
+         },
+         "absent"},
+        {"AXChildren",
          [](auto& o) { o.answers["GetChildren"] = numberedReferences("/row/", 10'000); },
          "10000 elements"},
         {"AXNoSuchAttribute", [](auto& o) { o.name = "x"; }, "absent"},

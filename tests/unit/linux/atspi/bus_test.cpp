@@ -41,6 +41,7 @@ TEST_F(Bus, RepliesComeInTheOrderOfTheirRequestsAfterOneWait) {
         tree["/" + std::to_string(number)].name = std::to_string(number);
     }
     auto& application = start(tree);
+    batch.reserve(count + 4);
     for (int number = 0; number < count; ++number) {
         batch.push_back(atspi::getName(at(application, "/" + std::to_string(number))));
     }

@@ -65,8 +65,9 @@ TEST_F(Hits, GoDownToTheInnermostThatIsSeenThere) {
         {"going round in circles",
          windowWith(object("window", {0, 0, 800, 600}, {"/a"}),
                     {{"/a", withChildAt(object("a", {0, 0, 400, 400}), alwaysChild("/b"))},
-                     {"/b", withChildAt(object("b", {0, 0, 300, 300}), alwaysChild("/a"))}}),
-         "b"},
+                     {"/b", withChildAt(object("b", {0, 0, 300, 300}), alwaysChild("/c"))},
+                     {"/c", withChildAt(object("c", {0, 0, 200, 200}), alwaysChild("/a"))}}),
+         "c"},
         {"an answer of another type", windowWith([] {
              ScriptedObject window = object("window", {0, 0, 800, 600});
              window.answers["GetAccessibleAtPoint"] = text("/x");

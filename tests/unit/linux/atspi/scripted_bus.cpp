@@ -191,14 +191,8 @@ private:
             return references(children);
         }
         if (member == "GetState") {
-            return [states = object.states](DBusMessageIter& at) {
-                appendArray(at, "u", [states](DBusMessageIter& array) {
-                    for (const unsigned shift : {0U, 32U}) {
-                        const auto word = static_cast<dbus_uint32_t>(states >> shift);
-                        append(array, DBUS_TYPE_UINT32, &word);
-                    }
-                });
-            };
+            return numbers({static_cast<std::uint32_t>(object.states),
+                            static_cast<std::uint32_t>(object.states >> 32U)});
         }
         return answerOfComponentOrText(object, member, request);
     }
@@ -257,6 +251,16 @@ Answer text(std::string value) {
 
 Answer unsignedNumber(std::uint32_t value) {
     return [value](DBusMessageIter& at) { append(at, DBUS_TYPE_UINT32, &value); };
+}
+
+Answer numbers(std::vector<std::uint32_t> values) {
+    return [values = std::move(values)](DBusMessageIter& at) {
+        appendArray(at, "u", [&](DBusMessageIter& array) {
+            for (const std::uint32_t value : values) {
+                append(array, DBUS_TYPE_UINT32, &value);
+            }
+        });
+    };
 }
 
 Answer reference(Reference value) {

@@ -51,6 +51,7 @@ struct Reference {
 using Answer = std::function<void(DBusMessageIter&)>;
 [[nodiscard]] Answer text(std::string value);
 [[nodiscard]] Answer unsignedNumber(std::uint32_t value);
+[[nodiscard]] Answer numbers(std::vector<std::uint32_t> values);
 [[nodiscard]] Answer reference(Reference value);
 [[nodiscard]] Answer references(std::vector<Reference> values);
 /// @param count how often the references are to be repeated, with a number behind their paths
