@@ -69,8 +69,8 @@ Bitmap BlockRasterizer::rasterize(const DisplayList& list, const Rect& area, Edg
                 for (int x = 0; x < bitmap.width; ++x) {
                     const Point centre = {area.x + x + 0.5, area.maxY() - y - 0.5};
                     auto& pixel = bitmap.pixels[static_cast<std::size_t>(y) *
-                                                           static_cast<std::size_t>(bitmap.width) +
-                                                       static_cast<std::size_t>(x)];
+                                                    static_cast<std::size_t>(bitmap.width) +
+                                                static_cast<std::size_t>(x)];
                     if (block.rect.contains(centre)) {
                         pixel = over(pixel, block.color, edges == Edges::hard);
                     }

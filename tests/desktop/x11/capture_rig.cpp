@@ -80,6 +80,13 @@ void CaptureRig::shape(xcb_window_t window, const std::vector<Rect>& rects) cons
     desktop.server().sync();
 }
 
+void CaptureRig::setRootBackground(std::uint32_t color) const {
+    const auto root = desktop.server().root();
+    xcb_change_window_attributes(xcb(), root, XCB_CW_BACK_PIXEL, &color);
+    xcb_clear_area(xcb(), 0, root, 0, 0, 0, 0);
+    desktop.server().sync();
+}
+
 xcb_pixmap_t CaptureRig::pixmap(const Size& size, std::uint32_t color) const {
     const auto made = xcb_generate_id(xcb());
     xcb_create_pixmap(xcb(), desktop.server().screen().root_depth, made, desktop.server().root(),

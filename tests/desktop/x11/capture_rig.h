@@ -30,6 +30,8 @@ public:
     void fill(xcb_drawable_t drawable, const Rect& rect, std::uint32_t color) const;
     /// Leaves of the window only these rectangles.
     void shape(xcb_window_t window, const std::vector<Rect>& rects) const;
+    /// Without leaving a wallpaper.
+    void setRootBackground(std::uint32_t color) const;
     /// A pixmap of the root's depth, filled with a colour.
     [[nodiscard]] xcb_pixmap_t pixmap(const Size& size, std::uint32_t color) const;
     /// Returns once the compositing manager is in charge, and this program knows.

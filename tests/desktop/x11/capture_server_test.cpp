@@ -44,15 +44,16 @@ struct ServerCase {
     const char* name;
     std::vector<std::string> arguments;
     int tolerance; ///< of a colour's components
+    bool sharesMemory;
 };
 
 class X11CaptureOn : public testing::TestWithParam<ServerCase> {};
 
 INSTANTIATE_TEST_SUITE_P(
     Servers, X11CaptureOn,
-    testing::Values(ServerCase{"Usual", {}, 0},
-                    ServerCase{"WithoutSharedMemory", {"-extension", "MIT-SHM"}, 0},
-                    ServerCase{"SixteenBits", {"-screen", "0", "800x600x16"}, 8}),
+    testing::Values(ServerCase{"Usual", {}, 0, true},
+                    ServerCase{"WithoutSharedMemory", {"-extension", "MIT-SHM"}, 0, false},
+                    ServerCase{"SixteenBits", {"-screen", "0", "800x600x16"}, 8, true}),
     [](const auto& test) { return test.param.name; });
 
 TEST_P(X11CaptureOn, WaitsOnceForACapture) {
@@ -68,6 +69,8 @@ TEST_P(X11CaptureOn, WaitsOnceForACapture) {
     const auto element =
         rig.capture().captureBelow({0, 0, 800, 600}, 0, {400, 300}, Interpolation::low);
     EXPECT_LE(rig.x11().roundTrips() - before, 2U);
+    const auto segment = rig.desktop.server().atom("ShmSeg");
+    EXPECT_EQ(rig.resourceCounts().contains(segment), GetParam().sharesMemory);
     EXPECT_EQ(square->at(100, 100), 0xFF00FF00);
     EXPECT_TRUE(isNear(square->at(99, 100), red, GetParam().tolerance));
     EXPECT_TRUE(isNear(element->at(300, 200), red, GetParam().tolerance));
@@ -124,21 +127,25 @@ TEST(X11ScreenCapture, LeavesNothingInTheServer) {
 
 TEST(X11ScreenCapture, MakesWayForACompositingManager) {
     CaptureRig rig;
-    rig.show({0, 0, 800, 600}, red);
+    rig.setRootBackground(green);
+    rig.show({0, 0, 800, 300}, red);
     rig.show({0, 0, 100, 100}, 0x80000080, {.translucent = true});
     ASSERT_EQ(rig.pixel(50, 50), 0xFF000080);
+    ASSERT_EQ(rig.pixel(500, 500), green);
     rig.startCompositor();
     EXPECT_TRUE(isNear(rig.pixel(50, 50), 0xFF661090));
+    EXPECT_EQ(rig.pixel(500, 500), 0xFF000000) << "the manager's own affair";
     EXPECT_TRUE(rig.loop.runUntil([&] {
         return isNear(screenshot(rig.desktop.server(), {50, 50, 1, 1}).at(0, 0), 0xFF661090);
     }));
     // And when it has gone.
     rig.stopCompositor();
     EXPECT_EQ(rig.pixel(50, 50), 0xFF000080);
+    EXPECT_EQ(rig.pixel(500, 500), green);
     rig.loop.skip(60);
     rig.loop.settle();
     EXPECT_EQ(screenshot(rig.desktop.server(), {50, 50, 1, 1}).at(0, 0), 0xFF000080);
-    EXPECT_EQ(screenshot(rig.desktop.server(), {500, 500, 1, 1}).at(0, 0), red);
+    EXPECT_EQ(screenshot(rig.desktop.server(), {500, 200, 1, 1}).at(0, 0), red);
 }
 
 TEST(X11ScreenCapture, EndsWithTheServer) {

@@ -238,16 +238,11 @@ TEST_P(X11Capture, IsTransparentWhereThereIsNoScreen) {
 TEST_P(X11Capture, ShowsTheRootWindowsBackground) {
     CaptureRig rig(with(GetParam()));
     const auto root = rig.desktop.server().root();
-    const auto setBackground = [&](std::uint32_t color) {
-        xcb_change_window_attributes(rig.xcb(), root, XCB_CW_BACK_PIXEL, &color);
-        xcb_clear_area(rig.xcb(), 0, root, 0, 0, 0, 0);
-        rig.desktop.server().sync();
-    };
     const bool isComposited = GetParam();
     constexpr std::uint32_t black = 0xFF000000;
-    setBackground(green);
+    rig.setRootBackground(green);
     EXPECT_EQ(rig.pixel(700, 500), isComposited ? black : green);
-    setBackground(blue);
+    rig.setRootBackground(blue);
     EXPECT_EQ(rig.pixel(700, 500), isComposited ? black : blue);
     // A wallpaper is repeated from the origin on.
     const auto tile = rig.pixmap({100, 100}, red);
@@ -311,6 +306,11 @@ TEST_P(X11Capture, DrawsAtOtherSizes) {
          {8, 8},
          Interpolation::low,
          {white, white, white, 0xFFC0C0C0, 0xFF404040, black, black, black}},
+        {"double, at the window's edge",
+         {100, 100, 4, 4},
+         {8, 8},
+         Interpolation::low,
+         {white, white, white, white, white, white, white, 0xFFC0C0C0}},
         {"between pixels, nearest",
          {102.6, 100.6, 4, 4},
          {4, 4},

@@ -7,6 +7,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <map>
 #include <string>
@@ -19,6 +21,14 @@ constexpr std::uint32_t pink = 0xFFFF3D8A;
 constexpr Color faintPink = accentPink.withAlpha(0.07);
 /// The faint pink over the background, a unit more or less.
 constexpr std::uint32_t tinted = 0xFF416398;
+
+bool nearlyEqual(std::uint32_t a, std::uint32_t b) {
+    constexpr std::array<unsigned, 3> components = {0, 8, 16};
+    return std::ranges::all_of(components, [&](unsigned shift) {
+        return std::abs(static_cast<int>((a >> shift) & 0xFF) -
+                        static_cast<int>((b >> shift) & 0xFF)) <= 1;
+    });
+}
 
 /// Shows a list of commands.
 class ListView final : public ContentView {
@@ -56,17 +66,7 @@ struct OverlayRig : X11Rig {
     }
     /// Runs until the pixel of the screen is that colour, but for a unit of each component.
     [[nodiscard]] bool showsAt(double x, double y, std::uint32_t color) {
-        return loop.runUntil([&] {
-            const std::uint32_t shown = pixel(x, y);
-            for (const unsigned shift : {0U, 8U, 16U}) {
-                const int difference = static_cast<int>((shown >> shift) & 0xFF) -
-                                       static_cast<int>((color >> shift) & 0xFF);
-                if (std::abs(difference) > 1) {
-                    return false;
-                }
-            }
-            return true;
-        });
+        return loop.runUntil([&] { return nearlyEqual(pixel(x, y), color); });
     }
     [[nodiscard]] std::optional<std::string> texts() const {
         return desktop.server().textProperty(window->windowNumber(), "_LUMETRY_TEXT");

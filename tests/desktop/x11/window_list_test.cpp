@@ -4,6 +4,13 @@
 
 #include <unistd.h>
 
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
 namespace lumetry::desktop {
 namespace {
 
@@ -166,6 +173,7 @@ TEST(X11WindowList, ForgetsWhatNobodyAsksForAndBeginsAgain) {
     EXPECT_GT(rig.loop.settle(), 0U);
     for (int i = 0; i < 10; ++i) {
         rig.move(window, {static_cast<double>(i), 9, 60, 60});
+        rig.setAtoms(window, "_NET_WM_STATE", {"_NET_WM_STATE_ABOVE"});
     }
     EXPECT_EQ(rig.loop.settle(), 0U) << "woken up for windows that nobody asks for";
     EXPECT_THAT(boundsOf(rig.waitForList(1)), ElementsAre(Rect{9, 9, 60, 60}));

@@ -3,6 +3,7 @@
 #include <xcb/res.h>
 #include <xcb/shape.h>
 
+#include <array>
 #include <cstdlib>
 #include <sstream>
 #include <stdexcept>

@@ -63,9 +63,13 @@ void copyRow(std::span<const std::uint32_t> words, const PixelRect& row,
                                           static_cast<std::size_t>(part.width));
         const auto target =
             bitmap.pixels.begin() + static_cast<std::ptrdiff_t>(row.y) * bitmap.width + part.x;
-        std::ranges::transform(source, target, [isSwapped](std::uint32_t word) {
-            return (isSwapped ? swapped(word) : word) | opaque;
-        });
+        // The question is not asked for each word.
+        if (isSwapped) {
+            std::ranges::transform(source, target,
+                                   [](auto word) { return swapped(word) | opaque; });
+        } else {
+            std::ranges::transform(source, target, [](auto word) { return word | opaque; });
+        }
     }
 }
 

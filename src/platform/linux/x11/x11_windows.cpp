@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <ranges>
 
 namespace lumetry::x11 {
 
@@ -22,14 +21,13 @@ bool X11Windows::isOwn(const WindowRecord& window) const {
     return window.pid == ownPid_ || connection_.isOwnResource(window.id);
 }
 
-void X11Windows::visitOnScreen(const std::function<bool(const WindowRecord&)>& visitor) {
+bool X11Windows::visitOnScreen(const std::function<bool(const WindowRecord&)>& visitor) {
     table_.refresh();
-    for (const xcb_window_t id : std::views::reverse(table_.stacking())) {
+    const auto& stacking = table_.stacking();
+    return std::any_of(stacking.rbegin(), stacking.rend(), [&](xcb_window_t id) {
         const WindowRecord* const window = table_.find(id);
-        if (window && isOnScreen(*window) && visitor(*window)) {
-            return;
-        }
-    }
+        return window != nullptr && isOnScreen(*window) && visitor(*window);
+    });
 }
 
 std::optional<std::vector<WindowInfo>> X11Windows::onScreenWindows() {
@@ -150,9 +148,7 @@ std::vector<const WindowRecord*> X11Windows::visibleBelow(xcb_window_t above) {
 }
 
 bool X11Windows::hasOwnOnScreen() {
-    bool own = false;
-    visitOnScreen([&](const WindowRecord& window) { return own = isOwn(window); });
-    return own;
+    return visitOnScreen([&](const WindowRecord& window) { return isOwn(window); });
 }
 
 bool X11Windows::isOwn(xcb_window_t topLevel) {

@@ -44,7 +44,8 @@ private:
     [[nodiscard]] bool isOnScreen(const WindowRecord& window) const;
     [[nodiscard]] bool isOwn(const WindowRecord& window) const;
     /// From the topmost down, until the visitor returns true.
-    void visitOnScreen(const std::function<bool(const WindowRecord&)>& visitor);
+    /// @return whether it has
+    bool visitOnScreen(const std::function<bool(const WindowRecord&)>& visitor);
     [[nodiscard]] std::optional<Point> centreOfFocus();
 
     Connection& connection_;

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace lumetry::x11 {
 namespace {
@@ -55,10 +56,11 @@ TEST(HandlerList, MayBeCalledWithinACall) {
 }
 
 TEST(KeyCodes, AreThoseOfThePlatform) {
-    const struct {
+    struct KeyCase {
         Keysym symbol;
         std::optional<std::uint16_t> code;
-    } cases[] = {
+    };
+    const std::vector<KeyCase> cases = {
         {XK_Escape, 53},
         {XK_m, 46},
         {XK_M, 46},
@@ -80,11 +82,12 @@ TEST(KeyCodes, AreThoseOfThePlatform) {
 }
 
 TEST(KeyCodes, KnowTheModifiers) {
-    const struct {
+    struct ModifierCase {
         Keysym symbol;
         ModifierFlags flag;
         bool modifierKey;
-    } cases[] = {
+    };
+    const std::vector<ModifierCase> cases = {
         {XK_Alt_L, modifierOption, true},    {XK_Alt_R, modifierOption, true},
         {XK_Shift_R, modifierShift, true},   {XK_Control_L, modifierControl, true},
         {XK_Super_R, modifierCommand, true}, {XK_Caps_Lock, 0, true},

@@ -4,10 +4,12 @@
 #include <QGuiApplication>
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <memory>
 #include <numeric>
 #include <random>
 #include <vector>
@@ -28,14 +30,11 @@ double areaOf(const std::vector<Rect>& rects) {
 constexpr int shade = 8;
 
 bool alike(std::uint32_t a, std::uint32_t b) {
-    for (const unsigned shift : {0U, 8U, 16U, 24U}) {
-        const int difference =
-            static_cast<int>((a >> shift) & 0xFF) - static_cast<int>((b >> shift) & 0xFF);
-        if (std::abs(difference) > shade) {
-            return false;
-        }
-    }
-    return true;
+    constexpr std::array<unsigned, 4> components = {0, 8, 16, 24};
+    return std::ranges::all_of(components, [&](unsigned shift) {
+        return std::abs(static_cast<int>((a >> shift) & 0xFF) -
+                        static_cast<int>((b >> shift) & 0xFF)) <= shade;
+    });
 }
 
 /// Such a pixel may be there or not where there is nothing in between.
@@ -136,17 +135,17 @@ protected:
         static int count = 1;
         static std::array<char, 5> name = {"test"};
         static std::array<char*, 2> arguments = {name.data(), nullptr};
-        application_ = new QGuiApplication(count, arguments.data());
+        application = std::make_unique<QGuiApplication>(count, arguments.data());
     }
-    static void TearDownTestSuite() { delete application_; }
+    static void TearDownTestSuite() { application.reset(); }
 
-    PainterRasterizer rasterizer_;
+    [[nodiscard]] const Rasterizer& rasterizer() const { return painter_; }
 
 private:
-    static QGuiApplication* application_;
-};
+    static inline std::unique_ptr<QGuiApplication> application;
 
-QGuiApplication* OverlayTiles::application_ = nullptr;
+    PainterRasterizer painter_;
+};
 
 TEST_F(OverlayTiles, MakeTheSamePictureAsDrawingItWhole) {
     RandomDrawings drawings;
@@ -154,13 +153,13 @@ TEST_F(OverlayTiles, MakeTheSamePictureAsDrawingItWhole) {
         DisplayList before;
         for (int i = 0; i < 60; ++i) {
             const DisplayList after = drawings.next();
-            Picture picture(rasterizer_, before, edges);
+            Picture picture(rasterizer(), before, edges);
             const TilePlan plan = planTiles(after, changedAreas(before, after), view, &before);
             const auto pieces = plan.all();
             EXPECT_LE(areaOf(pieces), view.width * view.height) << "pieces overlap";
             picture.put(plan, after);
-            const Bitmap smooth = rasterizer_.rasterize(after, whole, Edges::smooth);
-            const Bitmap expected = rasterizer_.rasterize(after, whole, edges);
+            const Bitmap smooth = rasterizer().rasterize(after, whole, Edges::smooth);
+            const Bitmap expected = rasterizer().rasterize(after, whole, edges);
             std::size_t wrong = 0;
             for (std::size_t j = 0; j < expected.pixels.size(); ++j) {
                 const bool either = edges == Edges::hard && isHalfCovered(smooth.pixels[j]);
@@ -215,10 +214,11 @@ TEST_F(OverlayTiles, StayInTheView) {
 
 TEST(OverlayTilesCover, NeedsEveryPart) {
     const std::array pieces = {Rect{0, 0, 10, 10}, Rect{10, 0, 10, 20}};
-    const struct {
+    struct CoverCase {
         Rect rect;
         bool covered;
-    } cases[] = {
+    };
+    const std::vector<CoverCase> cases = {
         {{2, 2, 15, 8}, true},   {{0, 0, 20, 10}, true}, {{0, 0, 20, 11}, false},
         {{12, 3, 4, 17}, true},  {{-1, 0, 5, 5}, false}, {{9, 9, 2, 2}, false},
         {{30, 30, 1, 1}, false},

@@ -26,7 +26,7 @@ Bitmap drawn(const std::vector<std::string_view>& rows) {
 }
 
 TEST(OpaqueParts, AreFoundExactly) {
-    const std::vector<std::string_view> pictures[] = {
+    const std::vector<std::vector<std::string_view>> pictures = {
         {"....", "....", "...."},         {"####", "####"},
         {".##.", "####", "####", ".##."}, {"#..#", "#..#", "....", "####"},
         {"#.#.#", ".#.#.", "#.#.#"},      {"##..", "##..", "####", "..##", "#.##"},
@@ -65,11 +65,12 @@ PixelFormat format(unsigned bitsPerPixel, std::uint32_t red, std::uint32_t green
 TEST(PixelFormat, PacksForTheServer) {
     Bitmap bitmap(1, 2);
     bitmap.pixels = {0x11111111, 0xC0806020};
-    const struct {
+    struct PackingCase {
         const char* name;
         PixelFormat format;
         std::vector<std::uint8_t> bytes; ///< of the second row
-    } cases[] = {
+    };
+    const std::vector<PackingCase> cases = {
         {"translucent", format(32, 0xFF0000, 0xFF00, 0xFF, true, false), {0x20, 0x60, 0x80, 0xC0}},
         {"another byte order",
          format(32, 0xFF0000, 0xFF00, 0xFF, true, true),

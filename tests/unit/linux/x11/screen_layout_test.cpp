@@ -18,12 +18,13 @@ TEST(ScreenLayout, PanelsTakeFromTheScreenTheyAreOn) {
     const Rect root = {0, 0, 2000, 1000};
     const Rect left = {0, 0, 1200, 1000};
     const Rect right = {1200, 0, 800, 600};
-    const struct {
+    struct PanelCase {
         const char* name;
         std::vector<Strut> struts;
         Rect left;
         Rect right;
-    } cases[] = {
+    };
+    const std::vector<PanelCase> cases = {
         {"none", {}, left, right},
         {"a bar over both", {strut({0, 0, 30, 0})}, {0, 30, 1200, 970}, {1200, 30, 800, 570}},
         {"a bar over the left one", {strut({0, 0, 30, 0}, 0, 1199)}, {0, 30, 1200, 970}, right},
