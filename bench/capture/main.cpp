@@ -2,9 +2,8 @@
 // a window that fills it and two smaller ones. "times" compares with what is named, in the same
 // run; "waits" is how often one capture waits for the X server.
 
-#include "platform/linux/file_descriptor_watcher.h"
+#include "platform/linux/idle_loop.h"
 #include "platform/linux/x11/x11_desktop.h"
-#include "platform/run_loop.h"
 #include "platform/screen_capture.h"
 #include "support/real_desktop/private_desktop.h"
 #include "support/real_desktop/screenshot.h"
@@ -27,21 +26,6 @@ constexpr double screenWidth = 5120;
 constexpr double screenHeight = 2880;
 const Rect square = {2000, 1000, 300, 300};
 constexpr PixelSize elementSize = {400, 225};
-
-/// A loop for a program that never comes to rest.
-class NoLoop final : public RunLoop, public FileDescriptorWatcher {
-public:
-    [[nodiscard]] double now() override { return 0; }
-    void async(std::function<void()> /*task*/) override {}
-    void after(double /*seconds*/, std::function<void()> /*task*/) override {}
-    [[nodiscard]] Token every(double /*seconds*/, std::function<void()> /*task*/) override {
-        return {};
-    }
-    [[nodiscard]] Token watchReadable(int /*fileDescriptor*/,
-                                      std::function<void()> /*handler*/) override {
-        return {};
-    }
-};
 
 /// Shows a window of that place and colour above all others.
 xcb_window_t showWindow(const desktop::XConnection& server, const Rect& rect, std::uint32_t color) {
@@ -123,7 +107,7 @@ int main(int argc, char** argv) {
     const std::uint32_t overlay = showWindow(server, {0, 0, screenWidth, screenHeight}, 0xFF3D8A);
     server.sync();
 
-    NoLoop loop;
+    IdleLoop loop;
     std::string problem;
     const auto x11 = X11Desktop::open(loop, loop, problem);
     if (!x11) {

@@ -53,7 +53,6 @@ void sample(NativeDesktop& desktop, Overlay& overlay) {
 } // namespace
 
 int main(int argc, char** argv) {
-    constexpr float messagingTimeoutSeconds = 0.2F;
     ProbeState state;
     state.lumetryPID = getpid();
     std::string problem;

@@ -35,7 +35,6 @@ int inspect(NativeDesktop& desktop, ProbeState& state) {
 } // namespace
 
 int main(int argc, char** argv) {
-    constexpr float messagingTimeoutSeconds = 0.2F;
     ProbeState state;
     state.lumetryPID = getpid();
     std::string problem;

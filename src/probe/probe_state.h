@@ -7,6 +7,10 @@
 
 namespace lumetry {
 
+/// How long a question to another application may hold the program up, unless said otherwise. The
+/// entry point sets it on the system-wide element.
+inline constexpr float messagingTimeoutSeconds = 0.2F;
+
 /// What the program remembers of itself and of other processes for as long as it runs. The entry
 /// point makes one before anything else; used on the main thread only.
 struct ProbeState {

@@ -39,7 +39,6 @@ bool found(const Measurement& measurement) {
 }
 
 int measureScreen(const Request& request, int& argc, char** argv) {
-    constexpr float messagingTimeoutSeconds = 0.2F;
     ProbeState state;
     state.lumetryPID = getpid();
     std::string problem;

@@ -1,6 +1,7 @@
 #include "platform/native/native_desktop.h"
 
 #include "platform/linux/atspi/atspi_accessibility.h"
+#include "platform/linux/idle_loop.h"
 #include "platform/linux/linux_applications.h"
 #include "platform/linux/linux_file_system.h"
 #include "platform/linux/x11/x11_desktop.h"
@@ -17,25 +18,10 @@
 namespace lumetry {
 namespace {
 
-/// A loop that never runs, to look at the display before there is one.
-class NoLoop final : public RunLoop, public FileDescriptorWatcher {
-public:
-    [[nodiscard]] double now() override { return 0; }
-    void async(std::function<void()> /*task*/) override {}
-    void after(double /*seconds*/, std::function<void()> /*task*/) override {}
-    [[nodiscard]] Token every(double /*seconds*/, std::function<void()> /*task*/) override {
-        return {};
-    }
-    [[nodiscard]] Token watchReadable(int /*fileDescriptor*/,
-                                      std::function<void()> /*handler*/) override {
-        return {};
-    }
-};
-
 /// Why there is no display to work on; empty when there is one. Qt ends the process without one, so
 /// that this has to be known before.
 std::string displayProblem() {
-    NoLoop loop;
+    IdleLoop loop;
     std::string problem;
     const auto desktop = X11Desktop::open(loop, loop, problem);
     return problem;
