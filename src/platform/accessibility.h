@@ -24,6 +24,9 @@ public:
     [[nodiscard]] virtual AXUIElement createApplication(pid_t pid) = 0;
     /// Whether this program may read other applications (AXIsProcessTrusted).
     [[nodiscard]] virtual bool isProcessTrusted() = 0;
+    /// The same, and where it may not and the prompt is wanted, asks the user or does what the
+    /// platform has in its place (AXIsProcessTrustedWithOptions).
+    virtual bool isProcessTrustedWithOptions(bool prompt) = 0;
 
     /// Until the token is destroyed, what has been read once is not asked for again: every
     /// attribute keeps the answer it gave first. Scopes do not nest; an inner one ends nothing.

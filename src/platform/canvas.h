@@ -9,7 +9,7 @@
 namespace lumetry {
 
 enum class FontFamily { system, monospacedSystem };
-enum class FontWeight { regular, medium, semibold };
+enum class FontWeight { regular, medium, semibold, bold };
 
 /// One of the platform's two system fonts at a size in points.
 struct Font {

@@ -44,12 +44,14 @@ using EventMask = std::uint32_t;
 
 /// Key codes of the platform (virtual key codes, independent of the keyboard layout).
 inline constexpr std::uint16_t keyCodeEscape = 53;
+inline constexpr std::uint16_t keyCodeM = 46;
 /// The code of every key that the platform has no code for.
 inline constexpr std::uint16_t keyCodeUnknown = 0xFFFF;
 
 struct Event {
     EventType type = EventType::mouseMoved;
     std::uint16_t keyCode = keyCodeUnknown; ///< of key events
+    ModifierFlags modifierFlags = 0;        ///< after the event; only local monitors are told
 
     friend bool operator==(const Event&, const Event&) = default;
 };

@@ -3,6 +3,7 @@
 #include "base/geometry.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -48,6 +49,9 @@ public:
     /// Asks for that permission where the platform has such a prompt
     /// (CGRequestScreenCaptureAccess); whether it is granted now.
     virtual bool requestScreenCaptureAccess() = 0;
+    /// Asks what can be captured, for that makes the platform list the program among those that
+    /// want to (SCShareableContent). The completion runs on the main thread, later.
+    virtual void getShareableContent(std::function<void()> completion) = 0;
 };
 
 } // namespace lumetry

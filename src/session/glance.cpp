@@ -142,7 +142,7 @@ private:
 
     /// Font, text colour under the given label, and its contrast to the fill.
     void addTypography(std::string colorLabel, const SurfaceInfo& info) {
-        TextInfo text = axTextInfoDeep(resolved_.textSource);
+        TextInfo text = axTextInfoDeep(platform_.accessibility, resolved_.textSource);
         if (text.font) {
             add("font", std::move(*text.font));
         }

@@ -78,9 +78,6 @@ void Overlay::stop() {
     monitor_.reset();
     keyMonitor_.reset();
     window_->orderOut();
-    if (onStop) {
-        onStop();
-    }
 }
 
 } // namespace lumetry

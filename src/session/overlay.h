@@ -44,8 +44,6 @@ public:
 
     /// Called when inspect mode cannot start because other applications may not be read.
     std::function<void()> onNeedsPermissions;
-    /// Called at the end of every stop().
-    std::function<void()> onStop;
 
 private:
     void beginTracking();

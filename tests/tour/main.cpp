@@ -1,12 +1,13 @@
-// Shows Lumetry at work without a screen: runs it over an application on a desktop of its own,
-// leads the pointer from element to element, and leaves a picture of each stop and a line of what
-// the glance showed there.
+// Shows Lumetry at work without a screen: runs it on desktops of its own, from the first start on
+// and over applications, and leaves a picture of each stop and a line of what is to be seen there.
 //
 //   lumetry_tour LUMETRY FOLDER
 //
 // LUMETRY is the program, FOLDER is where the pictures go.
 
-#include "tour.h"
+#include "album.h"
+#include "inspection.h"
+#include "shell_tour.h"
 
 #include <exception>
 #include <filesystem>
@@ -18,8 +19,11 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
-        lumetry::desktop::Tour tour(std::filesystem::absolute(argv[1]), argv[2]);
-        tour.run();
+        const std::string lumetry = std::filesystem::absolute(argv[1]);
+        lumetry::desktop::Album album(argv[2]);
+        lumetry::desktop::tourApplication(lumetry, album);
+        lumetry::desktop::tourPage(lumetry, album);
+        lumetry::desktop::tourShell(lumetry, album);
     } catch (const std::exception& failure) {
         std::cerr << "The tour ended early: " << failure.what() << '\n';
         return 1;

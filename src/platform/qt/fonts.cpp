@@ -22,6 +22,8 @@ QFont::Weight weightOf(FontWeight weight) {
         return QFont::Medium;
     case FontWeight::semibold:
         return QFont::DemiBold;
+    case FontWeight::bold:
+        return QFont::Bold;
     case FontWeight::regular:
         break;
     }

@@ -1,6 +1,7 @@
 #include "inspected_desktop.h"
 
 #include "support/real_desktop/desktop_windows.h"
+#include "support/real_desktop/lumetry_settings.h"
 
 #include <array>
 #include <cmath>
@@ -38,6 +39,7 @@ ChildProcess InspectedDesktop::startWidgetFactory() {
 }
 
 ChildProcess InspectedDesktop::startLumetry() {
+    markOnboarded(desktop);
     auto lumetry = desktop.start({LUMETRY_PROGRAM});
     requireUntil("the overlay", [&] { return !lumetry.running() || overlay.texts().has_value(); });
     if (!lumetry.running()) {

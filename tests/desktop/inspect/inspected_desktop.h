@@ -18,7 +18,7 @@ public:
     /// Starts gtk3-widget-factory with its window at the top-left and waits until its elements can
     /// be asked for.
     [[nodiscard]] ChildProcess startWidgetFactory();
-    /// Starts the program and waits until its overlay is shown.
+    /// Starts the program as it is after the onboarding, and waits until its overlay is shown.
     [[nodiscard]] ChildProcess startLumetry();
 
     /// Moves the pointer to the middle of the element and waits for its glance.

@@ -33,7 +33,7 @@ void expectRefusal(PrivateDesktop& desktop, const std::function<void(Environment
 }
 
 TEST(Start, SaysWhatIsMissingAndHowToMendIt) {
-    PrivateDesktop desktop(bareOptions(AccessibilityBus::disabled));
+    PrivateDesktop desktop(bareOptions(AccessibilityBus::none));
     const auto unset = [](const char* name) {
         return [name](Environment& environment) { environment.erase(name); };
     };
@@ -47,22 +47,6 @@ TEST(Start, SaysWhatIsMissingAndHowToMendIt) {
         "X11");
     expectRefusal(
         desktop, [](Environment& environment) { environment["DISPLAY"] = ":7391"; }, ":7391");
-    // Accessibility is there, but switched off.
-    expectRefusal(
-        desktop, [](Environment&) {}, "org.a11y.Status");
-    desktop.setAccessibilityEnabled(true);
-    expectRefusal(
-        desktop,
-        [](Environment& environment) {
-            environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nowhere/bus";
-        },
-        "session bus");
-}
-
-TEST(Start, SaysThatThereIsNoAccessibilityBus) {
-    PrivateDesktop desktop(bareOptions(AccessibilityBus::none));
-    expectRefusal(
-        desktop, [](Environment&) {}, "at-spi2-core");
 }
 
 TEST(Start, SaysWhichExtensionOfTheServerIsMissing) {

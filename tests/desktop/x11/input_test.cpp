@@ -15,7 +15,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr EventMask everything = 0xFFFFFFFF;
-constexpr std::uint16_t keyCodeM = 46;
 constexpr std::uint16_t keyCodeLeftShift = 56;
 constexpr std::uint16_t keyCodeLeftAlt = 58;
 

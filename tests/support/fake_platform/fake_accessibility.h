@@ -67,11 +67,16 @@ public:
     [[nodiscard]] AXUIElement createSystemWide() override { return systemWide().handle(); }
     [[nodiscard]] AXUIElement createApplication(pid_t pid) override;
     [[nodiscard]] bool isProcessTrusted() override { return trusted; }
+    bool isProcessTrustedWithOptions(bool prompt) override {
+        prompts += prompt ? 1 : 0;
+        return trusted;
+    }
     [[nodiscard]] Token keepAnswers() override;
     void prefetch(std::span<const AXUIElement> elements,
                   std::span<const std::string_view> attributes) override;
 
     bool trusted = true;
+    int prompts = 0;           ///< how often the user was asked
     std::vector<Write> writes; ///< to any element, in order
     int prefetches = 0;        ///< how often elements were asked together
 

@@ -4,8 +4,10 @@
 #include "platform/overlay_window.h"
 #include "platform/window_server.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace lumetry {
@@ -22,12 +24,16 @@ public:
         ++captureRequests;
         return captureAllowed;
     }
+    void getShareableContent(std::function<void()> completion) override {
+        shareableContentRequests.push_back(std::move(completion));
+    }
 
     std::optional<std::vector<WindowInfo>> windows = std::vector<WindowInfo>();
     std::vector<Screen> allScreens;
     std::optional<Screen> main;
     bool captureAllowed = true;
     int captureRequests = 0;
+    std::vector<std::function<void()>> shareableContentRequests; ///< their completions
 };
 
 /// Text of 7 points a code point, 3 points higher than its font.

@@ -149,10 +149,10 @@ void PrivateDesktop::startServerAndBus(const DesktopOptions& options) {
     const auto configuration = guard_.folder() / "session.conf";
     std::ofstream(configuration) << sessionBusConfiguration(guard_.folder());
     auto address = makePipe();
-    startService({"dbus-daemon", "--nofork", "--nopidfile",
-                  "--config-file=" + configuration.string(),
-                  "--print-address=" + std::to_string(address.writeEnd.get())},
-                 address.writeEnd.get());
+    sessionBus_ = &startService({"dbus-daemon", "--nofork", "--nopidfile",
+                                 "--config-file=" + configuration.string(),
+                                 "--print-address=" + std::to_string(address.writeEnd.get())},
+                                address.writeEnd.get());
     address.writeEnd.reset();
 
     display_ = ":" + readLine(number.readEnd.get(), generousDeadline);
@@ -161,7 +161,7 @@ void PrivateDesktop::startServerAndBus(const DesktopOptions& options) {
     }
     environment_["DISPLAY"] = display_;
     if (readLine(address.readEnd.get(), generousDeadline).empty()) {
-        throw std::runtime_error("dbus-daemon did not start: " + services_.back().standardError());
+        throw std::runtime_error("dbus-daemon did not start: " + sessionBus_->standardError());
     }
     server_.emplace(display_);
     input_.emplace(*server_);
@@ -246,6 +246,13 @@ void PrivateDesktop::setAccessibilityEnabled(bool enabled) const {
                            g_variant_new_boolean(enabled ? TRUE : FALSE)));
     if (!answer) {
         throw std::runtime_error("the accessibility bus does not let itself be switched");
+    }
+}
+
+void PrivateDesktop::stopSessionBus() {
+    sessionBus_->signal(SIGTERM);
+    if (!sessionBus_->wait()) {
+        throw std::runtime_error("the session bus does not end");
     }
 }
 

@@ -75,6 +75,9 @@ public:
     void setAccessibilityEnabled(bool enabled) const;
     [[nodiscard]] bool accessibilityEnabled() const;
 
+    /// Ends the session bus, and with it whatever cannot do without.
+    void stopSessionBus();
+
     /// Has this very program take part in the desktop, for tests that use the backends in process:
     /// puts the desktop's variables into its environment. Once for the whole process.
     void join() const;
@@ -93,6 +96,7 @@ private:
     std::string accessibilityBusAddress_;
     /// Their places in memory last: programs are pointed to below.
     std::deque<ChildProcess> services_;
+    ChildProcess* sessionBus_ = nullptr;
     ChildProcess* windowManager_ = nullptr;
     ChildProcess* compositor_ = nullptr;
     std::optional<XConnection> server_;

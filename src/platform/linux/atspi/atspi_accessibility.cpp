@@ -1,7 +1,9 @@
 #include "platform/linux/atspi/atspi_accessibility.h"
 
 #include "platform/linux/atspi/elements.h"
+#include "platform/linux/atspi/toolkit_accessibility.h"
 
+#include <iostream>
 #include <vector>
 
 namespace lumetry {
@@ -21,6 +23,17 @@ AXUIElement AtspiAccessibility::createApplication(pid_t pid) {
 
 bool AtspiAccessibility::isProcessTrusted() {
     return trustProblem().empty();
+}
+
+bool AtspiAccessibility::isProcessTrustedWithOptions(bool prompt) {
+    if (prompt && !isProcessTrusted()) {
+        setEnabled(true);
+        atspi::keepToolkitAccessibility();
+        if (const std::string problem = trustProblem(); !problem.empty()) {
+            std::cerr << "lumetry: " << problem << '\n';
+        }
+    }
+    return isProcessTrusted();
 }
 
 Token AtspiAccessibility::keepAnswers() {

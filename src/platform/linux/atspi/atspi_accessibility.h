@@ -19,6 +19,8 @@ public:
     [[nodiscard]] AXUIElement createApplication(pid_t pid) override;
     /// Whether the accessibility bus answers and applications have been told to show their trees.
     [[nodiscard]] bool isProcessTrusted() override;
+    /// In place of a prompt, tells applications to show their trees, now and at every login.
+    bool isProcessTrustedWithOptions(bool prompt) override;
     [[nodiscard]] Token keepAnswers() override;
     void prefetch(std::span<const AXUIElement> elements,
                   std::span<const std::string_view> attributes) override;

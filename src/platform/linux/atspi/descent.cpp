@@ -93,11 +93,15 @@ Descent descendThroughGtk(Inquiry& inquiry, Popovers& popovers, const TopLevel& 
 
 /// The last child, which is the topmost, that is seen at the point.
 std::optional<ObjectReference> childAtPoint(Inquiry& inquiry, const ObjectReference& object) {
+    // Of more children than that, few are at the point: only those are asked whether they show.
+    constexpr std::size_t askedAtOnce = 16;
     const auto children = childrenOf(inquiry, object);
     std::vector<Inquiry::Query> queries;
     for (const ObjectReference& child : children) {
         queries.push_back({child, About::extents});
-        queries.push_back({child, About::states});
+        if (children.size() <= askedAtOnce) {
+            queries.push_back({child, About::states});
+        }
     }
     inquiry.ask(queries);
     const auto isSeen = [&inquiry](const ObjectReference& child) {

@@ -11,8 +11,10 @@
 namespace lumetry::atspi {
 namespace {
 
-/// Enough for a deep tree; a long list is not worth asking about in advance.
+/// Enough for a deep tree. A longer way went through a long list, which is not worth asking about
+/// in advance: only the way to it is.
 constexpr std::size_t longestWay = 80;
+constexpr std::size_t wayToList = 8;
 
 std::int32_t pixel(double coordinate) {
     constexpr double farthest = 1 << 30;
@@ -96,7 +98,15 @@ void HitTest::keepWhatHelps(const Inquiry& inquiry, const TopLevel& topLevel,
                             const ObjectReference& object) {
     lastTopLevel_ = topLevel.object;
     lastWay_ = inquiry.used();
-    lastWay_.resize(std::min(lastWay_.size(), longestWay));
+    if (lastWay_.size() > longestWay) {
+        lastWay_.resize(wayToList);
+    }
+    for (const Inquiry::Query& query : inquiry.used()) {
+        const Reply* reply = inquiry.known(query);
+        if (query.about == Inquiry::About::extents && reply) {
+            answers_.remember({query.object, Question::extents}, *reply);
+        }
+    }
     if (const Reply* extents = inquiry.known({object, Inquiry::About::extents})) {
         answers_.remember({object, Question::extents}, *extents);
     }

@@ -84,6 +84,28 @@ bool saysAWeight(std::string_view family) {
         [&](std::string_view word) { return lower.find(word) != std::string::npos; });
 }
 
+struct Face {
+    std::string family;
+    std::string weight; ///< as in a font's name; empty for none
+};
+
+/// Fonts with more weights than regular and bold have families of their own for the others, such as
+/// "Inter Semi Bold", and where one is used some applications tell of no weight besides.
+Face faceOf(const std::string& family) {
+    // Those of two words before those they end in.
+    constexpr std::array weights = std::to_array<std::string_view>(
+        {" Extra Bold", " ExtraBold", " Ultra Bold", " UltraBold", " Semi Bold", " SemiBold",
+         " Demi Bold", " DemiBold", " Bold", " Black", " Heavy", " Medium", " Extra Light",
+         " ExtraLight", " Ultra Light", " UltraLight", " Light", " Thin"});
+    const std::string lower = lowerCase(family);
+    const auto* const found = std::ranges::find_if(
+        weights, [&](std::string_view weight) { return lower.ends_with(lowerCase(weight)); });
+    if (found == weights.end() || found->size() >= family.size()) {
+        return {family, ""};
+    }
+    return {family.substr(0, family.size() - found->size()), removingOccurrences(*found, " ")};
+}
+
 /// Family and weight in one name, as fonts are called. A family with a weight in its own name, such
 /// as "Arial Black", would be taken for it.
 std::string fontName(const std::string& family, std::string_view weight) {
@@ -138,15 +160,19 @@ std::string familyOf(std::string_view family) {
 
 AXDictionary runAttributes(const TextAttributes& attributes) {
     AXDictionary font;
-    const std::string family =
-        familyOf(valueOf(attributes, {"family-name", "font-family"}).value_or(""));
+    std::string family = familyOf(valueOf(attributes, {"family-name", "font-family"}).value_or(""));
+    std::string weight(weightName(valueOf(attributes, {"weight", "font-weight"}).value_or("")));
+    if (weight.empty()) {
+        Face face = faceOf(family);
+        family = std::move(face.family);
+        weight = std::move(face.weight);
+    }
     if (!family.empty()) {
         font.insert_or_assign("AXFontFamily", AXValue(family));
     }
     if (const auto size = pixelsOf(valueOf(attributes, {"size", "font-size"}).value_or(""))) {
         font.insert_or_assign("AXFontSize", AXValue(AXNumber{*size}));
     }
-    const auto weight = weightName(valueOf(attributes, {"weight", "font-weight"}).value_or(""));
     if (!weight.empty()) {
         font.insert_or_assign("AXFontName", AXValue(fontName(family, weight)));
     }

@@ -6,8 +6,8 @@
 #include "platform/linux/x11/capture_grid.h"
 #include "platform/linux/x11/capture_redirection.h"
 #include "platform/linux/x11/capture_target.h"
-#include "platform/linux/x11/compositing_manager.h"
 #include "platform/linux/x11/connection.h"
+#include "platform/linux/x11/screen_manager.h"
 #include "platform/linux/x11/x11_windows.h"
 #include "platform/screen_capture.h"
 

@@ -21,6 +21,8 @@ constexpr Keysym down = 0xFF54;
 constexpr Keysym pageUp = 0xFF55;
 constexpr Keysym pageDown = 0xFF56;
 constexpr Keysym end = 0xFF57;
+constexpr Keysym scrollLock = 0xFF14;
+constexpr Keysym numLock = 0xFF7F;
 constexpr Keysym keypadEnter = 0xFF8D;
 constexpr Keysym shiftLeft = 0xFFE1;
 constexpr Keysym shiftRight = 0xFFE2;
@@ -76,7 +78,7 @@ constexpr std::array keyCodes = {
     KeyCode{'j', 38},
     KeyCode{'k', 40},
     KeyCode{'n', 45},
-    KeyCode{'m', 46},
+    KeyCode{'m', keyCodeM},
     KeyCode{symbol::tab, 48},
     KeyCode{' ', 49},
     KeyCode{symbol::backSpace, 51},
@@ -134,6 +136,10 @@ bool isModifierKey(Keysym symbol) {
     // Where Alt stands on a shifted level, the unshifted one is often Meta.
     return modifierOf(symbol) != 0 || symbol == symbol::capsLock || symbol == symbol::metaLeft ||
            symbol == symbol::metaRight;
+}
+
+bool isLockKey(Keysym symbol) {
+    return symbol == symbol::numLock || symbol == symbol::scrollLock;
 }
 
 } // namespace lumetry::x11

@@ -18,4 +18,7 @@ using Keysym = std::uint32_t;
 /// Whether pressing or releasing the key changes a modifier's state (Caps Lock included).
 [[nodiscard]] bool isModifierKey(Keysym symbol);
 
+/// Whether the key locks something (Caps Lock aside, which has a bit of its own).
+[[nodiscard]] bool isLockKey(Keysym symbol);
+
 } // namespace lumetry::x11

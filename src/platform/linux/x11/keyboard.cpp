@@ -1,5 +1,7 @@
 #include "platform/linux/x11/keyboard.h"
 
+#include <xcb/xcb.h>
+
 #include <algorithm>
 
 namespace lumetry::x11 {
@@ -35,6 +37,7 @@ void Keyboard::readSymbols() {
 
 void Keyboard::readModifiers() {
     modifiers_ = {modifierShift, 0, modifierControl};
+    lockBits_ = XCB_MOD_MASK_LOCK;
     const auto mapping = connection_.reply(xcb_get_modifier_mapping_reply,
                                            xcb_get_modifier_mapping(connection_.get()));
     if (!mapping) {
@@ -47,6 +50,9 @@ void Keyboard::readModifiers() {
         for (std::size_t i = 0; i < keysPerModifier; ++i) {
             for (const Keysym symbol : symbolsOf(keys[bit * keysPerModifier + i])) {
                 modifiers_[bit] |= modifierOf(symbol);
+                if (isLockKey(symbol)) {
+                    lockBits_ = static_cast<std::uint16_t>(lockBits_ | (1U << bit));
+                }
             }
         }
     }
@@ -87,6 +93,40 @@ std::uint16_t Keyboard::keyCode(std::uint32_t key) {
         }
     }
     return keyCodeUnknown;
+}
+
+std::vector<std::uint8_t> Keyboard::keysOf(std::uint16_t keyCode, std::uint8_t group) {
+    refresh();
+    std::vector<std::uint8_t> inGroup;
+    std::vector<std::uint8_t> inAny;
+    const std::size_t keyCount = symbolsPerKey_ == 0 ? 0 : symbols_.size() / symbolsPerKey_;
+    for (std::size_t i = 0; i < keyCount; ++i) {
+        const auto key = static_cast<std::uint8_t>(firstKey_ + i);
+        const auto symbols = symbolsOf(key);
+        for (std::size_t column = 0; column < symbols.size(); ++column) {
+            if (keyCodeOf(symbols[column]) != keyCode) {
+                continue;
+            }
+            // The first four columns are two of the first group and two of the second.
+            auto& found = column / 2 == group ? inGroup : inAny;
+            if (found.empty() || found.back() != key) {
+                found.push_back(key);
+            }
+        }
+    }
+    if (!inGroup.empty()) {
+        return inGroup;
+    }
+    if (inAny.empty() && keyCode == keyCodeM) {
+        constexpr std::uint8_t keyOfM = 58; // of evdev, which all X servers on Linux use
+        return {keyOfM};
+    }
+    return inAny;
+}
+
+std::uint16_t Keyboard::lockBits() {
+    refresh();
+    return lockBits_;
 }
 
 } // namespace lumetry::x11

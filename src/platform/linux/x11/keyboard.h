@@ -24,6 +24,12 @@ public:
     [[nodiscard]] bool isModifier(std::uint32_t key);
     /// keyCodeUnknown for a key that the platform has no code for.
     [[nodiscard]] std::uint16_t keyCode(std::uint32_t key);
+    /// The keys that the platform gives that code, by the symbols they carry: in the group, where
+    /// it has such a key, else in any, else the one in its place on a US keyboard.
+    /// @param group of the layout, from 0
+    [[nodiscard]] std::vector<std::uint8_t> keysOf(std::uint16_t keyCode, std::uint8_t group);
+    /// The modifier bits that are locks: Caps Lock, Num Lock and Scroll Lock.
+    [[nodiscard]] std::uint16_t lockBits();
 
 private:
     static constexpr std::size_t modifierCount = 8;
@@ -40,6 +46,7 @@ private:
     std::size_t symbolsPerKey_ = 0;
     std::vector<Keysym> symbols_;
     std::array<ModifierFlags, modifierCount> modifiers_{};
+    std::uint16_t lockBits_ = 0;
 };
 
 } // namespace lumetry::x11

@@ -2,10 +2,11 @@
 
 #include "platform/linux/x11/capture.h"
 #include "platform/linux/x11/capture_redirection.h"
-#include "platform/linux/x11/compositing_manager.h"
 #include "platform/linux/x11/connection.h"
 #include "platform/linux/x11/keyboard.h"
+#include "platform/linux/x11/screen_manager.h"
 #include "platform/linux/x11/x11_event_monitors.h"
+#include "platform/linux/x11/x11_hot_keys.h"
 #include "platform/linux/x11/x11_overlay_window.h"
 #include "platform/linux/x11/x11_pointer.h"
 #include "platform/linux/x11/x11_windows.h"
@@ -49,6 +50,10 @@ struct X11Desktop::Parts {
         return compositingManager ? *compositingManager : compositingManager.emplace(*connection);
     }
 
+    x11::SystemTray& watchedSystemTray() {
+        return systemTray ? *systemTray : systemTray.emplace(*connection);
+    }
+
     std::unique_ptr<x11::Connection> connection;
     x11::X11Windows windows;
     x11::Keyboard keyboard;
@@ -56,6 +61,8 @@ struct X11Desktop::Parts {
     x11::X11EventMonitors eventMonitors;
     x11::CaptureRedirection captureRedirection;
     std::optional<x11::CompositingManager> compositingManager;
+    std::optional<x11::SystemTray> systemTray;
+    std::optional<x11::X11HotKeys> hotKeys;
     std::optional<X11OverlayWindows> overlayWindows;
     std::optional<x11::X11ScreenCapture> screenCapture;
 };
@@ -97,6 +104,29 @@ Pointer& X11Desktop::pointer() {
 
 EventMonitors& X11Desktop::eventMonitors() {
     return parts_->eventMonitors;
+}
+
+HotKeys& X11Desktop::hotKeys() {
+    if (!parts_->hotKeys) {
+        parts_->hotKeys.emplace(*parts_->connection, parts_->keyboard);
+    }
+    return *parts_->hotKeys;
+}
+
+std::uint16_t X11Desktop::keyCode(std::uint32_t key) {
+    return parts_->keyboard.keyCode(key);
+}
+
+bool X11Desktop::hasSystemTray() {
+    return parts_->watchedSystemTray().isRunning();
+}
+
+std::optional<Color> X11Desktop::systemTrayForeground() {
+    return parts_->watchedSystemTray().foreground();
+}
+
+Token X11Desktop::onSystemTrayChange(std::function<void()> handler) {
+    return parts_->watchedSystemTray().onChange(std::move(handler));
 }
 
 OverlayWindows& X11Desktop::overlayWindows(const Rasterizer& rasterizer) {

@@ -1,18 +1,22 @@
 #pragma once
 
+#include "base/color.h"
 #include "platform/linux/desktop_windows.h"
 #include "platform/linux/file_descriptor_watcher.h"
 #include "platform/rasterizer.h"
 #include "platform/run_loop.h"
 
+#include "platform/hot_keys.h"
 #include "platform/input.h"
 #include "platform/overlay_window.h"
 #include "platform/screen_capture.h"
 #include "platform/window_server.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace lumetry {
@@ -34,9 +38,20 @@ public:
     [[nodiscard]] Pointer& pointer();
     [[nodiscard]] EventMonitors& eventMonitors();
     [[nodiscard]] ScreenCapture& screenCapture();
+    [[nodiscard]] HotKeys& hotKeys();
     /// @param rasterizer draws the windows' contents, and outlives them; that of the first call
     /// counts
     [[nodiscard]] OverlayWindows& overlayWindows(const Rasterizer& rasterizer);
+
+    /// The platform's code of a key.
+    /// @param key the server's code
+    [[nodiscard]] std::uint16_t keyCode(std::uint32_t key);
+    /// Whether a tray takes in icons (the XEmbed kind).
+    [[nodiscard]] bool hasSystemTray();
+    /// The colour that it wants icons to be drawn in; absent where it does not say.
+    [[nodiscard]] std::optional<Color> systemTrayForeground();
+    /// Calls the handler whenever such a tray has come or gone.
+    [[nodiscard]] Token onSystemTrayChange(std::function<void()> handler);
 
     /// Calls the handler once, from the main queue, when the server has gone. From then on
     /// everything is absent.

@@ -157,9 +157,10 @@ void X11OverlayWindow::orderFrontRegardless() {
 
 void X11OverlayWindow::orderOut() {
     stayOnTop_.reset();
+    // Before the window goes, so that whoever sees it gone reads no text either.
+    xcb_delete_property(connection_.get(), window_, connection_.atom(Atom::lumetryText));
     xcb_unmap_window(connection_.get(), window_);
     captureRedirection_.reset();
-    xcb_delete_property(connection_.get(), window_, connection_.atom(Atom::lumetryText));
     surface_->clear();
     shown_.clear();
     uncovered_.clear();

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "platform/linux/x11/capture_redirection.h"
-#include "platform/linux/x11/compositing_manager.h"
 #include "platform/linux/x11/connection.h"
 #include "platform/linux/x11/overlay_surface.h"
+#include "platform/linux/x11/screen_manager.h"
 #include "platform/linux/x11/stay_on_top.h"
 #include "platform/linux/x11/x11_windows.h"
 #include "platform/overlay_window.h"

@@ -91,6 +91,10 @@ bool X11Windows::requestScreenCaptureAccess() {
     return preflightScreenCaptureAccess();
 }
 
+void X11Windows::getShareableContent(std::function<void()> completion) {
+    connection_.runLoop().async(std::move(completion));
+}
+
 Point X11Windows::accessibilityOrigin() {
     return screens_.layout().primary().origin();
 }

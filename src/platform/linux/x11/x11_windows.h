@@ -23,6 +23,7 @@ public:
     [[nodiscard]] std::optional<Screen> mainScreen() override;
     [[nodiscard]] bool preflightScreenCaptureAccess() override;
     bool requestScreenCaptureAccess() override;
+    void getShareableContent(std::function<void()> completion) override;
 
     [[nodiscard]] Point accessibilityOrigin() override;
     [[nodiscard]] std::optional<DesktopWindow> windowAt(Point point,

@@ -1,0 +1,31 @@
+#include "app/app_delegate.h"
+#include "app/views/control_panel.h"
+#include "onboarding/views/onboarding_widget.h"
+#include "platform/native/shell/native_shell.h"
+#include "probe/probe_state.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <string>
+
+int main(int argc, char** argv) {
+    lumetry::ProbeState state;
+    state.lumetryPID = getpid();
+    std::string problem;
+    const auto shell = lumetry::NativeShell::open(argc, argv, problem);
+    if (!shell) {
+        if (!problem.empty()) {
+            std::cerr << "lumetry: " << problem << '\n';
+        }
+        return problem.empty() ? EXIT_SUCCESS : EXIT_FAILURE;
+    }
+    lumetry::AppDelegate delegate(
+        shell->platform(), state,
+        {[](lumetry::OnboardingActions& actions) { return lumetry::makeOnboardingWindow(actions); },
+         [](lumetry::ControlPanelActions actions, const lumetry::TemplateImage& icon) {
+             return lumetry::makeControlPanel(std::move(actions), icon);
+         }});
+    return shell->run(delegate);
+}

@@ -1,0 +1,150 @@
+#include "app/views/control_panel.h"
+
+#include "onboarding/views/style.h"
+#include "platform/qt/widgets/template_icon.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPushButton>
+#include <QScreen>
+#include <QVBoxLayout>
+#include <QWindow>
+
+#include <utility>
+
+namespace lumetry {
+namespace {
+
+using namespace views;
+
+constexpr QSize panelSize = {360, 196};
+
+/// Buttons of the desktop's own kind, in the dark.
+QPalette darkPalette() {
+    QPalette palette;
+    palette.setColor(QPalette::Window, background());
+    palette.setColor(QPalette::WindowText, whiteAt(1));
+    palette.setColor(QPalette::Button, QColor(64, 64, 70));
+    palette.setColor(QPalette::ButtonText, whiteAt(1));
+    palette.setColor(QPalette::Highlight, pink());
+    return palette;
+}
+
+class ControlPanel final : public QDialog {
+public:
+    ControlPanel(ControlPanelActions actions, const TemplateImage& icon)
+        : actions_(std::move(actions)) {
+        setWindowTitle(QStringLiteral("Lumetry"));
+        // A tool has no place in the task bar.
+        setWindowFlags(Qt::Tool | Qt::WindowStaysOnTopHint | Qt::WindowTitleHint |
+                       Qt::WindowCloseButtonHint);
+        setFixedSize(panelSize);
+        setPalette(darkPalette());
+        setAutoFillBackground(true);
+
+        auto* const stack = new QVBoxLayout(this);
+        stack->setSpacing(10);
+        stack->addStretch();
+        stack->addWidget(makeIcon(icon), 0, Qt::AlignHCenter);
+        stack->addWidget(makeLabel(QStringLiteral("Lumetry is running"),
+                                   systemFont(16, FontWeight::semibold), whiteAt(1), this),
+                         0, Qt::AlignHCenter);
+        stack->addWidget(makeSubtitle(), 0, Qt::AlignHCenter);
+        stack->addLayout(makeButtons());
+        stack->addStretch();
+    }
+
+private:
+    QLabel* makeIcon(const TemplateImage& icon) {
+        constexpr int side = 30;
+        const double ratio = devicePixelRatioF();
+        QPixmap picture(QSize(side, side) * ratio);
+        picture.setDevicePixelRatio(ratio);
+        picture.fill(Qt::transparent);
+        QPainter painter(&picture);
+        paintTemplateImage(painter, icon, {0, 0, side, side}, pink());
+        painter.end();
+        auto* const label = new QLabel(this);
+        label->setPixmap(picture);
+        label->setAccessibleName(QStringLiteral("Lumetry"));
+        label->setAttribute(Qt::WA_TransparentForMouseEvents);
+        return label;
+    }
+
+    QLabel* makeSubtitle() {
+        constexpr int mostWidth = 300;
+        auto* const label =
+            makeLabel(QStringLiteral("It lives in your menu bar. Press ⌃⇧M anywhere to measure."),
+                      systemFont(12), whiteAt(0.55), this);
+        label->setWordWrap(true);
+        label->setAlignment(Qt::AlignCenter);
+        label->setFixedWidth(mostWidth);
+        label->setFixedHeight(label->heightForWidth(mostWidth));
+        return label;
+    }
+
+    QLayout* makeButtons() {
+        auto* const quit = new QPushButton(QStringLiteral("Quit Lumetry"), this);
+        QObject::connect(quit, &QPushButton::clicked, this, [this] { actions_.quitFromPanel(); });
+        auto* const start = new QPushButton(QStringLiteral("Start inspecting"), this);
+        QPalette accent = start->palette();
+        accent.setColor(QPalette::Button, pink());
+        start->setPalette(accent);
+        start->setDefault(true);
+        start->setFocus();
+        QObject::connect(start, &QPushButton::clicked, this, [this] { actions_.startFromPanel(); });
+        auto* const row = new QHBoxLayout;
+        row->setSpacing(10);
+        row->addStretch();
+        for (QPushButton* const button : {quit, start}) {
+            button->setFont(systemFont(13));
+            button->setMinimumHeight(28);
+            row->addWidget(button);
+        }
+        row->addStretch();
+        return row;
+    }
+
+    void mousePressEvent(QMouseEvent* event) override {
+        if (event->button() == Qt::LeftButton && windowHandle() != nullptr) {
+            windowHandle()->startSystemMove();
+        }
+    }
+
+    ControlPanelActions actions_;
+};
+
+class QtControlPanelWindow final : public ControlPanelWindow {
+public:
+    QtControlPanelWindow(ControlPanelActions actions, const TemplateImage& icon)
+        : panel_(std::move(actions), icon) {}
+
+    void center() override {
+        if (const QScreen* const screen = QGuiApplication::primaryScreen()) {
+            panel_.move(screen->availableGeometry().center() -
+                        QPoint(panel_.frameSize().width() / 2, panel_.frameSize().height() / 2));
+        }
+    }
+    void makeKeyAndOrderFront() override {
+        panel_.show();
+        panel_.raise();
+        panel_.activateWindow();
+    }
+    void orderOut() override { panel_.hide(); }
+
+private:
+    ControlPanel panel_;
+};
+
+} // namespace
+
+std::unique_ptr<ControlPanelWindow> makeControlPanel(ControlPanelActions actions,
+                                                     const TemplateImage& icon) {
+    return std::make_unique<QtControlPanelWindow>(std::move(actions), icon);
+}
+
+} // namespace lumetry

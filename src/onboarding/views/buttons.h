@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QColor>
+#include <QPushButton>
+
+namespace lumetry::views {
+
+/// How a button looks that paints itself.
+struct ButtonLook {
+    QColor fill;
+    QColor border; ///< transparent: none
+    QColor text;
+    double cornerRadius = 0;
+};
+
+/// A flat button of its own colours, with a ring around it while it has the keyboard.
+class FlatButton : public QPushButton {
+public:
+    explicit FlatButton(QWidget* parent);
+
+    void setLook(const ButtonLook& look);
+    [[nodiscard]] const ButtonLook& look() const { return look_; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    /// What stands on the button.
+    virtual void paintContents(QPainter& painter);
+
+private:
+    ButtonLook look_;
+};
+
+/// The chevron that leads a step back.
+class BackButton final : public FlatButton {
+public:
+    explicit BackButton(QWidget* parent);
+
+private:
+    void paintContents(QPainter& painter) override;
+};
+
+} // namespace lumetry::views

@@ -1,0 +1,281 @@
+#include "onboarding/views/onboarding_widget.h"
+
+#include "onboarding/views/buttons.h"
+#include "onboarding/views/entrance.h"
+#include "onboarding/views/keycap.h"
+#include "onboarding/views/permission_card.h"
+#include "onboarding/views/permissions_page.h"
+#include "onboarding/views/pulse.h"
+#include "onboarding/views/step_indicator.h"
+#include "onboarding/views/style.h"
+#include "onboarding/views/takeoff_page.h"
+#include "onboarding/views/welcome_page.h"
+
+#include <QCloseEvent>
+#include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScreen>
+#include <QWindow>
+
+#include <array>
+#include <cmath>
+
+namespace lumetry {
+namespace {
+
+using namespace views;
+
+constexpr QSize windowSize = {860, 580};
+constexpr int chromeHeight = 72;
+constexpr double fadeSeconds = 0.28;
+
+/// The light in the background at its strongest.
+QPixmap makeLight() {
+    QPixmap light(windowSize);
+    light.fill(Qt::transparent);
+    // A radial gradient of the unit square with y upwards, from its start to its end.
+    constexpr QPointF start(0.5, 0.3);
+    constexpr QPointF end(1.25, 1.4);
+    QRadialGradient gradient(0, 0, 1);
+    gradient.setColorAt(0, pink(0.13));
+    gradient.setColorAt(0.55, pink(0.04));
+    gradient.setColorAt(1, pink(0));
+    QPainter painter(&light);
+    painter.translate(windowSize.width() * start.x(), windowSize.height() * (1 - start.y()));
+    painter.scale(windowSize.width() * (end.x() - start.x()),
+                  windowSize.height() * (end.y() - start.y()));
+    painter.fillRect(QRectF(-2, -2, 4, 4), gradient);
+    return light;
+}
+
+class OnboardingWidget final : public QWidget {
+public:
+    explicit OnboardingWidget(OnboardingActions& actions);
+
+    void showStep(OnboardingStep step, bool animated);
+    void setPrimary(const QString& title, bool enabled);
+    void setCard(Permission permission, const CardState& state);
+    void pop(Permission permission);
+    void setKeyActive(PracticeKey key, bool active);
+    void setNudge(const QString& text);
+
+private:
+    void paintEvent(QPaintEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    [[nodiscard]] Page* makePage(OnboardingStep step);
+    void placeChrome();
+    void setTabOrderOfPage();
+
+    OnboardingActions& actions_;
+    QPixmap light_ = makeLight();
+    double lightOpacity_ = 1;
+    Page* currentPage_ = nullptr;
+    PermissionsPage* permissions_ = nullptr; ///< while it is the current page
+    TakeoffPage* takeoff_ = nullptr;         ///< while it is the current page
+    std::array<CardState, 2> cards_;
+    StepIndicator* dashes_;
+    BackButton* backButton_;
+    FlatButton* primaryButton_;
+    /// The button that had the keyboard has gone.
+    bool keyboardIsFree_ = false;
+};
+
+OnboardingWidget::OnboardingWidget(OnboardingActions& actions)
+    : actions_(actions), dashes_(new StepIndicator(onboardingStepCount, this)),
+      backButton_(new BackButton(this)), primaryButton_(new FlatButton(this)) {
+    setWindowTitle(QStringLiteral("Welcome to Lumetry"));
+    setWindowFlags(Qt::Window | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                   Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
+    setFixedSize(windowSize);
+    primaryButton_->setFont(systemFont(14.5, FontWeight::semibold));
+    QObject::connect(primaryButton_, &QPushButton::clicked, this,
+                     [this] { actions_.primaryTapped(); });
+    QObject::connect(backButton_, &QPushButton::clicked, this, [this] { actions_.backTapped(); });
+    // So slow that a few steps a second look like one movement.
+    auto* const breath = new Pulse(this, {0.7, 1, 3.6, 6}, [this](double opacity) {
+        constexpr double step = 1.0 / 32;
+        if (std::abs(opacity - lightOpacity_) >= step) {
+            lightOpacity_ = opacity;
+            update();
+        }
+    });
+    breath->start();
+}
+
+void OnboardingWidget::showStep(OnboardingStep step, bool animated) {
+    Page* const oldPage = currentPage_;
+    permissions_ = nullptr;
+    takeoff_ = nullptr;
+    const bool fades = animated && oldPage != nullptr;
+    if (fades) {
+        fadeOutAndDelete(oldPage, fadeSeconds);
+    } else {
+        delete oldPage;
+    }
+    currentPage_ = makePage(step);
+    currentPage_->setGeometry(0, 0, width(), height() - chromeHeight);
+    currentPage_->show();
+    currentPage_->lower();
+    backButton_->setVisible(step != OnboardingStep::welcome);
+    dashes_->setStep(static_cast<int>(step));
+    setTabOrderOfPage();
+    primaryButton_->setFocus();
+    keyboardIsFree_ = true;
+    playEntrance(currentPage_->staggerViews(), fades ? fadeSeconds : 0);
+}
+
+Page* OnboardingWidget::makePage(OnboardingStep step) {
+    switch (step) {
+    case OnboardingStep::welcome:
+        break;
+    case OnboardingStep::permissions:
+        permissions_ = new PermissionsPage(actions_, this);
+        setCard(Permission::accessibility, cards_[0]);
+        setCard(Permission::screenRecording, cards_[1]);
+        return permissions_;
+    case OnboardingStep::takeoff:
+        takeoff_ = new TakeoffPage(this);
+        return takeoff_;
+    }
+    return new WelcomePage(this);
+}
+
+void OnboardingWidget::setTabOrderOfPage() {
+    QWidget* before = primaryButton_;
+    for (QAbstractButton* const button : currentPage_->buttons()) {
+        setTabOrder(before, button);
+        before = button;
+    }
+    setTabOrder(before, backButton_);
+}
+
+void OnboardingWidget::setPrimary(const QString& title, bool enabled) {
+    primaryButton_->setText(title);
+    primaryButton_->setEnabled(enabled);
+    primaryButton_->setLook(
+        {enabled ? pink() : whiteAt(0.08), Qt::transparent, whiteAt(enabled ? 1 : 0.55), 10});
+    placeChrome();
+    if (enabled && keyboardIsFree_) {
+        primaryButton_->setFocus();
+        keyboardIsFree_ = false;
+    }
+}
+
+void OnboardingWidget::placeChrome() {
+    constexpr double leastWidth = 150;
+    constexpr double padding = 52;
+    constexpr int buttonHeight = 42;
+    const QFontMetricsF metrics(primaryButton_->font());
+    const double text = std::ceil(metrics.horizontalAdvance(primaryButton_->text()));
+    const int buttonWidth = static_cast<int>(std::max(leastWidth, text + padding));
+    primaryButton_->setGeometry(width() - 24 - buttonWidth, height() - 18 - buttonHeight,
+                                buttonWidth, buttonHeight);
+    const int middle = primaryButton_->geometry().center().y() + 1;
+    backButton_->move(22, middle - backButton_->height() / 2);
+    dashes_->move(backButton_->geometry().right() + 1 + 16, middle - dashes_->height() / 2 - 1);
+}
+
+void OnboardingWidget::setCard(Permission permission, const CardState& state) {
+    cards_.at(static_cast<std::size_t>(permission)) = state;
+    if (permissions_ != nullptr) {
+        PermissionCard& card = permissions_->card(permission);
+        keyboardIsFree_ = keyboardIsFree_ || (card.button().hasFocus() && !state.grantButtonShown);
+        card.setState(state);
+    }
+}
+
+void OnboardingWidget::pop(Permission permission) {
+    if (permissions_ != nullptr) {
+        permissions_->card(permission).pop();
+    }
+}
+
+void OnboardingWidget::setKeyActive(PracticeKey key, bool active) {
+    if (takeoff_ != nullptr) {
+        takeoff_->cap(key).setActive(active);
+    }
+}
+
+void OnboardingWidget::setNudge(const QString& text) {
+    if (takeoff_ != nullptr) {
+        takeoff_->setNudge(text);
+    }
+}
+
+void OnboardingWidget::paintEvent(QPaintEvent* event) {
+    QPainter painter(this);
+    painter.fillRect(event->rect(), background());
+    painter.setOpacity(lightOpacity_);
+    painter.drawPixmap(event->rect(), light_, event->rect());
+}
+
+void OnboardingWidget::closeEvent(QCloseEvent* event) {
+    event->accept();
+    actions_.windowWillClose();
+}
+
+void OnboardingWidget::keyPressEvent(QKeyEvent* event) {
+    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    auto* const focused = qobject_cast<QAbstractButton*>(focusWidget());
+    (focused != nullptr && focused->isEnabled() ? focused : primaryButton_)->click();
+}
+
+void OnboardingWidget::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton && windowHandle() != nullptr) {
+        windowHandle()->startSystemMove();
+    }
+}
+
+/// The window as the controller knows it.
+class QtOnboardingWindow final : public OnboardingWindow {
+public:
+    explicit QtOnboardingWindow(OnboardingActions& actions) : widget_(actions) {}
+
+    [[nodiscard]] bool isVisible() const override { return widget_.isVisible(); }
+    void center() override {
+        if (const QScreen* const screen = QGuiApplication::primaryScreen()) {
+            const QRect free = screen->availableGeometry();
+            widget_.move(free.center() -
+                         QPoint(widget_.frameSize().width() / 2, widget_.frameSize().height() / 2));
+        }
+    }
+    void makeKeyAndOrderFront() override {
+        widget_.setWindowState(widget_.windowState() & ~Qt::WindowMinimized);
+        widget_.show();
+        widget_.raise();
+        widget_.activateWindow();
+    }
+    void orderBack() override { widget_.lower(); }
+    void close() override { widget_.close(); }
+    void showStep(OnboardingStep step, bool animated) override { widget_.showStep(step, animated); }
+    void setPrimary(const std::string& title, bool enabled) override {
+        widget_.setPrimary(QString::fromStdString(title), enabled);
+    }
+    void setCard(Permission permission, const CardState& state) override {
+        widget_.setCard(permission, state);
+    }
+    void pop(Permission permission) override { widget_.pop(permission); }
+    void setKeyActive(PracticeKey key, bool active) override { widget_.setKeyActive(key, active); }
+    void setNudge(const std::string& text) override {
+        widget_.setNudge(QString::fromStdString(text));
+    }
+
+private:
+    OnboardingWidget widget_;
+};
+
+} // namespace
+
+std::unique_ptr<OnboardingWindow> makeOnboardingWindow(OnboardingActions& actions) {
+    return std::make_unique<QtOnboardingWindow>(actions);
+}
+
+} // namespace lumetry

@@ -1,0 +1,114 @@
+#include "onboarding/views/permission_card.h"
+
+#include "onboarding/views/buttons.h"
+#include "onboarding/views/style.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QVBoxLayout>
+
+namespace lumetry::views {
+namespace {
+
+constexpr int cardHeight = 74;
+constexpr double cornerRadius = 10;
+constexpr int wellSide = 40;
+constexpr int wellMargin = 16;
+
+QColor tintOf(CardTint tint) {
+    switch (tint) {
+    case CardTint::green:
+        return systemGreen();
+    case CardTint::orange:
+        return systemOrange();
+    case CardTint::accent:
+        break;
+    }
+    return pink();
+}
+
+FlatButton* makeGrantButton(const QString& title, QWidget* parent) {
+    auto* const button = new FlatButton(parent);
+    button->setText(QStringLiteral("Grant"));
+    button->setAccessibleName(QStringLiteral("Grant ") + title);
+    button->setFont(systemFont(13, FontWeight::semibold));
+    button->setFixedSize(74, 30);
+    button->setLook({pink(0.16), pink(0.5), pink(), 8});
+    return button;
+}
+
+QLayout* makeTexts(const PermissionCard::Texts& texts, QWidget* parent) {
+    auto* const heading = new QHBoxLayout;
+    heading->setSpacing(8);
+    heading->addWidget(
+        makeLabel(texts.title, systemFont(15, FontWeight::semibold), whiteAt(1), parent), 0,
+        Qt::AlignBottom);
+    auto* const tag =
+        makeLabel(QStringLiteral("REQUIRED"), systemFont(10.5, FontWeight::bold), pink(), parent);
+    // Their baselines are level when the smaller one is raised by the difference of descents.
+    constexpr int raise = 1;
+    tag->setContentsMargins(0, 0, 0, raise);
+    heading->addWidget(tag, 0, Qt::AlignBottom);
+    heading->addStretch();
+    auto* const column = new QVBoxLayout;
+    column->setSpacing(3);
+    column->addStretch();
+    column->addLayout(heading);
+    column->addWidget(makeLabel(texts.description, systemFont(13), whiteAt(0.55), parent));
+    column->addStretch();
+    return column;
+}
+
+} // namespace
+
+PermissionCard::PermissionCard(Symbol symbol, const Texts& texts, QWidget* parent)
+    : QWidget(parent),
+      icon_(new SymbolView(symbol, 19, SymbolWeight::medium, pink(), texts.title, this)),
+      button_(makeGrantButton(texts.title, this)),
+      done_(makeLabel(QStringLiteral("Granted ✓"), systemFont(13, FontWeight::semibold),
+                      systemGreen(), this)) {
+    setFixedHeight(cardHeight);
+    auto* const row = new QHBoxLayout(this);
+    row->setContentsMargins(wellMargin, 0, 16, 0);
+    row->setSpacing(0);
+    auto* const well = new QHBoxLayout;
+    well->addWidget(icon_, 0, Qt::AlignCenter);
+    auto* const wellWidget = new QWidget(this);
+    wellWidget->setLayout(well);
+    well->setContentsMargins(0, 0, 0, 0);
+    wellWidget->setFixedSize(wellSide, wellSide);
+    row->addWidget(wellWidget);
+    row->addSpacing(14);
+    row->addLayout(makeTexts(texts, this), 1);
+    row->addSpacing(12);
+    row->addWidget(button_);
+    row->addWidget(done_);
+    done_->setContentsMargins(0, 0, 2, 0);
+    done_->hide();
+}
+
+void PermissionCard::setState(const CardState& state) {
+    icon_->setTint(tintOf(state.icon));
+    button_->setVisible(state.grantButtonShown);
+    if (state.done) {
+        done_->setText(QString::fromStdString(*state.done));
+        setLabelColor(*done_, tintOf(state.icon));
+    }
+    done_->setVisible(state.done.has_value());
+}
+
+void PermissionCard::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(whiteAt(0.08), 1));
+    painter.setBrush(whiteAt(0.05));
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius - 0.5,
+                            cornerRadius - 0.5);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(whiteAt(0.07));
+    painter.drawRoundedRect(QRectF(wellMargin, (height() - wellSide) / 2.0, wellSide, wellSide),
+                            cornerRadius, cornerRadius);
+}
+
+} // namespace lumetry::views

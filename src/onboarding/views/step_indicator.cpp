@@ -1,0 +1,68 @@
+#include "onboarding/views/step_indicator.h"
+
+#include "onboarding/views/style.h"
+
+#include <QPainter>
+#include <QVariantAnimation>
+
+namespace lumetry::views {
+namespace {
+
+constexpr double otherWidth = 18;
+constexpr double currentWidth = 34;
+constexpr double dashHeight = 5;
+constexpr double cornerRadius = 2;
+constexpr double spacing = 7;
+
+} // namespace
+
+StepIndicator::StepIndicator(int count, QWidget* parent)
+    : QWidget(parent), shares_(static_cast<std::size_t>(count), 0.0) {
+    setFixedSize(
+        static_cast<int>(count * otherWidth + currentWidth - otherWidth + (count - 1) * spacing),
+        static_cast<int>(dashHeight));
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+void StepIndicator::setStep(int step) {
+    setAccessibleName(QStringLiteral("Step %1 of %2").arg(step + 1).arg(shares_.size()));
+    delete animation_;
+    animation_ = new QVariantAnimation(this);
+    constexpr int milliseconds = 250;
+    animation_->setDuration(milliseconds);
+    animation_->setEasingCurve(QEasingCurve::InOutQuad);
+    animation_->setStartValue(0.0);
+    animation_->setEndValue(1.0);
+    const auto from = shares_;
+    QObject::connect(animation_, &QVariantAnimation::valueChanged, this,
+                     [this, from, step](const QVariant& value) {
+                         for (std::size_t i = 0; i < shares_.size(); ++i) {
+                             const double to = static_cast<int>(i) == step ? 1 : 0;
+                             shares_[i] = from[i] + (to - from[i]) * value.toDouble();
+                         }
+                         update();
+                     });
+    animation_->start();
+}
+
+double StepIndicator::dashWidth(int dash) const {
+    return otherWidth + (currentWidth - otherWidth) * shares_.at(static_cast<std::size_t>(dash));
+}
+
+void StepIndicator::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    double x = 0;
+    for (int i = 0; i < static_cast<int>(shares_.size()); ++i) {
+        const double width = dashWidth(i);
+        const double share = shares_[static_cast<std::size_t>(i)];
+        for (const QColor& color : {whiteAt(0.16 * (1 - share)), pink(share)}) {
+            painter.setBrush(color);
+            painter.drawRoundedRect(QRectF(x, 0, width, dashHeight), cornerRadius, cornerRadius);
+        }
+        x += width + spacing;
+    }
+}
+
+} // namespace lumetry::views

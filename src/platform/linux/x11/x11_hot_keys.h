@@ -1,0 +1,62 @@
+#pragma once
+
+#include "platform/hot_keys.h"
+#include "platform/linux/x11/connection.h"
+#include "platform/linux/x11/keyboard.h"
+
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace lumetry::x11 {
+
+/// Hot keys as passive grabs of the root window. They are taken anew whenever the keyboard's layout
+/// or its active group changes, and in every state of the locks.
+class X11HotKeys final : public HotKeys {
+public:
+    X11HotKeys(Connection& connection, Keyboard& keyboard);
+
+    [[nodiscard]] Token installEventHandler(Handler handler) override;
+    [[nodiscard]] Token registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
+                                            HotKeyID id) override;
+
+private:
+    struct HotKey {
+        int number = 0;
+        std::uint16_t keyCode = 0;
+        std::uint16_t modifiers = 0; ///< X11's bits
+        HotKeyID id;
+        std::vector<xcb_keycode_t> keys; ///< those that are grabbed for it
+    };
+    struct Release {
+        xcb_keycode_t key = 0;
+        xcb_timestamp_t time = 0;
+    };
+
+    void watchGroup();
+    void handle(const xcb_generic_event_t& event);
+    void press(const xcb_key_press_event_t& event);
+    void deliver(HotKeyID id);
+    /// Whether the server gave at least one key.
+    bool grab(HotKey& hotKey);
+    void ungrab(HotKey& hotKey);
+    void grabAnew();
+
+    Connection& connection_;
+    Keyboard& keyboard_;
+    std::uint8_t keyboardEvent_ = 0; ///< first event of XKEYBOARD; 0 without it
+    std::uint8_t group_ = 0;         ///< the active one
+    std::optional<Release> lastRelease_;
+    int lastNumber_ = 0;
+    std::vector<std::pair<int, std::shared_ptr<Handler>>> handlers_;
+    std::vector<HotKey> hotKeys_;
+    Token events_;
+    /// Empty once this object is gone: tokens may outlive it.
+    std::shared_ptr<X11HotKeys*> self_ = std::make_shared<X11HotKeys*>(this);
+};
+
+} // namespace lumetry::x11

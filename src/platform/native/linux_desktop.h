@@ -1,0 +1,56 @@
+#pragma once
+
+#include "platform/linux/atspi/atspi_accessibility.h"
+#include "platform/linux/linux_applications.h"
+#include "platform/linux/linux_file_system.h"
+#include "platform/linux/x11/x11_desktop.h"
+#include "platform/native/native_desktop.h"
+#include "platform/native/termination_signals.h"
+#include "platform/qt/painter_rasterizer.h"
+#include "platform/qt/qt_defaults.h"
+#include "platform/qt/qt_run_loop.h"
+
+#include <QGuiApplication>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace lumetry {
+
+/// The Linux desktop: AT-SPI and X11, with Qt's loop and drawing.
+class LinuxDesktop final : public NativeDesktop {
+public:
+    /// Makes Qt's application object, of the kind that the program needs.
+    using ApplicationMaker = std::function<std::unique_ptr<QGuiApplication>()>;
+
+    /// @param problem as in NativeDesktop::open
+    [[nodiscard]] static std::unique_ptr<LinuxDesktop> open(const ApplicationMaker& makeApplication,
+                                                            std::string& problem);
+
+    [[nodiscard]] const Platform& platform() const override { return *platform_; }
+    [[nodiscard]] std::string trustProblem() override { return accessibility_->trustProblem(); }
+    [[nodiscard]] int run() override;
+    void quit(int exitStatus) override { QGuiApplication::exit(exitStatus); }
+    [[nodiscard]] RoundTrips roundTrips() const override;
+
+    [[nodiscard]] X11Desktop& x11() { return *x11_; }
+
+private:
+    explicit LinuxDesktop(const ApplicationMaker& makeApplication);
+    [[nodiscard]] bool connect(std::string& problem);
+
+    TerminationSignals terminationSignals_;
+    std::unique_ptr<QGuiApplication> application_;
+    QtRunLoop loop_;
+    QtDefaults defaults_;
+    PainterRasterizer rasterizer_;
+    LinuxFileSystem fileSystem_;
+    std::unique_ptr<X11Desktop> x11_;
+    std::optional<LinuxApplications> applications_;
+    std::optional<AtspiAccessibility> accessibility_;
+    std::optional<Platform> platform_;
+};
+
+} // namespace lumetry

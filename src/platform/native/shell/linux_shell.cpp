@@ -1,0 +1,77 @@
+#include "platform/native/shell/native_shell.h"
+
+#include "platform/native/linux_desktop.h"
+#include "platform/native/shell/x11_embedding_tray.h"
+#include "platform/qt/widgets/qt_local_event_monitors.h"
+#include "platform/qt/widgets/qt_own_application.h"
+#include "platform/qt/widgets/qt_status_bar.h"
+#include "platform/qt/widgets/running_instance.h"
+
+#include <QApplication>
+#include <QWindow>
+
+#include <algorithm>
+#include <utility>
+
+namespace lumetry {
+namespace {
+
+bool hasVisibleWindows() {
+    const auto windows = QGuiApplication::topLevelWindows();
+    return std::ranges::any_of(windows, [](const QWindow* window) { return window->isVisible(); });
+}
+
+class LinuxShell final : public NativeShell {
+public:
+    LinuxShell(std::unique_ptr<LinuxDesktop> desktop, std::unique_ptr<RunningInstance> instance)
+        : desktop_(std::move(desktop)), instance_(std::move(instance)),
+          embeddingTray_(desktop_->x11()), statusBar_(embeddingTray_),
+          localEventMonitors_([this](std::uint32_t key) { return desktop_->x11().keyCode(key); }),
+          platform_{desktop_->platform(), desktop_->x11().hotKeys(), localEventMonitors_,
+                    application_, statusBar_} {}
+
+    [[nodiscard]] const ShellPlatform& platform() const override { return platform_; }
+
+    [[nodiscard]] int run(ApplicationDelegate& delegate) override {
+        instance_->onReopen(
+            [&delegate] { delegate.applicationShouldHandleReopen(hasVisibleWindows()); });
+        delegate.applicationDidFinishLaunching();
+        const int status = desktop_->run();
+        instance_->onReopen({});
+        delegate.applicationWillTerminate();
+        return status;
+    }
+
+private:
+    std::unique_ptr<LinuxDesktop> desktop_;
+    std::unique_ptr<RunningInstance> instance_;
+    X11EmbeddingTray embeddingTray_;
+    QtStatusBar statusBar_;
+    QtLocalEventMonitors localEventMonitors_;
+    QtOwnApplication application_;
+    ShellPlatform platform_;
+};
+
+} // namespace
+
+std::unique_ptr<NativeShell> NativeShell::open(int& argc, char** argv, std::string& problem) {
+    auto desktop =
+        LinuxDesktop::open([&] { return std::make_unique<QApplication>(argc, argv); }, problem);
+    if (!desktop) {
+        return nullptr;
+    }
+    auto instance = std::make_unique<RunningInstance>();
+    switch (instance->role()) {
+    case RunningInstance::Role::later:
+        return nullptr;
+    case RunningInstance::Role::unanswered:
+        problem = "Lumetry runs already and does not answer: end it, for example with \"pkill "
+                  "-x lumetry\", and start it again.";
+        return nullptr;
+    case RunningInstance::Role::first:
+        break;
+    }
+    return std::make_unique<LinuxShell>(std::move(desktop), std::move(instance));
+}
+
+} // namespace lumetry

@@ -1,0 +1,34 @@
+#include "platform/qt/widgets/notifier_tray.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusReply>
+#include <QString>
+
+namespace lumetry {
+namespace {
+
+const QString& service() {
+    static const QString name = QStringLiteral("org.kde.StatusNotifierWatcher");
+    return name;
+}
+
+} // namespace
+
+NotifierTray::NotifierTray()
+    : watcher_(service(), QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForOwnerChange) {
+    QObject::connect(&watcher_, &QDBusServiceWatcher::serviceRegistered, &watcher_,
+                     [this] { setPresent(true); });
+    QObject::connect(&watcher_, &QDBusServiceWatcher::serviceUnregistered, &watcher_,
+                     [this] { setPresent(false); });
+    auto* const bus = QDBusConnection::sessionBus().interface();
+    present_ = bus != nullptr && bus->isServiceRegistered(service()).value();
+}
+
+void NotifierTray::setPresent(bool present) {
+    present_ = present;
+    if (handler_) {
+        handler_();
+    }
+}
+
+} // namespace lumetry

@@ -1,0 +1,83 @@
+#include "platform/qt/widgets/qt_local_event_monitors.h"
+
+#include <QGuiApplication>
+#include <QKeyEvent>
+
+#include <ranges>
+
+namespace lumetry {
+namespace {
+
+bool isModifierKey(int key) {
+    switch (key) {
+    case Qt::Key_Shift:
+    case Qt::Key_Control:
+    case Qt::Key_Alt:
+    case Qt::Key_Meta:
+    case Qt::Key_Super_L:
+    case Qt::Key_Super_R:
+    case Qt::Key_CapsLock:
+        return true;
+    default:
+        return false;
+    }
+}
+
+ModifierFlags flagsOf(Qt::KeyboardModifiers modifiers) {
+    ModifierFlags flags = 0;
+    flags |= modifiers.testFlag(Qt::ShiftModifier) ? modifierShift : 0;
+    flags |= modifiers.testFlag(Qt::ControlModifier) ? modifierControl : 0;
+    flags |= modifiers.testFlag(Qt::AltModifier) ? modifierOption : 0;
+    flags |= modifiers.testFlag(Qt::MetaModifier) ? modifierCommand : 0;
+    return flags;
+}
+
+} // namespace
+
+QtLocalEventMonitors::QtLocalEventMonitors(std::function<std::uint16_t(std::uint32_t)> keyCodeOf)
+    : keyCodeOf_(std::move(keyCodeOf)) {
+    qGuiApp->installEventFilter(this);
+}
+
+Token QtLocalEventMonitors::addLocalMonitorForEvents(EventMask mask, Handler handler) {
+    const int number = ++lastNumber_;
+    monitors_.push_back({number, mask, std::make_shared<Handler>(std::move(handler))});
+    return Token([self = std::weak_ptr(self_), number] {
+        if (const auto monitors = self.lock()) {
+            std::erase_if((*monitors)->monitors_,
+                          [number](const Monitor& monitor) { return monitor.number == number; });
+        }
+    });
+}
+
+bool QtLocalEventMonitors::eventFilter(QObject* watched, QEvent* event) {
+    const bool key = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;
+    // Windows get a key before the widget in them that has the focus does.
+    if (!key || !watched->isWindowType() || monitors_.empty()) {
+        return false;
+    }
+    return deliver(static_cast<const QKeyEvent&>(*event)) == EventFate::swallow;
+}
+
+EventFate QtLocalEventMonitors::deliver(const QKeyEvent& key) {
+    const bool modifier = isModifierKey(key.key());
+    if (!modifier && key.type() != QEvent::KeyPress) {
+        return EventFate::passOn;
+    }
+    Event event;
+    event.type = modifier ? EventType::flagsChanged : EventType::keyDown;
+    event.keyCode = keyCodeOf_(key.nativeScanCode());
+    // What the key event carries is the state before it.
+    event.modifierFlags =
+        flagsOf(modifier ? QGuiApplication::queryKeyboardModifiers() : key.modifiers());
+    const auto monitors = monitors_;
+    for (const Monitor& monitor : monitors | std::views::reverse) {
+        if ((monitor.mask & eventMask(event.type)) != 0 &&
+            (*monitor.handler)(event) == EventFate::swallow) {
+            return EventFate::swallow;
+        }
+    }
+    return EventFate::passOn;
+}
+
+} // namespace lumetry

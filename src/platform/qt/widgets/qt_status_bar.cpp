@@ -1,0 +1,150 @@
+#include "platform/qt/widgets/qt_status_bar.h"
+
+#include "platform/qt/widgets/notifier_tray.h"
+#include "platform/qt/widgets/template_icon.h"
+
+#include <QCursor>
+#include <QEvent>
+#include <QGuiApplication>
+#include <QMenu>
+#include <QPalette>
+#include <QSystemTrayIcon>
+
+#include <optional>
+#include <utility>
+
+namespace lumetry {
+namespace {
+
+/// Desktops whose bar is dark whatever colours applications have.
+bool hasDarkBar() {
+    const QList<QByteArray> desktops = qgetenv("XDG_CURRENT_DESKTOP").split(':');
+    return desktops.contains("GNOME") || desktops.contains("Unity");
+}
+
+void addRow(QMenu& menu, const MenuItem& item) {
+    if (item.separator) {
+        menu.addSeparator();
+        return;
+    }
+    // An ampersand would underline what follows it.
+    QAction* const row =
+        menu.addAction(QString::fromStdString(item.title).replace(u'&', QStringLiteral("&&")));
+    row->setEnabled(item.enabled);
+    if (!item.keyEquivalent.empty()) {
+        row->setShortcut(QKeySequence(
+            QStringLiteral("Ctrl+%1").arg(QString::fromStdString(item.keyEquivalent).toUpper())));
+        row->setShortcutVisibleInContextMenu(true);
+    }
+    if (item.action) {
+        QObject::connect(row, &QAction::triggered, &menu, item.action);
+    }
+}
+
+/// One item. Qt settles on a kind of tray with the first icon that is made, so that it is made
+/// when there is a tray.
+class QtStatusItem final : public QObject, public StatusItem {
+public:
+    QtStatusItem(EmbeddingTray& embeddingTray, NotifierTray& notifierTray)
+        : embeddingTray_(embeddingTray), notifierTray_(notifierTray) {
+        notifierTray_.onChange([this] { followTrays(); });
+        embeddingChange_ = embeddingTray_.onChange([this] { followTrays(); });
+        qGuiApp->installEventFilter(this);
+    }
+    ~QtStatusItem() override { notifierTray_.onChange({}); }
+    QtStatusItem(const QtStatusItem&) = delete;
+    QtStatusItem& operator=(const QtStatusItem&) = delete;
+
+    void setImage(const TemplateImage& image) override {
+        image_ = image;
+        followTrays();
+    }
+
+    void setToolTip(const std::string& text) override {
+        toolTip_ = QString::fromStdString(text);
+        if (icon_) {
+            icon_->setToolTip(toolTip_);
+        }
+    }
+
+    void setMenu(std::vector<MenuItem> menu) override {
+        menu_.clear();
+        for (const MenuItem& item : menu) {
+            addRow(menu_, item);
+        }
+    }
+
+private:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::ApplicationPaletteChange && watched == qGuiApp) {
+            tint();
+        }
+        return false;
+    }
+
+    void followTrays() {
+        const bool present = notifierTray_.isPresent() || embeddingTray_.isPresent();
+        if (!present || !image_) {
+            if (icon_) {
+                icon_->hide();
+            }
+            return;
+        }
+        if (!icon_) {
+            makeIcon();
+        }
+        tint();
+        // Said again, it registers with a tray that has restarted.
+        icon_->hide();
+        icon_->show();
+    }
+
+    void makeIcon() {
+        icon_.emplace();
+        icon_->setToolTip(toolTip_);
+        icon_->setContextMenu(&menu_);
+        QObject::connect(&*icon_, &QSystemTrayIcon::activated, &menu_,
+                         [this](QSystemTrayIcon::ActivationReason reason) {
+                             if (reason == QSystemTrayIcon::Trigger) {
+                                 menu_.popup(QCursor::pos());
+                             }
+                         });
+    }
+
+    void tint() {
+        if (icon_ && image_) {
+            icon_->setIcon(templateIcon(*image_, color()));
+        }
+    }
+
+    [[nodiscard]] QColor color() {
+        if (!notifierTray_.isPresent()) {
+            if (const auto foreground = embeddingTray_.foreground()) {
+                return *foreground;
+            }
+        }
+        return hasDarkBar() ? QColor(Qt::white)
+                            : QGuiApplication::palette().color(QPalette::WindowText);
+    }
+
+    EmbeddingTray& embeddingTray_;
+    NotifierTray& notifierTray_;
+    Token embeddingChange_;
+    std::optional<TemplateImage> image_;
+    QString toolTip_;
+    QMenu menu_;
+    std::optional<QSystemTrayIcon> icon_; ///< from the first tray on
+};
+
+} // namespace
+
+QtStatusBar::QtStatusBar(EmbeddingTray& embeddingTray)
+    : embeddingTray_(embeddingTray), notifierTray_(std::make_unique<NotifierTray>()) {}
+
+QtStatusBar::~QtStatusBar() = default;
+
+std::unique_ptr<StatusItem> QtStatusBar::makeStatusItem() {
+    return std::make_unique<QtStatusItem>(embeddingTray_, *notifierTray_);
+}
+
+} // namespace lumetry

@@ -1,0 +1,172 @@
+#include "support/processes/child_process.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <cstdlib>
+
+namespace lumetry::desktop {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::Contains;
+using testing::HasSubstr;
+using testing::Pair;
+
+const std::string applicationId = "app.lumetry.Lumetry";
+
+std::string contents(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    EXPECT_TRUE(file) << path << " cannot be read";
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// The keys of a desktop entry or D-Bus service of one group.
+std::map<std::string, std::string> entryKeys(const fs::path& path) {
+    std::ifstream file(path);
+    EXPECT_TRUE(file) << path << " cannot be read";
+    std::map<std::string, std::string> keys;
+    for (std::string line; std::getline(file, line);) {
+        if (const auto equals = line.find('='); equals != std::string::npos) {
+            keys[line.substr(0, equals)] = line.substr(equals + 1);
+        }
+    }
+    return keys;
+}
+
+/// Width and height in pixels, from the head of a PNG file; zeros when it is none.
+std::array<unsigned, 2> pngSize(const fs::path& path) {
+    constexpr std::size_t widthAt = 16;
+    constexpr std::size_t headBytes = widthAt + 8;
+    const std::string bytes = contents(path);
+    if (bytes.size() < headBytes || !bytes.starts_with("\x89PNG\r\n\x1a\n")) {
+        return {};
+    }
+    std::array<unsigned, 2> size = {};
+    for (std::size_t i = widthAt; i < headBytes; ++i) {
+        unsigned& side = size.at((i - widthAt) / 4);
+        side = side << 8U | static_cast<unsigned char>(bytes[i]);
+    }
+    return size;
+}
+
+/// What cmake --install puts below a folder that goes with the test.
+class Install : public testing::Test {
+protected:
+    Install() {
+        std::string name = (fs::temp_directory_path() / "lumetry-install-XXXXXX").string();
+        if (mkdtemp(name.data()) == nullptr) {
+            throw std::runtime_error("no folder can be made in " +
+                                     fs::temp_directory_path().string());
+        }
+        folder_ = name;
+    }
+    ~Install() override { fs::remove_all(folder_); }
+
+    static void install(const fs::path& prefix, const std::string& stage = {}) {
+        ProcessOptions options;
+        options.environment.erase("DESTDIR");
+        if (!stage.empty()) {
+            options.environment["DESTDIR"] = stage;
+        }
+        const auto run = runProgram(
+            {LUMETRY_CMAKE, "--install", LUMETRY_BUILD, "--prefix", prefix.string()}, options);
+        ASSERT_EQ(run.status.code, 0) << run.output << run.error;
+    }
+
+    [[nodiscard]] const fs::path& folder() const { return folder_; }
+
+private:
+    fs::path folder_;
+};
+
+TEST_F(Install, StartsTheInstalledPrograms) {
+    ASSERT_NO_FATAL_FAILURE(install(folder()));
+    const auto measure = runProgram({(folder() / "bin/lumetry-measure").string(), "--help"});
+    EXPECT_EQ(measure.status.code, 0) << measure.error;
+    EXPECT_THAT(measure.output, HasSubstr("--json"));
+
+    ProcessOptions noDisplay;
+    noDisplay.environment.erase("DISPLAY");
+    noDisplay.environment.erase("WAYLAND_DISPLAY");
+    const auto lumetry = runProgram({(folder() / "bin/lumetry").string()}, noDisplay);
+    EXPECT_EQ(lumetry.status.code, 1);
+    EXPECT_TRUE(lumetry.error.starts_with("lumetry: ")) << lumetry.error;
+}
+
+TEST_F(Install, TheDesktopFindsTheProgramByItsEntries) {
+    ASSERT_NO_FATAL_FAILURE(install(folder()));
+    const fs::path entry = folder() / "share/applications" / (applicationId + ".desktop");
+    const fs::path autostart = folder() / "share/lumetry/autostart" / entry.filename();
+
+    const auto validation =
+        runProgram({"desktop-file-validate", entry.string(), autostart.string()});
+    EXPECT_EQ(validation.status.code, 0) << validation.output;
+    EXPECT_EQ(validation.output, "");
+
+    for (const fs::path& path : {entry, autostart}) {
+        SCOPED_TRACE(path);
+        EXPECT_THAT(entryKeys(path), Contains(Pair("Exec", "lumetry")));
+        EXPECT_THAT(entryKeys(path), Contains(Pair("Icon", applicationId)));
+    }
+    EXPECT_THAT(entryKeys(entry), Contains(Pair("DBusActivatable", "true")));
+    // A session starts its autostart entries as programs.
+    EXPECT_FALSE(entryKeys(autostart).contains("DBusActivatable"));
+}
+
+TEST_F(Install, TheServiceNamesTheProgramByItsWholePath) {
+    const fs::path service = "share/dbus-1/services/" + applicationId + ".service";
+    struct Case {
+        const char* name;
+        fs::path prefix;
+        std::string stage;
+    };
+    const std::array cases = {
+        Case{"below a prefix", folder() / "prefix", ""},
+        Case{"staged for a prefix", "/opt/lumetry", (folder() / "stage").string()},
+    };
+    for (const auto& [name, prefix, stage] : cases) {
+        SCOPED_TRACE(name);
+        ASSERT_NO_FATAL_FAILURE(install(prefix, stage));
+        const auto keys = entryKeys(stage + (prefix / service).string());
+        EXPECT_THAT(keys, Contains(Pair("Name", applicationId)));
+        EXPECT_THAT(keys, Contains(Pair("Exec", (prefix / "bin/lumetry").string())));
+        EXPECT_TRUE(fs::exists(stage + (prefix / "bin/lumetry").string()));
+    }
+}
+
+TEST_F(Install, PutsTheIconInTheThemeAtEverySize) {
+    ASSERT_NO_FATAL_FAILURE(install(folder()));
+    const fs::path theme = folder() / "share/icons/hicolor";
+    EXPECT_THAT(contents(theme / "scalable/apps" / (applicationId + ".svg")), HasSubstr("<svg"));
+    for (const unsigned size : {16U, 22U, 24U, 32U, 48U, 64U, 128U, 256U}) {
+        const std::string name = std::to_string(size) + "x" + std::to_string(size);
+        const fs::path icon = theme / name / "apps" / (applicationId + ".png");
+        EXPECT_EQ(pngSize(icon), (std::array{size, size})) << icon;
+    }
+}
+
+TEST_F(Install, DescribesItselfForSoftwareCentresAndReaders) {
+    ASSERT_NO_FATAL_FAILURE(install(folder()));
+    const fs::path share = folder() / "share";
+    const std::string metainfo = contents(share / "metainfo" / (applicationId + ".metainfo.xml"));
+    EXPECT_THAT(metainfo, HasSubstr("<id>" + applicationId + "</id>"));
+    EXPECT_THAT(metainfo,
+                HasSubstr("<launchable type=\"desktop-id\">" + applicationId + ".desktop<"));
+    for (const std::string program : {"lumetry", "lumetry-measure"}) {
+        EXPECT_THAT(metainfo, HasSubstr("<binary>" + program + "</binary>"));
+        EXPECT_THAT(contents(share / "man/man1" / (program + ".1")), HasSubstr(".SH NAME\n"));
+    }
+}
+
+} // namespace
+} // namespace lumetry::desktop

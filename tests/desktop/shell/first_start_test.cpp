@@ -1,0 +1,131 @@
+#include "support/real_desktop/lumetry_settings.h"
+#include "support/real_desktop/shell_user.h"
+
+#include <X11/keysym.h>
+#include <gtest/gtest.h>
+
+namespace lumetry::desktop {
+namespace {
+
+DesktopOptions newDesktop() {
+    DesktopOptions options;
+    options.accessibility = AccessibilityBus::disabled;
+    return options;
+}
+
+/// A new user's desktop, with a tray.
+class FirstStart : public testing::Test {
+protected:
+    InputDevice& input() { return desktop.input(); }
+    bool says(const std::string& text) const { return user.sees("label", text); }
+    /// What the user chooses in the tray's menu, by the keyboard, from its end.
+    void quitFromTray() {
+        user.openTrayMenu();
+        input().typeKey(XK_Up);
+        input().typeKey(XK_Return);
+    }
+    void expectEnded(ChildProcess& lumetry) {
+        const auto status = lumetry.wait();
+        ASSERT_TRUE(status);
+        EXPECT_EQ(status->code, 0);
+        EXPECT_EQ(lumetry.standardError(), "");
+    }
+
+    PrivateDesktop desktop{newDesktop()};
+    ChildProcess tray =
+        desktop.start({"trayer", "--align", "right", "--width", "120", "--widthtype", "pixel",
+                       "--transparent", "true", "--alpha", "0"});
+    ShellUser user{desktop, LUMETRY_PROGRAM};
+};
+
+TEST_F(FirstStart, LeadsFromNothingToInspecting) {
+    auto lumetry = user.startLumetry();
+    user.waitForWindow(onboardingTitle);
+    EXPECT_TRUE(waitUntil([&] { return user.isInFront(onboardingTitle); }));
+    user.clickButton("Get Started");
+    const auto grant = user.waitFor("push button", "Grant Accessibility");
+    EXPECT_TRUE(user.sees("push button", "Grant Accessibility to continue"));
+    // Nothing can be captured but what the X server lets be read: that is granted from the start.
+    EXPECT_TRUE(says("Granted ✓"));
+    user.click(grant);
+    EXPECT_TRUE(waitUntil([&] { return desktop.accessibilityEnabled(); }));
+    user.waitFor("push button", "Continue");
+    EXPECT_FALSE(user.sees("push button", "Grant Accessibility"));
+    EXPECT_TRUE(waitUntil([&] { return user.isInFront(onboardingTitle); }));
+
+    user.clickButton("Continue");
+    user.waitFor("label", "waiting for your keys…");
+    input().pressKey(XK_Control_L);
+    user.waitFor("label", "⌃ down — add ⇧ and M");
+    input().pressKey(XK_Shift_L);
+    user.waitFor("label", "almost — tap M!");
+    input().releaseKey(XK_Control_L);
+    user.waitFor("label", "⇧ down — add ⌃ and M");
+    input().releaseKey(XK_Shift_L);
+    user.waitFor("label", "waiting for your keys…");
+    EXPECT_FALSE(isOnboarded(desktop));
+
+    user.pressShortcut();
+    user.waitUntilInspecting(true);
+    user.waitUntilClosed(onboardingTitle);
+    EXPECT_TRUE(isOnboarded(desktop));
+    input().typeKey(XK_Escape);
+    user.waitUntilInspecting(false);
+    user.pressShortcut();
+    user.waitUntilInspecting(true);
+    quitFromTray();
+    expectEnded(lumetry);
+}
+
+TEST_F(FirstStart, ClosedHalfWayItGoesOnFromThere) {
+    auto lumetry = user.startLumetry();
+    user.clickButton("Get Started");
+    user.waitFor("push button", "Grant Accessibility");
+    user.close(onboardingTitle);
+    user.waitUntilClosed(onboardingTitle);
+    EXPECT_TRUE(lumetry.running());
+    // Nothing is granted yet: from the beginning.
+    user.pressShortcut();
+    user.clickButton("Get Started");
+    user.clickButton("Grant Accessibility");
+    user.waitFor("push button", "Continue");
+    user.close(onboardingTitle);
+    user.waitUntilClosed(onboardingTitle);
+    quitFromTray();
+    expectEnded(lumetry);
+    EXPECT_FALSE(isOnboarded(desktop));
+
+    // Everything is granted by now: at the practice.
+    auto again = user.startLumetry();
+    user.waitFor("label", "waiting for your keys…");
+    user.clickButton("Start Inspecting");
+    user.waitUntilInspecting(true);
+    EXPECT_TRUE(isOnboarded(desktop));
+    quitFromTray();
+    expectEnded(again);
+}
+
+TEST_F(FirstStart, CanBeGoneThroughByTheKeyboardAlone) {
+    auto lumetry = user.startLumetry();
+    user.waitFor("push button", "Get Started");
+    ASSERT_TRUE(waitUntil([&] { return user.isInFront(onboardingTitle); }));
+    input().typeKey(XK_Return);
+    const auto grant = user.waitFor("push button", "Grant Accessibility");
+    constexpr int mostTabs = 6;
+    for (int i = 0; i < mostTabs && !grant.is(AccessibleState::focused); ++i) {
+        input().typeKey(XK_Tab);
+        static_cast<void>(waitUntil([&] { return grant.is(AccessibleState::focused); },
+                                    std::chrono::milliseconds(300)));
+    }
+    ASSERT_TRUE(grant.is(AccessibleState::focused));
+    input().typeKey(XK_space);
+    user.waitFor("push button", "Continue");
+    ASSERT_TRUE(waitUntil([&] { return user.isInFront(onboardingTitle); }));
+    input().typeKey(XK_Return);
+    user.waitFor("label", "waiting for your keys…");
+    input().typeKey(XK_Return);
+    user.waitUntilInspecting(true);
+}
+
+} // namespace
+} // namespace lumetry::desktop

@@ -1,0 +1,174 @@
+#include "support/real_desktop/shell_user.h"
+
+#include "support/processes/wait_until.h"
+
+#include <X11/keysym.h>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace lumetry::desktop {
+namespace {
+
+constexpr const char* applicationName = "lumetry";
+
+std::vector<xcb_window_t> childrenOf(const XConnection& server, xcb_window_t window) {
+    const Reply<xcb_query_tree_reply_t> tree(
+        xcb_query_tree_reply(server.get(), xcb_query_tree(server.get(), window), nullptr));
+    if (!tree) {
+        return {};
+    }
+    const auto* const first = xcb_query_tree_children(tree.get());
+    return {first, first + xcb_query_tree_children_length(tree.get())};
+}
+
+/// The first window below that one, itself included, whose class is Lumetry's.
+xcb_window_t findOwn(const XConnection& server, xcb_window_t window) {
+    const auto names = server.textProperty(window, "WM_CLASS");
+    if (names && names->find(applicationName) != std::string::npos) {
+        return window;
+    }
+    for (const xcb_window_t child : childrenOf(server, window)) {
+        if (const xcb_window_t found = findOwn(server, child)) {
+            return found;
+        }
+    }
+    return XCB_NONE;
+}
+
+} // namespace
+
+ShellUser::ShellUser(PrivateDesktop& desktop, std::string program)
+    : desktop_(desktop), program_(std::move(program)), tree_(desktop.accessibilityBusAddress()),
+      overlay_(desktop.server()) {}
+
+ChildProcess ShellUser::startLumetry() {
+    return desktop_.start({program_}, {{"QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1"}});
+}
+
+std::optional<DesktopWindow> ShellUser::window(const std::string& title) const {
+    const auto all = desktopWindows(desktop_.server());
+    const auto found = std::ranges::find(all, title, &DesktopWindow::title);
+    return found == all.end() ? std::nullopt : std::optional(*found);
+}
+
+void ShellUser::waitForWindow(const std::string& title) const {
+    requireUntil("the window \"" + title + '"', [&] { return window(title).has_value(); });
+}
+
+void ShellUser::waitUntilClosed(const std::string& title) const {
+    requireUntil("the window \"" + title + "\" to close", [&] { return !window(title); });
+}
+
+bool ShellUser::isInFront(const std::string& title) const {
+    const auto wanted = window(title);
+    const auto active =
+        desktop_.server().numbersProperty(desktop_.server().root(), "_NET_ACTIVE_WINDOW");
+    return wanted && !active.empty() && active.front() == wanted->id;
+}
+
+void ShellUser::close(const std::string& title) const {
+    const auto closing = window(title);
+    if (!closing) {
+        throw std::runtime_error("there is no window \"" + title + "\" to close");
+    }
+    const auto& server = desktop_.server();
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = closing->id;
+    message.type = server.atom("WM_PROTOCOLS");
+    message.data.data32[0] = server.atom("WM_DELETE_WINDOW");
+    xcb_send_event(server.get(), 0, closing->id, XCB_EVENT_MASK_NO_EVENT,
+                   reinterpret_cast<const char*>(&message));
+    server.sync();
+}
+
+std::optional<Accessible> ShellUser::find(const std::string& role, const std::string& name) const {
+    for (const Accessible& application : tree_.applications()) {
+        if (application.name() != applicationName) {
+            continue;
+        }
+        const auto found = application.find([&](const Accessible& element) {
+            return element.name() == name && element.role() == role && element.showing();
+        });
+        if (found) {
+            return found;
+        }
+    }
+    return std::nullopt;
+}
+
+Accessible ShellUser::waitFor(const std::string& role, const std::string& name) const {
+    std::optional<Accessible> found;
+    requireUntil(role + " \"" + name + '"', [&] { return (found = find(role, name)).has_value(); });
+    return *found;
+}
+
+bool ShellUser::sees(const std::string& role, const std::string& name) const {
+    return find(role, name).has_value();
+}
+
+void ShellUser::click(const Accessible& element) {
+    // It may still be moving in.
+    std::optional<Rect> place;
+    requireUntil("an element to come to rest", [&] {
+        const auto before = std::exchange(place, element.extents());
+        return place && before == place;
+    });
+    desktop_.input().movePointer(static_cast<int>(place->midX()), static_cast<int>(place->midY()));
+    desktop_.input().click();
+}
+
+void ShellUser::pressShortcut() {
+    auto& input = desktop_.input();
+    input.pressKey(XK_Control_L);
+    input.pressKey(XK_Shift_L);
+    input.typeKey(XK_m);
+    input.releaseKey(XK_Shift_L);
+    input.releaseKey(XK_Control_L);
+}
+
+void ShellUser::waitUntilInspecting(bool wanted) const {
+    requireUntil(wanted ? "inspect mode" : "the end of inspect mode",
+                 [&] { return inspecting() == wanted; });
+}
+
+std::optional<Rect> ShellUser::trayIcon() const {
+    const auto& server = desktop_.server();
+    const xcb_window_t tray = server.selectionOwner("_NET_SYSTEM_TRAY_S0");
+    const xcb_window_t icon = tray == XCB_NONE ? XCB_NONE : findOwn(server, server.root());
+    if (icon == XCB_NONE) {
+        return std::nullopt;
+    }
+    const Reply<xcb_get_geometry_reply_t> size(
+        xcb_get_geometry_reply(server.get(), xcb_get_geometry(server.get(), icon), nullptr));
+    const Reply<xcb_translate_coordinates_reply_t> place(xcb_translate_coordinates_reply(
+        server.get(), xcb_translate_coordinates(server.get(), icon, server.root(), 0, 0), nullptr));
+    if (!size || !place) {
+        return std::nullopt;
+    }
+    return Rect{static_cast<double>(place->dst_x), static_cast<double>(place->dst_y),
+                static_cast<double>(size->width), static_cast<double>(size->height)};
+}
+
+bool ShellUser::menuIsOpen() const {
+    return std::ranges::any_of(desktopWindows(desktop_.server()), [](const DesktopWindow& one) {
+        return one.overrideRedirect && one.instanceName == applicationName &&
+               one.title != "Lumetry overlay";
+    });
+}
+
+void ShellUser::openTrayMenu() {
+    std::optional<Rect> icon;
+    requireUntil("an icon in the tray", [&] {
+        const auto before = std::exchange(icon, trayIcon());
+        return icon && before == icon && icon->width > 4;
+    });
+    desktop_.input().movePointer(static_cast<int>(icon->midX()), static_cast<int>(icon->midY()));
+    desktop_.input().click();
+    requireUntil("the menu", [&] { return menuIsOpen(); });
+}
+
+} // namespace lumetry::desktop

@@ -1,0 +1,72 @@
+#include "app/hot_key.h"
+
+#include "support/fake_platform/fake_shell.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace lumetry {
+namespace {
+
+constexpr std::uint32_t signature = 0x4C554D54;
+
+TEST(HotKey, RegistersAtOnceAndCallsItsAction) {
+    FakeHotKeys hotKeys;
+    int calls = 0;
+    const HotKey key(hotKeys, 46, 0x1200, 1, [&] { ++calls; });
+    const auto registrations = hotKeys.registrations.all();
+    ASSERT_EQ(registrations.size(), 1U);
+    EXPECT_EQ(registrations[0].keyCode, 46U);
+    EXPECT_EQ(registrations[0].modifiers, 0x1200U);
+    EXPECT_EQ(registrations[0].id, (HotKeyID{signature, 1}));
+
+    EXPECT_EQ(hotKeys.press({signature, 1}), std::vector<EventStatus>{noErr});
+    EXPECT_EQ(calls, 1);
+    // The signature does not matter, an unknown identifier is swallowed.
+    EXPECT_EQ(hotKeys.press({0, 1}), std::vector<EventStatus>{noErr});
+    EXPECT_EQ(hotKeys.press({signature, 2}), std::vector<EventStatus>{noErr});
+    EXPECT_EQ(calls, 2);
+    EXPECT_EQ(HotKey::handleEvent(nullptr), -9874);
+}
+
+TEST(HotKey, ServesEveryKeyByWhicheverHandlerIsAsked) {
+    FakeHotKeys hotKeys;
+    int first = 0;
+    int second = 0;
+    auto one = std::make_unique<HotKey>(hotKeys, 46, 0x1200, 1, [&] { ++first; });
+    const HotKey two(hotKeys, 45, 0x1200, 2, [&] { ++second; });
+    hotKeys.press({signature, 1});
+    hotKeys.press({signature, 2});
+    EXPECT_EQ(first, 1);
+    EXPECT_EQ(second, 1);
+
+    one.reset();
+    EXPECT_EQ(hotKeys.registrations.all().size(), 1U);
+    EXPECT_EQ(hotKeys.handlers.all().size(), 1U);
+    hotKeys.press({signature, 1});
+    EXPECT_EQ(first, 1);
+}
+
+TEST(HotKey, ALaterOneOfItsIdentifierTakesItsPlaceForGood) {
+    FakeHotKeys hotKeys;
+    int early = 0;
+    int late = 0;
+    auto one = std::make_unique<HotKey>(hotKeys, 46, 0x1200, 1, [&] { ++early; });
+    const HotKey two(hotKeys, 46, 0x1200, 1, [&] { ++late; });
+    one.reset();
+    hotKeys.press({signature, 1});
+    EXPECT_EQ(early, 0);
+    EXPECT_EQ(late, 1);
+}
+
+TEST(HotKey, MayGoInItsOwnAction) {
+    FakeHotKeys hotKeys;
+    std::unique_ptr<HotKey> key;
+    key = std::make_unique<HotKey>(hotKeys, 46, 0x1200, 1, [&] { key.reset(); });
+    hotKeys.press({signature, 1});
+    EXPECT_TRUE(hotKeys.registrations.all().empty());
+}
+
+} // namespace
+} // namespace lumetry
