@@ -2,12 +2,14 @@
 
 #include "base/number_text.h"
 #include "base/text.h"
+#include "platform/accessibility.h"
 #include "probe/ax_access.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -64,6 +66,12 @@ std::optional<AttributedStringRef> nonEmpty(const std::optional<AXValue>& answer
     return text && *text && !(*text)->text.empty() ? text : std::nullopt;
 }
 
+/// Asks all elements together for what tells whether they have text.
+void prefetchText(Accessibility& accessibility, std::span<const AXUIElement> elements) {
+    constexpr std::array<std::string_view, 2> attributes = {"AXNumberOfCharacters", "AXValue"};
+    accessibility.prefetch(elements, attributes);
+}
+
 std::optional<TextInfo> ownTextInfo(const AXUIElement& element) {
     auto text = axAttributedFirstChar(element);
     if (!text) {
@@ -102,11 +110,13 @@ std::string fontRow(const AXDictionary& font) {
 
 } // namespace
 
-TextInfo axTextInfoDeep(const AXUIElement& element) {
+TextInfo axTextInfoDeep(Accessibility& accessibility, const AXUIElement& element) {
+    prefetchText(accessibility, {&element, 1});
     if (auto info = ownTextInfo(element)) {
         return *info;
     }
     if (const auto parent = axParent(element)) {
+        prefetchText(accessibility, {&*parent, 1});
         if (auto info = ownTextInfo(*parent)) {
             return *info;
         }
@@ -119,6 +129,7 @@ TextInfo axTextInfoDeep(const AXUIElement& element) {
     if (!children || children->size() > mostChildrenSearched) {
         return {};
     }
+    prefetchText(accessibility, *children);
     for (const AXUIElement& child : *children) {
         if (auto info = ownTextInfo(child)) {
             return *info;

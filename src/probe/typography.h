@@ -11,6 +11,8 @@
 
 namespace lumetry {
 
+class Accessibility;
+
 /// How text is set, as far as the application tells.
 struct TextInfo {
     std::optional<std::string> font; ///< the row's text, such as "Inter · 14px · semibold"
@@ -21,7 +23,7 @@ struct TextInfo {
 
 /// The typography of an element: its own, else its parent's, else that of the first of up to eight
 /// children that tells. Both fields are absent when nobody does.
-[[nodiscard]] TextInfo axTextInfoDeep(const AXUIElement& element);
+[[nodiscard]] TextInfo axTextInfoDeep(Accessibility& accessibility, const AXUIElement& element);
 
 using AttributedStringRef = std::shared_ptr<const AXAttributedString>;
 

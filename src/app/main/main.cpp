@@ -1,4 +1,6 @@
 #include "app/app_delegate.h"
+#include "app/status_menu.h"
+#include "app/views/application_icon.h"
 #include "app/views/control_panel.h"
 #include "onboarding/views/onboarding_widget.h"
 #include "platform/native/shell/native_shell.h"
@@ -9,6 +11,7 @@
 #include <cstdlib>
 #include <iostream>
 #include <string>
+#include <utility>
 
 int main(int argc, char** argv) {
     lumetry::ProbeState state;
@@ -21,6 +24,7 @@ int main(int argc, char** argv) {
         }
         return problem.empty() ? EXIT_SUCCESS : EXIT_FAILURE;
     }
+    lumetry::setApplicationIcon(lumetry::statusBarIcon());
     lumetry::AppDelegate delegate(
         shell->platform(), state,
         {[](lumetry::OnboardingActions& actions) { return lumetry::makeOnboardingWindow(actions); },

@@ -1,10 +1,12 @@
 #include "app/views/control_panel.h"
 
+#include "onboarding/views/buttons.h"
 #include "onboarding/views/style.h"
 #include "platform/qt/widgets/template_icon.h"
 
 #include <QApplication>
 #include <QDialog>
+#include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMouseEvent>
@@ -23,17 +25,6 @@ using namespace views;
 
 constexpr QSize panelSize = {360, 196};
 
-/// Buttons of the desktop's own kind, in the dark.
-QPalette darkPalette() {
-    QPalette palette;
-    palette.setColor(QPalette::Window, background());
-    palette.setColor(QPalette::WindowText, whiteAt(1));
-    palette.setColor(QPalette::Button, QColor(64, 64, 70));
-    palette.setColor(QPalette::ButtonText, whiteAt(1));
-    palette.setColor(QPalette::Highlight, pink());
-    return palette;
-}
-
 class ControlPanel final : public QDialog {
 public:
     ControlPanel(ControlPanelActions actions, const TemplateImage& icon)
@@ -43,7 +34,9 @@ public:
         setWindowFlags(Qt::Tool | Qt::WindowStaysOnTopHint | Qt::WindowTitleHint |
                        Qt::WindowCloseButtonHint);
         setFixedSize(panelSize);
-        setPalette(darkPalette());
+        QPalette dark;
+        dark.setColor(QPalette::Window, background());
+        setPalette(dark);
         setAutoFillBackground(true);
 
         auto* const stack = new QVBoxLayout(this);
@@ -88,25 +81,32 @@ private:
     }
 
     QLayout* makeButtons() {
-        auto* const quit = new QPushButton(QStringLiteral("Quit Lumetry"), this);
+        auto* const quit = makeButton(QStringLiteral("Quit Lumetry"), whiteAt(0.14));
         QObject::connect(quit, &QPushButton::clicked, this, [this] { actions_.quitFromPanel(); });
-        auto* const start = new QPushButton(QStringLiteral("Start inspecting"), this);
-        QPalette accent = start->palette();
-        accent.setColor(QPalette::Button, pink());
-        start->setPalette(accent);
+        auto* const start = makeButton(QStringLiteral("Start inspecting"), pink());
         start->setDefault(true);
         start->setFocus();
         QObject::connect(start, &QPushButton::clicked, this, [this] { actions_.startFromPanel(); });
         auto* const row = new QHBoxLayout;
         row->setSpacing(10);
         row->addStretch();
-        for (QPushButton* const button : {quit, start}) {
-            button->setFont(systemFont(13));
-            button->setMinimumHeight(28);
-            row->addWidget(button);
-        }
+        row->addWidget(quit);
+        row->addWidget(start);
         row->addStretch();
         return row;
+    }
+
+    FlatButton* makeButton(const QString& title, const QColor& fill) {
+        constexpr int height = 28;
+        constexpr int padding = 14;
+        constexpr double cornerRadius = 6;
+        auto* const button = new FlatButton(this);
+        button->setText(title);
+        button->setFont(systemFont(13));
+        button->setLook({fill, Qt::transparent, whiteAt(1), cornerRadius});
+        button->setFixedSize(QFontMetrics(button->font()).horizontalAdvance(title) + 2 * padding,
+                             height);
+        return button;
     }
 
     void mousePressEvent(QMouseEvent* event) override {

@@ -3,6 +3,7 @@
 #include "onboarding/views/style.h"
 #include "onboarding/views/symbols.h"
 
+#include <QFocusEvent>
 #include <QPainter>
 
 namespace lumetry::views {
@@ -31,13 +32,19 @@ void FlatButton::paintEvent(QPaintEvent* /*event*/) {
         painter.setBrush(isDown() ? QColor(0, 0, 0, 40) : QColor(255, 255, 255, 18));
         painter.drawRoundedRect(QRectF(rect()), look_.cornerRadius, look_.cornerRadius);
     }
-    if (hasFocus() && isActiveWindow()) {
+    if (hasFocus() && reachedByKey_) {
         painter.setBrush(Qt::NoBrush);
         painter.setPen(QPen(whiteAt(0.6), 1.5));
         painter.drawRoundedRect(QRectF(rect()).adjusted(2.5, 2.5, -2.5, -2.5),
                                 look_.cornerRadius - 2, look_.cornerRadius - 2);
     }
     paintContents(painter);
+}
+
+void FlatButton::focusInEvent(QFocusEvent* event) {
+    reachedByKey_ =
+        event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    QPushButton::focusInEvent(event);
 }
 
 void FlatButton::paintContents(QPainter& painter) {

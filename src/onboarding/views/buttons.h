@@ -13,7 +13,8 @@ struct ButtonLook {
     double cornerRadius = 0;
 };
 
-/// A flat button of its own colours, with a ring around it while it has the keyboard.
+/// A flat button of its own colours, with a ring around it while it has the keyboard
+/// and was reached by it.
 class FlatButton : public QPushButton {
 public:
     explicit FlatButton(QWidget* parent);
@@ -23,11 +24,13 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
     /// What stands on the button.
     virtual void paintContents(QPainter& painter);
 
 private:
     ButtonLook look_;
+    bool reachedByKey_ = false;
 };
 
 /// The chevron that leads a step back.

@@ -1,5 +1,6 @@
 #include "onboarding/views/onboarding_widget.h"
 
+#include "onboarding/views/backdrop.h"
 #include "onboarding/views/buttons.h"
 #include "onboarding/views/entrance.h"
 #include "onboarding/views/keycap.h"
@@ -32,25 +33,6 @@ constexpr QSize windowSize = {860, 580};
 constexpr int chromeHeight = 72;
 constexpr double fadeSeconds = 0.28;
 
-/// The light in the background at its strongest.
-QPixmap makeLight() {
-    QPixmap light(windowSize);
-    light.fill(Qt::transparent);
-    // A radial gradient of the unit square with y upwards, from its start to its end.
-    constexpr QPointF start(0.5, 0.3);
-    constexpr QPointF end(1.25, 1.4);
-    QRadialGradient gradient(0, 0, 1);
-    gradient.setColorAt(0, pink(0.13));
-    gradient.setColorAt(0.55, pink(0.04));
-    gradient.setColorAt(1, pink(0));
-    QPainter painter(&light);
-    painter.translate(windowSize.width() * start.x(), windowSize.height() * (1 - start.y()));
-    painter.scale(windowSize.width() * (end.x() - start.x()),
-                  windowSize.height() * (end.y() - start.y()));
-    painter.fillRect(QRectF(-2, -2, 4, 4), gradient);
-    return light;
-}
-
 class OnboardingWidget final : public QWidget {
 public:
     explicit OnboardingWidget(OnboardingActions& actions);
@@ -72,7 +54,7 @@ private:
     void setTabOrderOfPage();
 
     OnboardingActions& actions_;
-    QPixmap light_ = makeLight();
+    Backdrop backdrop_{windowSize};
     double lightOpacity_ = 1;
     Page* currentPage_ = nullptr;
     PermissionsPage* permissions_ = nullptr; ///< while it is the current page
@@ -101,6 +83,7 @@ OnboardingWidget::OnboardingWidget(OnboardingActions& actions)
         constexpr double step = 1.0 / 32;
         if (std::abs(opacity - lightOpacity_) >= step) {
             lightOpacity_ = opacity;
+            backdrop_.setOpacity(opacity);
             update();
         }
     });
@@ -209,9 +192,7 @@ void OnboardingWidget::setNudge(const QString& text) {
 
 void OnboardingWidget::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
-    painter.fillRect(event->rect(), background());
-    painter.setOpacity(lightOpacity_);
-    painter.drawPixmap(event->rect(), light_, event->rect());
+    painter.drawImage(event->rect(), backdrop_.picture(), event->rect());
 }
 
 void OnboardingWidget::closeEvent(QCloseEvent* event) {

@@ -15,6 +15,11 @@ constexpr int cardHeight = 74;
 constexpr double cornerRadius = 10;
 constexpr int wellSide = 40;
 constexpr int wellMargin = 16;
+constexpr int buttonWidth = 74;
+constexpr int buttonMargin = 16;
+constexpr int cardWidth = 440;
+/// Between the well and the button, whether that is shown or not.
+constexpr int textWidth = cardWidth - wellMargin - wellSide - 14 - 12 - buttonWidth - buttonMargin;
 
 QColor tintOf(CardTint tint) {
     switch (tint) {
@@ -33,7 +38,7 @@ FlatButton* makeGrantButton(const QString& title, QWidget* parent) {
     button->setText(QStringLiteral("Grant"));
     button->setAccessibleName(QStringLiteral("Grant ") + title);
     button->setFont(systemFont(13, FontWeight::semibold));
-    button->setFixedSize(74, 30);
+    button->setFixedSize(buttonWidth, 30);
     button->setLook({pink(0.16), pink(0.5), pink(), 8});
     return button;
 }
@@ -55,7 +60,9 @@ QLayout* makeTexts(const PermissionCard::Texts& texts, QWidget* parent) {
     column->setSpacing(3);
     column->addStretch();
     column->addLayout(heading);
-    column->addWidget(makeLabel(texts.description, systemFont(13), whiteAt(0.55), parent));
+    auto* const description = makeLabel(texts.description, systemFont(13), whiteAt(0.55), parent);
+    fitLabel(*description, textWidth);
+    column->addWidget(description);
     column->addStretch();
     return column;
 }
@@ -68,9 +75,9 @@ PermissionCard::PermissionCard(Symbol symbol, const Texts& texts, QWidget* paren
       button_(makeGrantButton(texts.title, this)),
       done_(makeLabel(QStringLiteral("Granted ✓"), systemFont(13, FontWeight::semibold),
                       systemGreen(), this)) {
-    setFixedHeight(cardHeight);
+    setFixedSize(cardWidth, cardHeight);
     auto* const row = new QHBoxLayout(this);
-    row->setContentsMargins(wellMargin, 0, 16, 0);
+    row->setContentsMargins(wellMargin, 0, buttonMargin, 0);
     row->setSpacing(0);
     auto* const well = new QHBoxLayout;
     well->addWidget(icon_, 0, Qt::AlignCenter);
@@ -80,8 +87,12 @@ PermissionCard::PermissionCard(Symbol symbol, const Texts& texts, QWidget* paren
     wellWidget->setFixedSize(wellSide, wellSide);
     row->addWidget(wellWidget);
     row->addSpacing(14);
-    row->addLayout(makeTexts(texts, this), 1);
-    row->addSpacing(12);
+    auto* const column = new QWidget(this);
+    column->setLayout(makeTexts(texts, column));
+    column->layout()->setContentsMargins(0, 0, 0, 0);
+    column->setFixedWidth(textWidth);
+    row->addWidget(column);
+    row->addStretch();
     row->addWidget(button_);
     row->addWidget(done_);
     done_->setContentsMargins(0, 0, 2, 0);

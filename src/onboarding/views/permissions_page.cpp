@@ -36,9 +36,6 @@ PermissionsPage::PermissionsPage(OnboardingActions& actions, QWidget* parent)
     right->addWidget(screenRecording_);
     right->addSpacing(16);
     right->addWidget(footer, 0, Qt::AlignLeft);
-    constexpr int rightWidth = 440;
-    accessibility_->setFixedWidth(rightWidth);
-    screenRecording_->setFixedWidth(rightWidth);
 
     auto* const columns = new QWidget(this);
     auto* const row = new QHBoxLayout(columns);

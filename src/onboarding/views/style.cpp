@@ -7,6 +7,8 @@
 #include <QLabel>
 #include <QScreen>
 
+#include <cmath>
+
 namespace lumetry::views {
 namespace {
 
@@ -68,6 +70,17 @@ QLabel* makeLabel(const QString& text, const QFont& font, const QColor& color, Q
     // A drag that begins on it moves the window.
     label->setAttribute(Qt::WA_TransparentForMouseEvents);
     return label;
+}
+
+void fitLabel(QLabel& label, int width) {
+    const int wanted = label.sizeHint().width();
+    if (wanted > width) {
+        constexpr double all = 100;
+        QFont font = label.font();
+        // Of whole letters, rounded down for what glyphs' rounding adds.
+        font.setLetterSpacing(QFont::PercentageSpacing, std::floor(all * width / wanted) - 0.5);
+        label.setFont(font);
+    }
 }
 
 void setLabelColor(QLabel& label, const QColor& color) {

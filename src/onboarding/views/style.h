@@ -27,6 +27,8 @@ namespace lumetry::views {
 /// A line of text, or as many as its breaks make.
 [[nodiscard]] QLabel* makeLabel(const QString& text, const QFont& font, const QColor& color,
                                 QWidget* parent);
+/// Sets the label's letters closer together where it would be wider than that, in pixels.
+void fitLabel(QLabel& label, int width);
 void setLabelColor(QLabel& label, const QColor& color);
 
 } // namespace lumetry::views

@@ -5,6 +5,7 @@
 #include <X11/keysym.h>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 #include <vector>
 
@@ -38,6 +39,24 @@ xcb_window_t findOwn(const XConnection& server, xcb_window_t window) {
 }
 
 } // namespace
+
+void ShellUser::clickWhereItRests(const std::string& what,
+                                  const std::function<std::optional<Rect>()>& where) {
+    // A window that has just opened may still be put elsewhere.
+    constexpr auto rest = std::chrono::milliseconds(250);
+    std::optional<Rect> place;
+    auto since = std::chrono::steady_clock::now();
+    requireUntil(what + " to come to rest", [&] {
+        const auto now = std::chrono::steady_clock::now();
+        if (auto current = where(); current != place) {
+            place = current;
+            since = now;
+        }
+        return place && place->width > 1 && now - since >= rest;
+    });
+    desktop_.input().movePointer(static_cast<int>(place->midX()), static_cast<int>(place->midY()));
+    desktop_.input().click();
+}
 
 ShellUser::ShellUser(PrivateDesktop& desktop, std::string program)
     : desktop_(desktop), program_(std::move(program)), tree_(desktop.accessibilityBusAddress()),
@@ -111,14 +130,7 @@ bool ShellUser::sees(const std::string& role, const std::string& name) const {
 }
 
 void ShellUser::click(const Accessible& element) {
-    // It may still be moving in.
-    std::optional<Rect> place;
-    requireUntil("an element to come to rest", [&] {
-        const auto before = std::exchange(place, element.extents());
-        return place && before == place;
-    });
-    desktop_.input().movePointer(static_cast<int>(place->midX()), static_cast<int>(place->midY()));
-    desktop_.input().click();
+    clickWhereItRests("an element", [&] { return element.extents(); });
 }
 
 void ShellUser::pressShortcut() {
@@ -161,13 +173,7 @@ bool ShellUser::menuIsOpen() const {
 }
 
 void ShellUser::openTrayMenu() {
-    std::optional<Rect> icon;
-    requireUntil("an icon in the tray", [&] {
-        const auto before = std::exchange(icon, trayIcon());
-        return icon && before == icon && icon->width > 4;
-    });
-    desktop_.input().movePointer(static_cast<int>(icon->midX()), static_cast<int>(icon->midY()));
-    desktop_.input().click();
+    clickWhereItRests("the icon in the tray", [&] { return trayIcon(); });
     requireUntil("the menu", [&] { return menuIsOpen(); });
 }
 

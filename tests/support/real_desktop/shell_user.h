@@ -6,6 +6,7 @@
 #include "support/real_desktop/overlay_reader.h"
 #include "support/real_desktop/private_desktop.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -50,6 +51,8 @@ public:
     [[nodiscard]] bool menuIsOpen() const;
 
 private:
+    void clickWhereItRests(const std::string& what,
+                           const std::function<std::optional<Rect>()>& where);
     [[nodiscard]] std::optional<Accessible> find(const std::string& role,
                                                  const std::string& name) const;
 

@@ -244,7 +244,7 @@ TEST_F(TextInElements, MarkersArePassedBackAsTheyCame) {
     element.parameterizedAttributes.insert_or_assign("AXTextMarkerRangeForUIElement", markers);
     element.parameterizedAttributes.insert_or_assign("AXAttributedStringForTextMarkerRange",
                                                      redText);
-    EXPECT_EQ(axTextInfoDeep(element.handle()), (TextInfo{std::nullopt, red}));
+    EXPECT_EQ(axTextInfoDeep(accessibility, element.handle()), (TextInfo{std::nullopt, red}));
     EXPECT_EQ(element.parameters.at("AXTextMarkerRangeForUIElement").as<AXUIElement>(),
               element.handle());
     EXPECT_EQ(element.parameters.at("AXAttributedStringForTextMarkerRange").as<AXTextMarkerRange>(),
@@ -258,12 +258,13 @@ TEST_F(TextInElements, MarkersAreOnlyForElementsThatDoNotAnswerByRange) {
     element.parameterizedAttributes.insert_or_assign("AXAttributedStringForTextMarkerRange",
                                                      redText);
     style(element, plainText);
-    EXPECT_EQ(axTextInfoDeep(element.handle()), TextInfo())
+    EXPECT_EQ(axTextInfoDeep(accessibility, element.handle()), TextInfo())
         << "an answer without attributes counts";
     for (const AXValue& answer :
          {AXValue(textOf({}, "")), AXValue(AttributedStringRef()), AXValue("Save")}) {
         element.parameterizedAttributes.insert_or_assign("AXAttributedStringForRange", answer);
-        EXPECT_EQ(axTextInfoDeep(element.handle()).color, red) << "no characters do not";
+        EXPECT_EQ(axTextInfoDeep(accessibility, element.handle()).color, red)
+            << "no characters do not";
     }
 }
 
@@ -278,7 +279,7 @@ TEST_F(TextInElements, TheNearestStyledTextCounts) {
     parent.setChildren({&element});
     element.setChildren({&icon, &label});
     label.setChildren({&inLabel});
-    const auto color = [&] { return axTextInfoDeep(element.handle()).color; };
+    const auto color = [&] { return axTextInfoDeep(accessibility, element.handle()).color; };
 
     style(window, redText);
     style(inLabel, redText);
@@ -289,7 +290,8 @@ TEST_F(TextInElements, TheNearestStyledTextCounts) {
     style(parent, blueText);
     EXPECT_EQ(color(), blue) << "the parent before the children";
     style(element, textWith({{"NSFont", PlatformFont{"Menlo", "Menlo", 12, 5}}}));
-    EXPECT_EQ(axTextInfoDeep(element.handle()), (TextInfo{"Menlo · 12px · regular", std::nullopt}))
+    EXPECT_EQ(axTextInfoDeep(accessibility, element.handle()),
+              (TextInfo{"Menlo · 12px · regular", std::nullopt}))
         << "a font alone ends the search";
 }
 
@@ -320,11 +322,32 @@ TEST_F(TextInElements, ManyChildrenAndContainersAreNotSearched) {
         element.setChildren(labels);
         style(*labels.back(), redText);
         const int before = accessibility.totalReads();
-        EXPECT_EQ(axTextInfoDeep(element.handle()).color,
+        EXPECT_EQ(axTextInfoDeep(accessibility, element.handle()).color,
                   searched ? std::optional(red) : std::nullopt)
             << role << " " << children;
         EXPECT_LE(accessibility.totalReads() - before, 5 + 2 * (searched ? 8 : 0));
     }
+}
+
+TEST_F(TextInElements, IsAskedOfChildrenTogether) {
+    FakeElement& parent = make("AXGroup");
+    FakeElement& element = make("AXButton");
+    std::vector<FakeElement*> labels;
+    for (int i = 0; i < 8; ++i) {
+        labels.push_back(&make("AXStaticText"));
+    }
+    parent.setChildren({&element});
+    element.setChildren(labels);
+    style(*labels[2], redText);
+    style(*labels[5], blueText);
+    const Token answers = accessibility.keepAnswers();
+    EXPECT_EQ(axTextInfoDeep(accessibility, element.handle()).color, red);
+    EXPECT_EQ(accessibility.prefetches, 3) << "the element, its parent, all its children";
+    for (const FakeElement* label : labels) {
+        EXPECT_EQ(label->reads.at("AXNumberOfCharacters"), 1);
+        EXPECT_EQ(label->reads.at("AXValue"), 1);
+    }
+    EXPECT_TRUE(labels[5]->parameters.empty()) << "the first with attributes ends the search";
 }
 
 } // namespace

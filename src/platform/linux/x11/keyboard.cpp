@@ -1,15 +1,69 @@
 #include "platform/linux/x11/keyboard.h"
 
 #include <xcb/xcb.h>
+// The header names a field after a keyword of C++.
+#define explicit explicit_
+#include <xcb/xkb.h>
+#undef explicit
 
 #include <algorithm>
 
 namespace lumetry::x11 {
 
 Keyboard::Keyboard(Connection& connection)
-    : connection_(connection), events_(connection.onEvent([this](const xcb_generic_event_t& event) {
-          dirty_ = dirty_ || typeOf(event) == XCB_MAPPING_NOTIFY;
-      })) {}
+    : connection_(connection),
+      events_(connection.onEvent([this](const auto& event) { handle(event); })) {}
+
+void Keyboard::watch() {
+    auto* const c = connection_.get();
+    const auto* const extension = xcb_get_extension_data(c, &xcb_xkb_id);
+    if (extensionEvent_ != 0 || extension == nullptr || extension->present == 0) {
+        return;
+    }
+    const auto used =
+        connection_.reply(xcb_xkb_use_extension_reply,
+                          xcb_xkb_use_extension(c, XCB_XKB_MAJOR_VERSION, XCB_XKB_MINOR_VERSION));
+    if (!used || used->supported == 0) {
+        return;
+    }
+    extensionEvent_ = extension->first_event;
+    // Who uses the extension is told of other keys by it alone.
+    constexpr std::uint16_t whole =
+        XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY;
+    constexpr std::uint16_t maps =
+        XCB_XKB_MAP_PART_KEY_TYPES | XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART_MODIFIER_MAP;
+    xcb_xkb_select_events_details_t details{};
+    details.affectState = details.stateDetails = XCB_XKB_STATE_PART_GROUP_STATE;
+    xcb_xkb_select_events_aux(c, XCB_XKB_ID_USE_CORE_KBD, whole | XCB_XKB_EVENT_TYPE_STATE_NOTIFY,
+                              0, whole, maps, maps, &details);
+    const auto flags = xcb_xkb_per_client_flags(
+        c, XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT,
+        XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT, 0, 0, 0);
+    const auto stateRequest = xcb_xkb_get_state(c, XCB_XKB_ID_USE_CORE_KBD);
+    static_cast<void>(connection_.reply(xcb_xkb_per_client_flags_reply, flags));
+    const auto state = connection_.reply(xcb_xkb_get_state_reply, stateRequest);
+    group_ = state ? state->group : 0;
+    dirty_ = true;
+}
+
+void Keyboard::handle(const xcb_generic_event_t& event) {
+    if (typeOf(event) == XCB_MAPPING_NOTIFY) {
+        changed(true);
+    } else if (extensionEvent_ != 0 && typeOf(event) == extensionEvent_) {
+        const auto& state = eventAs<xcb_xkb_state_notify_event_t>(event);
+        if (state.xkbType != XCB_XKB_STATE_NOTIFY) {
+            changed(true);
+        } else if (state.group != group_) {
+            group_ = state.group;
+            changed(false);
+        }
+    }
+}
+
+void Keyboard::changed(bool symbols) {
+    dirty_ = dirty_ || symbols;
+    handlers_.call();
+}
 
 void Keyboard::refresh() {
     if (dirty_) {

@@ -2,11 +2,7 @@
 
 #include <algorithm>
 #include <ranges>
-
-// The header names a field after a keyword of C++.
-#define explicit explicit_
-#include <xcb/xkb.h>
-#undef explicit
+#include <utility>
 
 namespace lumetry::x11 {
 namespace {
@@ -58,7 +54,8 @@ Token X11HotKeys::registerEventHotKey(std::uint32_t keyCode, std::uint32_t modif
     }
     if (!events_) {
         events_ = connection_.onEvent([this](const auto& event) { handle(event); });
-        watchGroup();
+        keyboard_.watch();
+        keyboardChange_ = keyboard_.onChange([this] { grabAnew(); });
     }
     HotKey hotKey{
         ++lastNumber_, static_cast<std::uint16_t>(keyCode), nativeModifiers(modifiers), id, {}};
@@ -79,30 +76,8 @@ Token X11HotKeys::registerEventHotKey(std::uint32_t keyCode, std::uint32_t modif
     });
 }
 
-void X11HotKeys::watchGroup() {
-    auto* const c = connection_.get();
-    const auto* const extension = xcb_get_extension_data(c, &xcb_xkb_id);
-    if (extension == nullptr || extension->present == 0) {
-        return;
-    }
-    const auto used =
-        connection_.reply(xcb_xkb_use_extension_reply,
-                          xcb_xkb_use_extension(c, XCB_XKB_MAJOR_VERSION, XCB_XKB_MINOR_VERSION));
-    if (!used || used->supported == 0) {
-        return;
-    }
-    keyboardEvent_ = extension->first_event;
-    xcb_xkb_select_events_details_t details{};
-    details.affectState = details.stateDetails = XCB_XKB_STATE_PART_GROUP_STATE;
-    xcb_xkb_select_events_aux(c, XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_EVENT_TYPE_STATE_NOTIFY, 0, 0, 0,
-                              0, &details);
-    const auto state =
-        connection_.reply(xcb_xkb_get_state_reply, xcb_xkb_get_state(c, XCB_XKB_ID_USE_CORE_KBD));
-    group_ = state ? state->group : 0;
-}
-
 bool X11HotKeys::grab(HotKey& hotKey) {
-    hotKey.keys = keyboard_.keysOf(hotKey.keyCode, group_);
+    hotKey.keys = keyboard_.keysOf(hotKey.keyCode, keyboard_.group());
     std::vector<std::pair<xcb_keycode_t, xcb_void_cookie_t>> requests;
     for (const xcb_keycode_t key : hotKey.keys) {
         for (const std::uint16_t locks : subsetsOf(keyboard_.lockBits())) {
@@ -146,26 +121,16 @@ void X11HotKeys::grabAnew() {
 }
 
 void X11HotKeys::handle(const xcb_generic_event_t& event) {
-    const auto type = typeOf(event);
-    if (type == XCB_KEY_PRESS) {
+    if (typeOf(event) == XCB_KEY_PRESS) {
         press(eventAs<xcb_key_press_event_t>(event));
-    } else if (type == XCB_KEY_RELEASE) {
-        const auto& release = eventAs<xcb_key_release_event_t>(event);
-        lastRelease_ = {release.detail, release.time};
-    } else if (type == XCB_MAPPING_NOTIFY) {
-        grabAnew();
-    } else if (keyboardEvent_ != 0 && type == keyboardEvent_) {
-        const auto& state = eventAs<xcb_xkb_state_notify_event_t>(event);
-        if (state.xkbType == XCB_XKB_STATE_NOTIFY && state.group != group_) {
-            group_ = state.group;
-            grabAnew();
-        }
+    } else if (typeOf(event) == XCB_KEY_RELEASE) {
+        heldKey_.reset();
     }
 }
 
 void X11HotKeys::press(const xcb_key_press_event_t& event) {
-    // A key that is held down repeats as a release and a press of the same time.
-    if (lastRelease_ && lastRelease_->key == event.detail && lastRelease_->time == event.time) {
+    // A key that is held down is pressed again and again.
+    if (std::exchange(heldKey_, event.detail) == event.detail) {
         return;
     }
     const auto modifiers =

@@ -32,12 +32,7 @@ private:
         HotKeyID id;
         std::vector<xcb_keycode_t> keys; ///< those that are grabbed for it
     };
-    struct Release {
-        xcb_keycode_t key = 0;
-        xcb_timestamp_t time = 0;
-    };
 
-    void watchGroup();
     void handle(const xcb_generic_event_t& event);
     void press(const xcb_key_press_event_t& event);
     void deliver(HotKeyID id);
@@ -48,13 +43,12 @@ private:
 
     Connection& connection_;
     Keyboard& keyboard_;
-    std::uint8_t keyboardEvent_ = 0; ///< first event of XKEYBOARD; 0 without it
-    std::uint8_t group_ = 0;         ///< the active one
-    std::optional<Release> lastRelease_;
+    std::optional<xcb_keycode_t> heldKey_;
     int lastNumber_ = 0;
     std::vector<std::pair<int, std::shared_ptr<Handler>>> handlers_;
     std::vector<HotKey> hotKeys_;
     Token events_;
+    Token keyboardChange_;
     /// Empty once this object is gone: tokens may outlive it.
     std::shared_ptr<X11HotKeys*> self_ = std::make_shared<X11HotKeys*>(this);
 };

@@ -6,9 +6,12 @@
 #include <QCursor>
 #include <QEvent>
 #include <QGuiApplication>
+#include <QImage>
 #include <QMenu>
 #include <QPalette>
+#include <QScreen>
 #include <QSystemTrayIcon>
+#include <QTimer>
 
 #include <optional>
 #include <utility>
@@ -97,6 +100,9 @@ private:
         // Said again, it registers with a tray that has restarted.
         icon_->hide();
         icon_->show();
+        // Once it has found its place.
+        constexpr int settleMilliseconds = 500;
+        QTimer::singleShot(settleMilliseconds, this, [this] { tint(); });
     }
 
     void makeIcon() {
@@ -106,9 +112,20 @@ private:
         QObject::connect(&*icon_, &QSystemTrayIcon::activated, &menu_,
                          [this](QSystemTrayIcon::ActivationReason reason) {
                              if (reason == QSystemTrayIcon::Trigger) {
-                                 menu_.popup(QCursor::pos());
+                                 menu_.popup(menuPlace());
                              }
                          });
+    }
+
+    /// Beside the icon where its place is known, towards the middle of the screen.
+    [[nodiscard]] QPoint menuPlace() {
+        const QRect icon = icon_->geometry();
+        const QScreen* const screen = QGuiApplication::screenAt(QCursor::pos());
+        if (!icon.isValid() || screen == nullptr) {
+            return QCursor::pos();
+        }
+        const bool below = icon.center().y() < screen->geometry().center().y();
+        return {icon.left(), below ? icon.bottom() + 1 : icon.top() - menu_.sizeHint().height()};
     }
 
     void tint() {
@@ -118,13 +135,28 @@ private:
     }
 
     [[nodiscard]] QColor color() {
-        if (!notifierTray_.isPresent()) {
-            if (const auto foreground = embeddingTray_.foreground()) {
-                return *foreground;
-            }
+        if (const auto foreground = embeddingTray_.foreground()) {
+            return *foreground;
+        }
+        if (const auto ground = groundBehindIcon()) {
+            constexpr int middleGray = 128;
+            return qGray(ground->rgb()) < middleGray ? QColor(Qt::white) : QColor(Qt::black);
         }
         return hasDarkBar() ? QColor(Qt::white)
                             : QGuiApplication::palette().color(QPalette::WindowText);
+    }
+
+    /// The colour of the bar at the icon's corner, where nothing is drawn.
+    [[nodiscard]] std::optional<QColor> groundBehindIcon() const {
+        const QRect place = icon_->geometry();
+        QScreen* const screen =
+            place.isValid() ? QGuiApplication::screenAt(place.center()) : nullptr;
+        if (screen == nullptr) {
+            return std::nullopt;
+        }
+        const QPoint corner = place.topLeft() - screen->geometry().topLeft();
+        const QImage pixel = screen->grabWindow(0, corner.x(), corner.y(), 1, 1).toImage();
+        return pixel.isNull() ? std::nullopt : std::optional(pixel.pixelColor(0, 0));
     }
 
     EmbeddingTray& embeddingTray_;

@@ -125,6 +125,37 @@ TEST_F(Hits, TakeTheWindowThatIsUnderThePoint) {
     EXPECT_EQ(systemWide->getPid(), application.pid());
 }
 
+TEST_F(Hits, AskLittleOfALongList) {
+    constexpr int items = 100;
+    ScriptedTree tree = windowWith(
+        withChildAt(object("window", {0, 0, 800, 600}), [](int, int) { return "/list"; }), {},
+        "Chromium");
+    ScriptedObject& list = tree["/list"] = object("list", {0, 0, 400, 600});
+    for (int item = 0; item < items; ++item) {
+        const std::string path = "/item" + std::to_string(item);
+        list.children.push_back({"", path});
+        tree[path] = object(path, {0, 5 * item, 400, 4});
+    }
+    auto& application = start(tree);
+    showWindow(application);
+    ASSERT_EQ(titleAt(application, 100, 52), "/item10");
+
+    const auto requestsOf = [&](const std::function<void()>& action) {
+        const auto before = accessibility->requests();
+        action();
+        return accessibility->requests() - before;
+    };
+    const Token answers = accessibility->keepAnswers();
+    EXPECT_LE(requestsOf([&] { (void)hit(application, 100, 52); }), items + 16)
+        << "each item for its place, and only one at the point for more";
+    const auto found = hit(application, 100, 54);
+    const auto children = found ? found->copyAttributeValue("AXChildren") : std::nullopt;
+    const auto elements = children ? children->as<std::vector<AXUIElement>>() : std::nullopt;
+    ASSERT_TRUE(elements && elements->size() == items);
+    EXPECT_EQ(requestsOf([&] { (void)elements->back().copyAttributeValue("AXPosition"); }), 0)
+        << "places that the hit test has asked for are kept";
+}
+
 TEST_F(Hits, InAWindowThatIsKnownWaitOnce) {
     auto& application = start(windowWith(object("window", {0, 0, 800, 600}, {"/box"}),
                                          {{"/box", object("box", {10, 10, 300, 300}, {"/a", "/b"})},

@@ -62,6 +62,12 @@ TEST(TextAttributes, BecomeAFontAndAColour) {
           {"color", "rgb(1, 2, 3)"}},
          "DejaVu Sans/DejaVuSans-Bold/1300 1 2 3"},
         {{{"family-name", "Arial Black"}, {"weight", "400"}}, "Arial Black/Regular/-"},
+        // Chromium: the family of the weight, and no word of the weight itself.
+        {{{"family-name", "Inter Semi Bold"}}, "Inter/Inter-SemiBold/-"},
+        {{{"family-name", "Inter Display Extra Light"}}, "Inter Display/InterDisplay-ExtraLight/-"},
+        {{{"family-name", "Segoe UI black"}}, "Segoe UI/SegoeUI-Black/-"},
+        {{{"family-name", "Helvetica-Light"}}, "Helvetica-Light/-/-"},
+        {{{"family-name", "Black"}}, "Black/-/-"},
         {{{"family-name", "Inter"}, {"weight", "580"}}, "Inter/Inter-SemiBold/-"},
         {{{"weight", "600"}}, "-/SemiBold/-"},
         // What makes no sense is left out.

@@ -1,0 +1,111 @@
+#include "reports.h"
+
+#include "measured_page.h"
+#include "probes.h"
+#include "statistics.h"
+#include "widget_factory.h"
+
+#include <cstddef>
+#include <cstdio>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace lumetry::latency {
+namespace {
+
+constexpr double frameMicroseconds = 1e6 / 60;
+
+using Groups = std::map<std::string, std::vector<Sample>>;
+
+std::string cell(const std::vector<Sample>& samples, double (*value)(const Sample&)) {
+    std::vector<double> values;
+    for (const Sample& sample : samples) {
+        values.push_back(value(sample));
+    }
+    const Cost cost = costOf(values);
+    char text[64];
+    std::snprintf(text, sizeof text, "%.2f / %.2f", cost.median / 1000, cost.slow / 1000);
+    return text;
+}
+
+double whole(const Sample& sample) {
+    return sample.update + sample.repaint;
+}
+
+void printRow(const std::string& what, const std::vector<Sample>& samples) {
+    const auto with = [&](double (*value)(const Sample&)) { return cell(samples, value); };
+    std::printf("| %s | %zu | %s | %s | %s | %s | %s | %s | %.1f / %.1f |\n", what.c_str(),
+                samples.size(), with(whole).c_str(),
+                with([](const Sample& sample) { return sample.accessibility; }).c_str(),
+                with([](const Sample& sample) { return sample.capture; }).c_str(),
+                with([](const Sample& sample) { return sample.windows; }).c_str(),
+                with([](const Sample& sample) { return sample.analysis(); }).c_str(),
+                with([](const Sample& sample) { return sample.repaint; }).c_str(),
+                mean(valuesOf(samples, &Sample::requests)),
+                mean(valuesOf(samples, &Sample::waits)));
+}
+
+void printTable(const char* title, const Groups& groups) {
+    std::printf("\n%s: new element and its readout, milliseconds (median / 95 %%)\n\n", title);
+    std::puts("| element | samples | whole | accessibility | capture | windows | analysis | "
+              "drawing | requests / waits |\n|---|---|---|---|---|---|---|---|---|");
+    std::vector<double> all;
+    for (const auto& [what, samples] : groups) {
+        printRow(what, samples);
+        for (const Sample& sample : samples) {
+            all.push_back(whole(sample));
+        }
+    }
+    const double slow = quantile(all, 0.95);
+    std::printf("\nall: 95 %% within %.1f ms, %s one frame of 60 Hz (%.1f ms)\n", slow / 1000,
+                slow <= frameMicroseconds ? "less than" : "more than", frameMicroseconds / 1000);
+}
+
+void reportWidgetFactory() {
+    desktop::PrivateDesktop desktop;
+    const WidgetFactory factory(desktop);
+    const auto points = gridOver(intersect(factory.window, {0, 0, 1280, 800}));
+    Groups groups;
+    for (int round = 0; round < 3; ++round) {
+        for (const Sample& sample : probeSession(desktop, points)) {
+            if (sample.anew) {
+                groups[sample.bucket].push_back(sample);
+            }
+        }
+    }
+    printTable(WidgetFactory::name, groups);
+}
+
+void reportPage() {
+    constexpr double slowestList = 3; // times a button
+    desktop::PrivateDesktop desktop;
+    const MeasuredPage page(desktop);
+    const auto samples = firstSamples(probeSession(desktop, page.points()));
+    Groups groups;
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        const MeasuredPage::Spot& spot = page.spotOf(i);
+        if (samples[i].bucket != spot.bucket || !samples[i].anew) {
+            throw std::runtime_error(std::string(spot.name) + " was taken for " +
+                                     samples[i].bucket);
+        }
+        groups[samples[i].bucket + ": " + spot.name].push_back(samples[i]);
+    }
+    printTable("a page in Chromium", groups);
+    const auto update = [&](const char* what) {
+        return median(valuesOf(groups.at(what), &Sample::update));
+    };
+    const double ratio = update("collection: list of 300 items") / update("control: button");
+    std::printf("a list of 300 items takes %.1f times as long as a button (%s %.0f)\n", ratio,
+                ratio <= slowestList ? "within" : "more than", slowestList);
+}
+
+} // namespace
+
+void reportBuckets() {
+    reportWidgetFactory();
+    reportPage();
+}
+
+} // namespace lumetry::latency

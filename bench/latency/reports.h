@@ -1,0 +1,17 @@
+#pragma once
+
+namespace lumetry::latency {
+
+/// Lumetry's session against the bare accessibility calls at the same points, over a real
+/// application on a screen of that size.
+void reportHover(int width, int height);
+
+/// What new elements cost by their class, and what of it is accessibility, capture, analysis and
+/// drawing: over a GTK application and over a page in Chromium, where a list of 300 items is
+/// compared with a button.
+void reportBuckets();
+
+/// What inspect mode costs while the pointer rests.
+void reportRest();
+
+} // namespace lumetry::latency

@@ -1,0 +1,92 @@
+#include "reports.h"
+
+#include "widget_factory.h"
+
+#include "support/real_desktop/overlay_reader.h"
+
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+namespace lumetry::latency {
+namespace {
+
+using namespace desktop;
+
+/// What the kernel counts of a process.
+struct Usage {
+    long ticks = 0;    ///< processor time, user and system
+    long switches = 0; ///< times it went to sleep by itself: wake-ups
+};
+
+Usage usageOf(pid_t pid) {
+    const auto folder = std::filesystem::path("/proc") / std::to_string(pid);
+    Usage usage;
+    std::string stat;
+    std::getline(std::ifstream(folder / "stat"), stat);
+    std::istringstream fields(stat.substr(stat.rfind(')') + 2));
+    std::string skipped;
+    for (int field = 3; field < 14; ++field) {
+        fields >> skipped;
+    }
+    long user = 0;
+    long system = 0;
+    fields >> user >> system;
+    usage.ticks = user + system;
+    std::ifstream status(folder / "status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.starts_with("voluntary_ctxt_switches:")) {
+            usage.switches = std::stol(line.substr(line.find(':') + 1));
+        }
+    }
+    return usage;
+}
+
+/// Lines of /proc/PID/smaps_rollup that say where the memory is, in kilobytes.
+void printMemory(pid_t pid) {
+    std::ifstream rollup("/proc/" + std::to_string(pid) + "/smaps_rollup");
+    for (std::string line; std::getline(rollup, line);) {
+        for (const char* wanted :
+             {"Rss:", "Pss:", "Private_Dirty:", "Private_Clean:", "Shared_Clean:"}) {
+            if (line.starts_with(wanted)) {
+                std::printf("  %s\n", line.c_str());
+            }
+        }
+    }
+}
+
+} // namespace
+
+void reportRest() {
+    constexpr auto observed = std::chrono::seconds(10);
+    PrivateDesktop desktop;
+    const WidgetFactory factory(desktop);
+    const auto button = factory.tree.waitFor(WidgetFactory::name, "push button", "link button");
+    auto lumetry = desktop.start({LUMETRY_PROGRAM});
+    const OverlayReader overlay(desktop.server());
+    const auto extents = button.extents();
+    if (!extents) {
+        throw std::runtime_error("the button has no place");
+    }
+    (void)overlay.waitFor("the overlay", [](const OverlayReadout& shown) { return shown.exitTag; });
+    desktop.input().glidePointer(static_cast<int>(extents->midX()),
+                                 static_cast<int>(extents->midY()));
+    (void)overlay.waitForHeader("Button · link button");
+    // The page with the spinner stays in front, so the application keeps on drawing.
+    std::this_thread::sleep_for(std::chrono::seconds(1));
+    const Usage before = usageOf(lumetry.pid());
+    std::this_thread::sleep_for(observed);
+    const Usage after = usageOf(lumetry.pid());
+    std::printf("at rest for %d s in inspect mode: %ld clock ticks, %ld wake-ups\n",
+                static_cast<int>(observed.count()), after.ticks - before.ticks,
+                after.switches - before.switches);
+    std::printf("memory while inspecting\n");
+    printMemory(lumetry.pid());
+}
+
+} // namespace lumetry::latency

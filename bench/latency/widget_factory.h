@@ -1,0 +1,25 @@
+#pragma once
+
+#include "base/geometry.h"
+#include "support/real_desktop/accessible_tree.h"
+#include "support/real_desktop/private_desktop.h"
+
+namespace lumetry::latency {
+
+/// A GTK application with widgets of all kinds, at the top-left of the screen.
+class WidgetFactory {
+public:
+    static constexpr const char* name = "gtk3-widget-factory";
+
+    /// Returns once its elements can be asked for.
+    explicit WidgetFactory(desktop::PrivateDesktop& desktop);
+
+private:
+    desktop::ChildProcess process_;
+
+public:
+    desktop::AccessibleTree tree;
+    Rect window; ///< pixels of the root window
+};
+
+} // namespace lumetry::latency

@@ -1,0 +1,45 @@
+#include "app/views/control_panel.h"
+#include "views_test.h"
+
+namespace lumetry {
+namespace {
+
+TEST(ControlPanel, StartsForReturnAndOnlyHidesForEscape) {
+    std::vector<std::string> calls;
+    const TemplateImage icon = {
+        {18, 18}, [](const Rect& area) {
+            return StrokedPath{{{{area.x, area.y}, {area.x + area.width, area.y}}}};
+        }};
+    const auto panel = makeControlPanel(
+        {[&] { calls.emplace_back("start"); }, [&] { calls.emplace_back("quit"); }}, icon);
+    QWidget* const widget = windowTitled(QStringLiteral("Lumetry"));
+    ASSERT_NE(widget, nullptr);
+    EXPECT_FALSE(widget->isVisible());
+    panel->center();
+    panel->makeKeyAndOrderFront();
+    ASSERT_TRUE(runUntil([&] { return widget->isActiveWindow(); }));
+    EXPECT_EQ(widget->size(), QSize(360, 196));
+    EXPECT_TRUE(widget->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    for (const QLabel* const text : widget->findChildren<QLabel*>()) {
+        EXPECT_GE(text->height(), text->heightForWidth(text->width()))
+            << text->text().toStdString();
+    }
+    typeKey(*widget, Qt::Key_Return);
+    EXPECT_EQ(calls, std::vector<std::string>{"start"});
+    typeKey(*widget, Qt::Key_Tab);
+    typeKey(*widget, Qt::Key_Tab);
+    typeKey(*widget, Qt::Key_Escape);
+    EXPECT_FALSE(widget->isVisible());
+    panel->makeKeyAndOrderFront();
+    EXPECT_TRUE(widget->isVisible());
+    panel->orderOut();
+    EXPECT_FALSE(widget->isVisible());
+    EXPECT_EQ(calls, std::vector<std::string>{"start"});
+    for (QAbstractButton* const button : widget->findChildren<QAbstractButton*>()) {
+        button->click();
+    }
+    EXPECT_EQ(calls, (std::vector<std::string>{"start", "quit", "start"}));
+}
+
+} // namespace
+} // namespace lumetry
