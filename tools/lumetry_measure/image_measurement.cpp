@@ -39,6 +39,13 @@ std::optional<Measurement> measureImageFile(const std::filesystem::path& file, P
         problem = file.string() + " cannot be read as a picture; give the path of a PNG file.";
         return std::nullopt;
     }
+    if (!Rect{0, 0, static_cast<double>(loaded->width), static_cast<double>(loaded->height)}
+             .contains(at)) {
+        problem = "the point lies outside " + file.string() + ", which is " +
+                  std::to_string(loaded->width) + " × " + std::to_string(loaded->height) +
+                  " pixels; give a point inside.";
+        return std::nullopt;
+    }
     PictureCapture picture(std::move(*loaded));
     constexpr std::uint32_t noWindow = 0;
     Measurement measurement;

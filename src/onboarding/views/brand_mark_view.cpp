@@ -113,10 +113,11 @@ BrandMarkView::BrandMarkView(double markSize, QWidget* parent)
     setMouseTracking(true);
     constexpr double floatSeconds = 2.6;
     constexpr double floatHeight = 3;
-    float_ = new Pulse(this, {floatHeight, -floatHeight, floatSeconds, 30}, [this](double drift) {
-        drift_ = drift;
-        update();
-    });
+    float_ =
+        new Pulse(this, {floatHeight, -floatHeight, floatSeconds, 30, true}, [this](double drift) {
+            drift_ = drift;
+            update();
+        });
 }
 
 int BrandMarkView::margin() {

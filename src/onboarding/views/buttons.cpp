@@ -42,8 +42,11 @@ void FlatButton::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void FlatButton::focusInEvent(QFocusEvent* event) {
-    reachedByKey_ =
-        event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    // Coming back to the window changes nothing about how it was reached.
+    if (event->reason() != Qt::ActiveWindowFocusReason) {
+        reachedByKey_ =
+            event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    }
     QPushButton::focusInEvent(event);
 }
 

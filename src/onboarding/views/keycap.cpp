@@ -56,7 +56,7 @@ Keycap::Keycap(const Face& face, const QSize& cap, QWidget* parent) : QWidget(pa
     }
     column->addStretch();
     look_.glow = restingGlow;
-    breath_ = new Pulse(this, {0.12, 0.4, 1.5, 30}, [this](double glow) {
+    breath_ = new Pulse(this, {0.12, 0.4, 1.5}, [this](double glow) {
         look_.glow = glow;
         update();
     });

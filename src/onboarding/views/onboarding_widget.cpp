@@ -51,6 +51,8 @@ private:
     void mousePressEvent(QMouseEvent* event) override;
     [[nodiscard]] Page* makePage(OnboardingStep step);
     void placeChrome();
+    /// Takes the keyboard from a button that is about to go, before it is handed to just any other.
+    void freeKeyboard();
     void setTabOrderOfPage();
 
     OnboardingActions& actions_;
@@ -63,7 +65,7 @@ private:
     StepIndicator* dashes_;
     BackButton* backButton_;
     FlatButton* primaryButton_;
-    /// The button that had the keyboard has gone.
+    /// The button that had the keyboard has gone: the next one to be wanted gets it.
     bool keyboardIsFree_ = false;
 };
 
@@ -79,7 +81,7 @@ OnboardingWidget::OnboardingWidget(OnboardingActions& actions)
                      [this] { actions_.primaryTapped(); });
     QObject::connect(backButton_, &QPushButton::clicked, this, [this] { actions_.backTapped(); });
     // So slow that a few steps a second look like one movement.
-    auto* const breath = new Pulse(this, {0.7, 1, 3.6, 6}, [this](double opacity) {
+    auto* const breath = new Pulse(this, {0.7, 1, 3.6, 6, true}, [this](double opacity) {
         constexpr double step = 1.0 / 32;
         if (std::abs(opacity - lightOpacity_) >= step) {
             lightOpacity_ = opacity;
@@ -139,6 +141,9 @@ void OnboardingWidget::setTabOrderOfPage() {
 
 void OnboardingWidget::setPrimary(const QString& title, bool enabled) {
     primaryButton_->setText(title);
+    if (!enabled && primaryButton_->hasFocus()) {
+        freeKeyboard();
+    }
     primaryButton_->setEnabled(enabled);
     primaryButton_->setLook(
         {enabled ? pink() : whiteAt(0.08), Qt::transparent, whiteAt(enabled ? 1 : 0.55), 10});
@@ -147,6 +152,11 @@ void OnboardingWidget::setPrimary(const QString& title, bool enabled) {
         primaryButton_->setFocus();
         keyboardIsFree_ = false;
     }
+}
+
+void OnboardingWidget::freeKeyboard() {
+    setFocus();
+    keyboardIsFree_ = true;
 }
 
 void OnboardingWidget::placeChrome() {
@@ -167,7 +177,9 @@ void OnboardingWidget::setCard(Permission permission, const CardState& state) {
     cards_.at(static_cast<std::size_t>(permission)) = state;
     if (permissions_ != nullptr) {
         PermissionCard& card = permissions_->card(permission);
-        keyboardIsFree_ = keyboardIsFree_ || (card.button().hasFocus() && !state.grantButtonShown);
+        if (card.button().hasFocus() && !state.grantButtonShown) {
+            freeKeyboard();
+        }
         card.setState(state);
     }
 }

@@ -79,6 +79,7 @@ PermissionCard::PermissionCard(Symbol symbol, const Texts& texts, QWidget* paren
     auto* const row = new QHBoxLayout(this);
     row->setContentsMargins(wellMargin, 0, buttonMargin, 0);
     row->setSpacing(0);
+    icon_->setFixedSize(wellSide, wellSide); // room to spring up in
     auto* const well = new QHBoxLayout;
     well->addWidget(icon_, 0, Qt::AlignCenter);
     auto* const wellWidget = new QWidget(this);

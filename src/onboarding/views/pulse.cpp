@@ -52,7 +52,8 @@ void Pulse::step() {
     const double ways =
         static_cast<double>(clock_.elapsed()) / millisecondsPerSecond / course_.seconds;
     const double along = std::fmod(ways, 2);
-    const double share = easing.valueForProgress(along <= 1 ? along : 2 - along);
+    const double way = along <= 1 ? along : 2 - along;
+    const double share = course_.eases ? easing.valueForProgress(way) : way;
     apply_(course_.from + (course_.to - course_.from) * share);
 }
 

@@ -10,15 +10,15 @@ class QWidget;
 
 namespace lumetry::views {
 
-/// A value that swings between two others for ever, easing at both ends. It rests while its widget
-/// cannot be seen.
+/// A value that swings between two others for ever. It rests while its widget cannot be seen.
 class Pulse final : public QObject {
 public:
     struct Course {
         double from = 0;
         double to = 1;
         double seconds = 1; ///< for one way
-        int stepsPerSecond = 30;
+        int stepsPerSecond = 20;
+        bool eases = false; ///< at both ends
     };
 
     /// @param apply is called with every new value

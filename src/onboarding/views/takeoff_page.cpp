@@ -46,7 +46,7 @@ TakeoffPage::TakeoffPage(QWidget* parent) : Page(parent) {
     nudge_ = makeLabel(QStringLiteral("waiting for your keys…"),
                        monospacedFont(13, FontWeight::medium), pink(nudgeAlpha), this);
     nudge_->setAlignment(Qt::AlignCenter);
-    auto* const blink = new Pulse(nudge_, {1, 0.4, 0.9, 30}, [this](double opacity) {
+    auto* const blink = new Pulse(nudge_, {1, 0.4, 0.9}, [this](double opacity) {
         setLabelColor(*nudge_, pink(nudgeAlpha * opacity));
     });
     blink->start();

@@ -4,6 +4,16 @@
 #include <string>
 
 namespace lumetry::desktop {
+namespace {
+
+void addSetting(const PrivateDesktop& desktop, const std::string& line) {
+    const auto file = lumetrySettings(desktop);
+    std::filesystem::create_directories(file.parent_path());
+    const bool begun = std::filesystem::exists(file);
+    std::ofstream(file, std::ios::app) << (begun ? "" : "[General]\n") << line << '\n';
+}
+
+} // namespace
 
 std::filesystem::path lumetrySettings(const PrivateDesktop& desktop) {
     return std::filesystem::path(desktop.environment().at("XDG_CONFIG_HOME")) / "lumetry" /
@@ -11,9 +21,11 @@ std::filesystem::path lumetrySettings(const PrivateDesktop& desktop) {
 }
 
 void markOnboarded(const PrivateDesktop& desktop) {
-    const auto file = lumetrySettings(desktop);
-    std::filesystem::create_directories(file.parent_path());
-    std::ofstream(file) << "[General]\nlumetry.onboarded=true\n";
+    addSetting(desktop, "lumetry.onboarded=true");
+}
+
+void switchOnDetectLog(const PrivateDesktop& desktop) {
+    addSetting(desktop, "lumetry.debug=true");
 }
 
 bool isOnboarded(const PrivateDesktop& desktop) {

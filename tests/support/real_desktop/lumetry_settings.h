@@ -11,6 +11,8 @@ namespace lumetry::desktop {
 
 /// Has Lumetry find that its onboarding was gone through.
 void markOnboarded(const PrivateDesktop& desktop);
+/// Has Lumetry write its detection log from its next start on.
+void switchOnDetectLog(const PrivateDesktop& desktop);
 /// Whether Lumetry has noted that its onboarding was gone through.
 [[nodiscard]] bool isOnboarded(const PrivateDesktop& desktop);
 

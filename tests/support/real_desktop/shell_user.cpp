@@ -13,6 +13,7 @@ namespace lumetry::desktop {
 namespace {
 
 constexpr const char* applicationName = "lumetry";
+constexpr const char* overlayTitle = "Lumetry overlay";
 
 std::vector<xcb_window_t> childrenOf(const XConnection& server, xcb_window_t window) {
     const Reply<xcb_query_tree_reply_t> tree(
@@ -24,11 +25,19 @@ std::vector<xcb_window_t> childrenOf(const XConnection& server, xcb_window_t win
     return {first, first + xcb_query_tree_children_length(tree.get())};
 }
 
-/// The first window below that one, itself included, whose class is Lumetry's.
+bool isViewable(const XConnection& server, xcb_window_t window) {
+    const Reply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
+        server.get(), xcb_get_window_attributes(server.get(), window), nullptr));
+    return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
+}
+
+/// The first window on screen below that one, itself included, whose class is Lumetry's, but for
+/// its overlay.
 xcb_window_t findOwn(const XConnection& server, xcb_window_t window) {
     const auto names = server.textProperty(window, "WM_CLASS");
     if (names && names->find(applicationName) != std::string::npos) {
-        return window;
+        const auto title = server.textProperty(window, "WM_NAME");
+        return title != overlayTitle && isViewable(server, window) ? window : XCB_NONE;
     }
     for (const xcb_window_t child : childrenOf(server, window)) {
         if (const xcb_window_t found = findOwn(server, child)) {
@@ -119,9 +128,23 @@ std::optional<Accessible> ShellUser::find(const std::string& role, const std::st
     return std::nullopt;
 }
 
+std::string ShellUser::describe() const {
+    std::string all;
+    for (const DesktopWindow& one : desktopWindows(desktop_.server())) {
+        all += "window \"" + one.title + "\" of " + one.instanceName + '\n';
+    }
+    for (const Accessible& application : tree_.applications()) {
+        all += application.describe();
+    }
+    return all;
+}
+
 Accessible ShellUser::waitFor(const std::string& role, const std::string& name) const {
     std::optional<Accessible> found;
-    requireUntil(role + " \"" + name + '"', [&] { return (found = find(role, name)).has_value(); });
+    if (!waitUntil([&] { return (found = find(role, name)).has_value(); })) {
+        throw std::runtime_error("waited for the " + role + " \"" + name + "\"; there is\n" +
+                                 describe());
+    }
     return *found;
 }
 
@@ -168,13 +191,15 @@ std::optional<Rect> ShellUser::trayIcon() const {
 bool ShellUser::menuIsOpen() const {
     return std::ranges::any_of(desktopWindows(desktop_.server()), [](const DesktopWindow& one) {
         return one.overrideRedirect && one.instanceName == applicationName &&
-               one.title != "Lumetry overlay";
+               one.title != overlayTitle;
     });
 }
 
 void ShellUser::openTrayMenu() {
     clickWhereItRests("the icon in the tray", [&] { return trayIcon(); });
-    requireUntil("the menu", [&] { return menuIsOpen(); });
+    if (!waitUntil([&] { return menuIsOpen(); })) {
+        throw std::runtime_error("no menu opens; there is\n" + describe());
+    }
 }
 
 } // namespace lumetry::desktop

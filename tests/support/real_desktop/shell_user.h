@@ -53,6 +53,8 @@ public:
 private:
     void clickWhereItRests(const std::string& what,
                            const std::function<std::optional<Rect>()>& where);
+    /// The windows and what is in Lumetry's, for the message of a failing test.
+    [[nodiscard]] std::string describe() const;
     [[nodiscard]] std::optional<Accessible> find(const std::string& role,
                                                  const std::string& name) const;
 

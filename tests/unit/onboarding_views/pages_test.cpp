@@ -193,7 +193,8 @@ TEST_F(OnboardingViewsTest, LightsTheCapOfAHeldKeyOnce) {
     const QPoint inside(Keycap::margin() + 12, Keycap::margin() + 41);
     const auto fill = [&] { return control->grab().toImage().pixelColor(inside); };
     EXPECT_EQ(fill(), QColor(33, 31, 38));
-    EXPECT_TRUE(control->isBreathing());
+    window->setKeyActive(PracticeKey::control, false);
+    EXPECT_TRUE(control->isBreathing()) << "it was at rest already";
 
     window->setKeyActive(PracticeKey::control, true);
     EXPECT_EQ(accessible(*control, QAccessible::Description), "held");

@@ -1,0 +1,148 @@
+#include "measured_desktop.h"
+
+#include "support/real_desktop/chromium.h"
+#include "support/real_desktop/desktop_windows.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace lumetry::desktop {
+namespace {
+
+Json boxOf(const Rect& rect) {
+    return Json::array({std::lround(rect.x), std::lround(rect.y), std::lround(rect.width),
+                        std::lround(rect.height)});
+}
+
+std::string sizeText(const Rect& rect) {
+    return std::to_string(std::lround(rect.width)) + " × " +
+           std::to_string(std::lround(rect.height));
+}
+
+TEST(MeasureGtk, SaysTheSameAsTextAndAsJson) {
+    MeasuredDesktop measured;
+    const auto application = measured.startWidgetFactory();
+    const auto button = measured.element("push button", "link button");
+    const auto extents = button.extents();
+    ASSERT_TRUE(extents);
+    const Json json = measured.measureAt(middleOf(button));
+    EXPECT_EQ(json["header"], "Button · link button");
+    EXPECT_EQ(json["box"], boxOf(*extents));
+    EXPECT_EQ(rowValue(json, "size"), sizeText(*extents));
+    EXPECT_EQ(json["path"], "AX-real");
+    EXPECT_TRUE(json["window"].is_array());
+    EXPECT_FALSE(json["app"].get<std::string>().empty());
+
+    const auto text = measured.measure(arguments(middleOf(button)));
+    EXPECT_EQ(text.status.code, 0);
+    EXPECT_TRUE(text.output.starts_with("Button · link button\n")) << text.output;
+    for (const Json& row : json["rows"]) {
+        EXPECT_NE(text.output.find(row["value"].get<std::string>()), std::string::npos)
+            << text.output;
+    }
+    // Without a point, what is under the pointer.
+    measured.desktop.input().movePointer(static_cast<int>(extents->midX()),
+                                         static_cast<int>(extents->midY()));
+    EXPECT_EQ(measured.measure({}).output, text.output);
+}
+
+TEST(MeasureGtk, MeasuresTheDistanceBetweenTwoElements) {
+    MeasuredDesktop measured;
+    const auto application = measured.startWidgetFactory();
+    const auto first = measured.element("radio button", "Page 2");
+    const auto second = measured.element("push button", "link button");
+    const auto a = first.extents();
+    const auto b = second.extents();
+    ASSERT_TRUE(a && b);
+    auto command = arguments(middleOf(first));
+    const auto to = arguments(middleOf(second));
+    command.insert(command.end(), {"--to", to[0], to[1], "--json"});
+    const auto finished = measured.measure(command);
+    ASSERT_EQ(finished.status.code, 0) << finished.error;
+    const Json json = Json::parse(finished.output);
+    EXPECT_EQ(json["from"], boxOf(*a));
+    EXPECT_EQ(json["to"], boxOf(*b));
+    const auto gap = [](double low, double high, double otherLow, double otherHigh) -> Json {
+        const double distance = std::max(otherLow - high, low - otherHigh);
+        return distance < 0 ? Json(nullptr) : Json(std::lround(distance));
+    };
+    EXPECT_EQ(json["horizontal"], gap(a->minX(), a->maxX(), b->minX(), b->maxX()));
+    EXPECT_EQ(json["vertical"], gap(a->minY(), a->maxY(), b->minY(), b->maxY()));
+}
+
+// GTK is told the font by its settings file here.
+TEST(MeasureGtk, TellsTheFontOfAText) {
+    MeasuredDesktop measured;
+    const auto application = measured.startWidgetFactory();
+    const Json entry = measured.measureAt(middleOf(measured.element("text", "")));
+    EXPECT_EQ(rowValue(entry, "text"), "#000000");
+    const auto font = rowValue(entry, "font");
+    ASSERT_TRUE(font);
+    EXPECT_TRUE(font->ends_with(" · 13px · regular")) << *font;
+}
+
+constexpr const char* page = R"(<!doctype html><meta charset="utf-8"><title>Plans</title>
+<style>
+  body { margin: 0; background: white; font: 16px 'DejaVu Sans'; }
+  button, h1, p, ul { position: absolute; left: 100px; margin: 0; box-sizing: border-box; }
+  button { top: 60px; width: 200px; height: 48px; border: 0; background: #205080; color: #FFF0E0;
+           font: 15px 'DejaVu Sans'; }
+  h1 { top: 140px; width: 500px; font: 700 40px 'DejaVu Serif'; color: #7A1020; }
+  ul { top: 260px; padding: 0; width: 640px; height: 60px; list-style: none; display: flex;
+       gap: 20px; }
+  li { width: 120px; height: 60px; background: #DDE; }
+</style>
+<button>Buy now</button><h1>Our prices</h1>
+<ul><li>One</li><li>Two</li><li>Three</li><li>Four</li></ul>)";
+
+// Nobody else has asked for the tree of the page: it has to be woken and waited for.
+TEST(MeasureChromium, WakesAPageAndTellsHowItIsSet) {
+    MeasuredDesktop measured;
+    const auto browser = startChromiumWith(measured.desktop, page);
+    static_cast<void>(waitForWindow(measured.desktop.server(), hasClass("Chromium")));
+    // Until the page is drawn there is nothing to be woken.
+    requireUntil("the page", [&] {
+        const Json json = measured.measureAt({110, 70});
+        return rowValue(json, "fill") == "≈ #205080" || rowValue(json, "pixel") == "≈ #205080";
+    });
+    const Json button = measured.measureAt({110, 70});
+    EXPECT_EQ(button["header"], "Button · Buy now");
+    EXPECT_EQ(button["box"], Json::array({100, 60, 200, 48}));
+    EXPECT_EQ(rowValue(button, "fill"), "≈ #205080");
+    EXPECT_EQ(rowValue(button, "text"), "#FFF0E0");
+    EXPECT_EQ(rowValue(button, "font"), "DejaVu Sans · 15px");
+
+    const Json heading = measured.measureAt({140, 165});
+    EXPECT_EQ(rowValue(heading, "font"), "DejaVu Serif · 40px · bold");
+    EXPECT_EQ(rowValue(heading, "color"), "#7A1020");
+
+    const Json list = measured.measureAt({230, 290}); // between two items
+    EXPECT_EQ(rowValue(list, "items"), "4");
+    EXPECT_EQ(rowValue(list, "gap"), "20px");
+    EXPECT_EQ(rowValue(list, "item width"), "120px");
+}
+
+// A page that is one canvas, and an application that knows nothing of accessibility: pixels.
+TEST(MeasurePixels, ReadsWhatTellsNothing) {
+    MeasuredDesktop measured;
+    const auto clock = measured.desktop.start(
+        {"xclock", "-geometry", "300x300+200+100", "-bg", "#FFCC00", "-norender"});
+    const auto window = waitForWindow(measured.desktop.server(), hasClass("XClock"));
+    Json json;
+    // The face is drawn some time after the window has come.
+    requireUntil("the clock", [&] {
+        json = measured.measureAt({window.bounds.x + 8, window.bounds.y + 8});
+        return rowValue(json, "pixel") == "≈ #FFCC00" || rowValue(json, "pixel") == "#FFCC00";
+    });
+    EXPECT_EQ(json["path"], "pixel-only(AX-nil)");
+    EXPECT_EQ(json["header"], "≈ element");
+    ASSERT_TRUE(json["box"].is_array());
+    EXPECT_NE(rowValue(json, "size"), std::nullopt);
+    EXPECT_GE(json["box"][0].get<double>(), window.bounds.x - 2);
+    EXPECT_GE(json["box"][1].get<double>(), window.bounds.y - 2);
+    EXPECT_LE(json["box"][2].get<double>(), window.bounds.width + 4);
+}
+
+} // namespace
+} // namespace lumetry::desktop
