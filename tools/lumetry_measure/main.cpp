@@ -2,8 +2,10 @@
 #include "measurement.h"
 #include "report.h"
 
+#include "base/number_text.h"
 #include "platform/accessibility.h"
 #include "platform/input.h"
+#include "platform/window_server.h"
 #include "probe/ax_access.h"
 #include "probe/electron.h"
 
@@ -11,6 +13,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <iostream>
 #include <vector>
 
@@ -34,6 +37,23 @@ struct Request {
     std::string image;         ///< a PNG instead of the screen, or empty
 };
 
+/// The first of the points that lies on no screen, in words; empty when all do.
+std::string offScreenProblem(WindowServer& windowServer, const std::vector<Point>& points) {
+    const double height = primaryDisplayHeight(windowServer);
+    const auto screens = windowServer.screens();
+    for (const Point& point : points) {
+        const bool onScreen = std::ranges::any_of(screens, [&](const Screen& screen) {
+            return flipped(screen.frame, height).contains(point);
+        });
+        if (!onScreen) {
+            return "the point " + wholeNumber(point.x) + " " + wholeNumber(point.y) +
+                   " is on no screen; give X and Y in points from the top-left corner of the "
+                   "primary screen.";
+        }
+    }
+    return "";
+}
+
 bool found(const Measurement& measurement) {
     return measurement.outcome.box || !measurement.outcome.rows.empty();
 }
@@ -54,13 +74,22 @@ int measureScreen(const Request& request, int& argc, char** argv) {
     const Point at = request.point.empty() ? flipped(platform.pointer.location(),
                                                      primaryDisplayHeight(platform.windowServer))
                                            : Point{request.point[0], request.point[1]};
+    std::vector<Point> points = {at};
+    if (!request.to.empty()) {
+        points.push_back({request.to[0], request.to[1]});
+    }
+    problem = offScreenProblem(platform.windowServer, points);
+    if (!problem.empty()) {
+        std::cerr << "lumetry-measure: " << problem << '\n';
+        return nothingThere;
+    }
     const Measurement first = measurePoint(*desktop, state, at);
     int status = nothingThere;
     if (request.to.empty()) {
         std::cout << (request.json ? jsonReport(first) : textReport(first));
         status = found(first) ? measured : nothingThere;
     } else {
-        const Measurement second = measurePoint(*desktop, state, {request.to[0], request.to[1]});
+        const Measurement second = measurePoint(*desktop, state, points[1]);
         std::cout << (request.json ? jsonReport(first, second) : textReport(first, second));
         status = first.outcome.box && second.outcome.box ? measured : nothingThere;
     }

@@ -64,7 +64,11 @@ TEST(MeasureUsage, SaysWhyADesktopCannotBeRead) {
     const MeasuredDesktop without(options);
     expectRefusal(without.measure({"1", "2"}), "at-spi2-core");
     const MeasuredDesktop empty;
-    EXPECT_EQ(empty.measure({"20", "20"}).status.code, 1) << "there is nothing on an empty desktop";
+    const auto outside = empty.measure({"5000", "20"});
+    EXPECT_EQ(outside.status.code, 1);
+    EXPECT_NE(outside.error.find("on no screen"), std::string::npos) << outside.error;
+    // Of an empty desktop there is its colour.
+    EXPECT_EQ(empty.measure({"20", "20"}).status.code, 0);
 }
 
 TEST(MeasureImage, MeasuresAPictureWithoutAnyDesktop) {

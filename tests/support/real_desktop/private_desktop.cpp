@@ -5,6 +5,8 @@
 #include "support/real_desktop/bus.h"
 #include "support/real_desktop/monitors.h"
 
+#include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <fstream>
 #include <stdexcept>
@@ -107,6 +109,28 @@ bool serviceRuns(GDBusConnection& bus, const std::string& name) {
     return owned != FALSE;
 }
 
+/// Returns once the window manager takes care of windows. It says that it is there some time before
+/// that, and a window that is mapped in between stays unmapped for good.
+void awaitManagedWindows(const XConnection& server) {
+    constexpr auto patience = std::chrono::milliseconds(300);
+    auto* const c = server.get();
+    const auto isListed = [&](xcb_window_t window) {
+        const auto listed = server.numbersProperty(server.root(), "_NET_CLIENT_LIST");
+        return std::ranges::find(listed, window) != listed.end();
+    };
+    requireUntil("the window manager to manage a window", [&] {
+        const xcb_window_t trial = xcb_generate_id(c);
+        xcb_create_window(c, XCB_COPY_FROM_PARENT, trial, server.root(), 0, 0, 1, 1, 0,
+                          XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+        xcb_map_window(c, trial);
+        server.sync();
+        const bool managed = waitUntil([&] { return isListed(trial); }, patience);
+        xcb_destroy_window(c, trial);
+        server.sync();
+        return managed && waitUntil([&] { return !isListed(trial); });
+    });
+}
+
 } // namespace
 
 PrivateDesktop::PrivateDesktop(const DesktopOptions& options)
@@ -205,6 +229,7 @@ void PrivateDesktop::awaitManagers() {
         awaitService(*windowManager_, "the window manager", [&] {
             return !server_->numbersProperty(server_->root(), "_NET_SUPPORTING_WM_CHECK").empty();
         });
+        awaitManagedWindows(*server_);
     }
     if (compositor_) {
         awaitService(*compositor_, "the compositing manager",

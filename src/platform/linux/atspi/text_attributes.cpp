@@ -52,7 +52,7 @@ std::optional<double> pixelsOf(std::string_view size) {
     }
     const double pixels = number->first * pixelsPerPoint;
     const double whole = std::round(pixels);
-    return std::abs(pixels - whole) <= tellingError ? whole : pixels;
+    return whole > 0 && std::abs(pixels - whole) <= tellingError ? whole : pixels;
 }
 
 /// The name of a weight in a font's name; empty for none.

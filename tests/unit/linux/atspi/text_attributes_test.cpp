@@ -73,6 +73,7 @@ TEST(TextAttributes, BecomeAFontAndAColour) {
         // What makes no sense is left out.
         {{{"family-name", " "}, {"size", "huge"}, {"weight", "-1"}, {"fg-color", "red"}}, ""},
         {{{"size", "-10pt"}, {"fg-color", "1,2"}}, ""},
+        {{{"family-name", "Inter"}, {"size", "0.01pt"}}, "Inter/-/1"},
         {{{"size", "1e999"}, {"fg-color", "70000,0,0"}, {"weight", "nan"}}, ""},
         {{}, ""},
     };
