@@ -2,6 +2,7 @@
 
 #include "widget_factory.h"
 
+#include "support/processes/process_usage.h"
 #include "support/real_desktop/overlay_reader.h"
 
 #include <chrono>
@@ -17,35 +18,6 @@ namespace lumetry::latency {
 namespace {
 
 using namespace desktop;
-
-/// What the kernel counts of a process.
-struct Usage {
-    long ticks = 0;    ///< processor time, user and system
-    long switches = 0; ///< times it went to sleep by itself: wake-ups
-};
-
-Usage usageOf(pid_t pid) {
-    const auto folder = std::filesystem::path("/proc") / std::to_string(pid);
-    Usage usage;
-    std::string stat;
-    std::getline(std::ifstream(folder / "stat"), stat);
-    std::istringstream fields(stat.substr(stat.rfind(')') + 2));
-    std::string skipped;
-    for (int field = 3; field < 14; ++field) {
-        fields >> skipped;
-    }
-    long user = 0;
-    long system = 0;
-    fields >> user >> system;
-    usage.ticks = user + system;
-    std::ifstream status(folder / "status");
-    for (std::string line; std::getline(status, line);) {
-        if (line.starts_with("voluntary_ctxt_switches:")) {
-            usage.switches = std::stol(line.substr(line.find(':') + 1));
-        }
-    }
-    return usage;
-}
 
 /// Lines of /proc/PID/smaps_rollup that say where the memory is, in kilobytes.
 void printMemory(pid_t pid) {

@@ -6,6 +6,8 @@
 #include <X11/keysym.h>
 
 #include <chrono>
+#include <optional>
+#include <stdexcept>
 #include <thread>
 #include <vector>
 
@@ -76,39 +78,68 @@ void tourPractice(const std::string& lumetry, Album& album) {
     album.takePicture(desktop.server(), "onboarding-keys", "Control and Shift are held");
 }
 
-/// The menu in a tray.
-/// @param press opens it
-template<class Press>
-void tourTray(const std::string& lumetry, Album& album, const std::vector<std::string>& tray,
-              const std::string& picture, const std::string& line, Press press) {
-    PrivateDesktop desktop(smallDesktop(AccessibilityBus::enabled));
-    markOnboarded(desktop);
-    const auto trayProcess = desktop.start(tray);
-    ShellUser user(desktop, lumetry);
-    const auto process = user.startLumetry();
-    user.waitUntilInspecting(true);
-    desktop.input().typeKey(XK_Escape);
-    user.waitUntilInspecting(false);
-    press(desktop, user);
-    constexpr double menuSeconds = 0.6;
-    rest(menuSeconds);
-    album.takePicture(desktop.server(), picture, line);
+/// Lumetry as it is after the onboarding, with inspect mode left again.
+struct RestingLumetry {
+    explicit RestingLumetry(const std::string& lumetry, const std::vector<std::string>& tray = {}) {
+        markOnboarded(desktop);
+        if (!tray.empty()) {
+            trayProcess = desktop.start(tray);
+        }
+        process = user.emplace(desktop, lumetry).startLumetry();
+        user->waitUntilInspecting(true);
+        desktop.input().typeKey(XK_Escape);
+        user->waitUntilInspecting(false);
+    }
+
+    PrivateDesktop desktop{smallDesktop(AccessibilityBus::enabled)};
+    std::optional<ChildProcess> trayProcess;
+    std::optional<ShellUser> user;
+    std::optional<ChildProcess> process;
+};
+
+constexpr double openSeconds = 0.6;
+
+/// The menu in a tray of the X server.
+void tourTray(const std::string& lumetry, Album& album) {
+    RestingLumetry resting(lumetry, {"trayer", "--align", "right", "--width", "80", "--widthtype",
+                                     "pixel", "--height", "30"});
+    resting.user->openTrayMenu();
+    rest(openSeconds);
+    album.takePicture(resting.desktop.server(), "tray-menu", "The menu in a tray of the X server");
+}
+
+/// The menu in a panel that takes in items over the session bus. Where the panel has put the item
+/// only its picture tells: the pointer goes along the panel until a click opens the menu.
+void tourPanel(const std::string& lumetry, Album& album) {
+    RestingLumetry resting(lumetry, {"xfce4-panel", "--disable-wm-check"});
+    constexpr double panelSeconds = 2;
+    rest(panelSeconds);
+    const auto& screen = resting.desktop.server().screen();
+    constexpr int panelMiddle = 13;
+    constexpr int step = 16;
+    for (int x = screen.width_in_pixels - 40; x > screen.width_in_pixels / 2; x -= step) {
+        resting.desktop.input().movePointer(x, panelMiddle);
+        resting.desktop.input().click();
+        constexpr double answerSeconds = 0.3;
+        rest(answerSeconds);
+        if (resting.user->menuIsOpen()) {
+            rest(openSeconds);
+            album.takePicture(resting.desktop.server(), "panel-menu",
+                              "The menu in a panel of the session bus");
+            return;
+        }
+        resting.desktop.input().typeKey(XK_Escape);
+    }
+    throw std::runtime_error("no click on the panel opens Lumetry's menu");
 }
 
 void tourControlPanel(const std::string& lumetry, Album& album) {
-    PrivateDesktop desktop(smallDesktop(AccessibilityBus::enabled));
-    markOnboarded(desktop);
-    ShellUser user(desktop, lumetry);
-    const auto process = user.startLumetry();
-    user.waitUntilInspecting(true);
-    desktop.input().typeKey(XK_Escape);
-    user.waitUntilInspecting(false);
-    auto again = user.startLumetry();
+    RestingLumetry resting(lumetry);
+    auto again = resting.user->startLumetry();
     static_cast<void>(again.wait());
-    user.waitForWindow(panelTitle);
-    constexpr double openSeconds = 0.6;
+    resting.user->waitForWindow(panelTitle);
     rest(openSeconds);
-    album.takePicture(desktop.server(), "control-panel", "Started while it runs");
+    album.takePicture(resting.desktop.server(), "control-panel", "Started while it runs");
 }
 
 } // namespace
@@ -117,12 +148,8 @@ void tourShell(const std::string& lumetry, Album& album) {
     tourPermissions(lumetry, album);
     tourPractice(lumetry, album);
     tourControlPanel(lumetry, album);
-    tourTray(lumetry, album,
-             {"trayer", "--align", "right", "--width", "80", "--widthtype", "pixel"}, "tray-menu",
-             "The menu in a tray of the X server",
-             [](PrivateDesktop& /*desktop*/, ShellUser& user) {
-                 user.openTrayMenu();
-             });
+    tourTray(lumetry, album);
+    tourPanel(lumetry, album);
 }
 
 } // namespace lumetry::desktop

@@ -36,8 +36,8 @@ TEST(Tour, LeavesAPictureAndALineOfEachStop) {
         EXPECT_TRUE(std::filesystem::exists(line.substr(0, nameEnd)));
         EXPECT_LT(nameEnd + 2, line.size());
     }
-    // Five elements, the distance between two, and what is left after Escape.
-    EXPECT_EQ(lines, 7U);
+    // Seven over an application, four over a page, six of the onboarding, panel and two trays.
+    EXPECT_EQ(lines, 20U);
 }
 
 class TourEndedBy : public testing::TestWithParam<int> {};

@@ -1,6 +1,7 @@
 #include "support/real_desktop/shell_user.h"
 
 #include "support/processes/wait_until.h"
+#include "support/real_desktop/tray_icon.h"
 
 #include <X11/keysym.h>
 
@@ -14,38 +15,6 @@ namespace {
 
 constexpr const char* applicationName = "lumetry";
 constexpr const char* overlayTitle = "Lumetry overlay";
-
-std::vector<xcb_window_t> childrenOf(const XConnection& server, xcb_window_t window) {
-    const Reply<xcb_query_tree_reply_t> tree(
-        xcb_query_tree_reply(server.get(), xcb_query_tree(server.get(), window), nullptr));
-    if (!tree) {
-        return {};
-    }
-    const auto* const first = xcb_query_tree_children(tree.get());
-    return {first, first + xcb_query_tree_children_length(tree.get())};
-}
-
-bool isViewable(const XConnection& server, xcb_window_t window) {
-    const Reply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
-        server.get(), xcb_get_window_attributes(server.get(), window), nullptr));
-    return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
-}
-
-/// The first window on screen below that one, itself included, whose class is Lumetry's, but for
-/// its overlay.
-xcb_window_t findOwn(const XConnection& server, xcb_window_t window) {
-    const auto names = server.textProperty(window, "WM_CLASS");
-    if (names && names->find(applicationName) != std::string::npos) {
-        const auto title = server.textProperty(window, "WM_NAME");
-        return title != overlayTitle && isViewable(server, window) ? window : XCB_NONE;
-    }
-    for (const xcb_window_t child : childrenOf(server, window)) {
-        if (const xcb_window_t found = findOwn(server, child)) {
-            return found;
-        }
-    }
-    return XCB_NONE;
-}
 
 } // namespace
 
@@ -171,21 +140,7 @@ void ShellUser::waitUntilInspecting(bool wanted) const {
 }
 
 std::optional<Rect> ShellUser::trayIcon() const {
-    const auto& server = desktop_.server();
-    const xcb_window_t tray = server.selectionOwner("_NET_SYSTEM_TRAY_S0");
-    const xcb_window_t icon = tray == XCB_NONE ? XCB_NONE : findOwn(server, server.root());
-    if (icon == XCB_NONE) {
-        return std::nullopt;
-    }
-    const Reply<xcb_get_geometry_reply_t> size(
-        xcb_get_geometry_reply(server.get(), xcb_get_geometry(server.get(), icon), nullptr));
-    const Reply<xcb_translate_coordinates_reply_t> place(xcb_translate_coordinates_reply(
-        server.get(), xcb_translate_coordinates(server.get(), icon, server.root(), 0, 0), nullptr));
-    if (!size || !place) {
-        return std::nullopt;
-    }
-    return Rect{static_cast<double>(place->dst_x), static_cast<double>(place->dst_y),
-                static_cast<double>(size->width), static_cast<double>(size->height)};
+    return trayIconOf(desktop_.server(), applicationName);
 }
 
 bool ShellUser::menuIsOpen() const {
