@@ -126,6 +126,7 @@ void AppDelegate::toggle() {
 
 bool AppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/) {
     if (onboarding_.isWindowVisible()) {
+        onboarding_.window()->makeKeyAndOrderFront();
         platform_.application.activateIgnoringOtherApps();
     } else if (permissionsReady() && isOnboarded()) {
         showControlPanel();

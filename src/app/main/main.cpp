@@ -13,7 +13,8 @@
 #include <string>
 #include <utility>
 
-int main(int argc, char** argv) {
+int main(int /*argc*/, char** argv) {
+    int argc = 1; // no arguments are read, those of libraries included
     lumetry::ProbeState state;
     state.lumetryPID = getpid();
     std::string problem;
@@ -31,5 +32,6 @@ int main(int argc, char** argv) {
          [](lumetry::ControlPanelActions actions, const lumetry::TemplateImage& icon) {
              return lumetry::makeControlPanel(std::move(actions), icon);
          }});
+    shell->platform().application.setActivationPolicy(lumetry::ActivationPolicy::accessory);
     return shell->run(delegate);
 }

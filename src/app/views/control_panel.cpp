@@ -8,6 +8,7 @@
 #include <QDialog>
 #include <QFontMetrics>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
@@ -51,6 +52,9 @@ public:
         stack->addStretch();
     }
 
+    /// Return starts, wherever the keyboard was before.
+    void focusStart() { start_->setFocus(); }
+
 private:
     QLabel* makeIcon(const TemplateImage& icon) {
         constexpr int side = 30;
@@ -85,7 +89,7 @@ private:
         QObject::connect(quit, &QPushButton::clicked, this, [this] { actions_.quitFromPanel(); });
         auto* const start = makeButton(QStringLiteral("Start inspecting"), pink());
         start->setDefault(true);
-        start->setFocus();
+        start_ = start;
         QObject::connect(start, &QPushButton::clicked, this, [this] { actions_.startFromPanel(); });
         auto* const row = new QHBoxLayout;
         row->setSpacing(10);
@@ -102,11 +106,20 @@ private:
         constexpr double cornerRadius = 6;
         auto* const button = new FlatButton(this);
         button->setText(title);
+        button->setAutoDefault(false);
         button->setFont(systemFont(13));
         button->setLook({fill, Qt::transparent, whiteAt(1), cornerRadius});
         button->setFixedSize(QFontMetrics(button->font()).horizontalAdvance(title) + 2 * padding,
                              height);
         return button;
+    }
+
+    void keyPressEvent(QKeyEvent* event) override {
+        if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+            start_->click();
+        } else if (event->key() != Qt::Key_Escape) { // which ends inspect mode, and only that
+            QDialog::keyPressEvent(event);
+        }
     }
 
     void mousePressEvent(QMouseEvent* event) override {
@@ -116,6 +129,7 @@ private:
     }
 
     ControlPanelActions actions_;
+    QPushButton* start_ = nullptr;
 };
 
 class QtControlPanelWindow final : public ControlPanelWindow {
@@ -130,6 +144,7 @@ public:
         }
     }
     void makeKeyAndOrderFront() override {
+        panel_.focusStart();
         panel_.show();
         panel_.raise();
         panel_.activateWindow();

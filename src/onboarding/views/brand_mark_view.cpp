@@ -136,8 +136,20 @@ void BrandMarkView::playEntrance() {
     entrance_->setEndValue(end);
     QObject::connect(entrance_, &QVariantAnimation::valueChanged, this,
                      [this](const QVariant& value) { showEntrance(value.toDouble()); });
+    QObject::connect(entrance_, &QVariantAnimation::finished, this, [this] {
+        glow_ = lastingGlow();
+        update();
+    });
     entrance_->start();
     float_->start();
+}
+
+bool BrandMarkView::isEntering() const {
+    return entrance_ != nullptr && entrance_->state() == QAbstractAnimation::Running;
+}
+
+double BrandMarkView::lastingGlow() const {
+    return focused_ ? focusedGlow : restingGlow;
 }
 
 void BrandMarkView::showEntrance(double seconds) {
@@ -148,9 +160,7 @@ void BrandMarkView::showEntrance(double seconds) {
         strokeEnds_.at(i) = eased(QEasingCurve::InOutQuad,
                                   (seconds - strokeDelay * static_cast<double>(i)) / length);
     }
-    if (!focused_) {
-        glow_ = bloom(seconds);
-    }
+    glow_ = bloom(seconds);
     update();
 }
 
@@ -167,11 +177,14 @@ void BrandMarkView::setFocused(bool focused) {
     QObject::connect(focusing_, &QVariantAnimation::valueChanged, this,
                      [this](const QVariant& value) {
                          spread_ = value.toPointF().x();
-                         glow_ = value.toPointF().y();
+                         // The bloom covers it until it ends.
+                         if (!isEntering()) {
+                             glow_ = value.toPointF().y();
+                         }
                          update();
                      });
     focusing_->setStartValue(QPointF(spread_, glow_));
-    focusing_->setEndValue(focused ? QPointF(focusedSpread, focusedGlow) : QPointF(0, restingGlow));
+    focusing_->setEndValue(QPointF(focused ? focusedSpread : 0, lastingGlow()));
     focusing_->start();
 }
 

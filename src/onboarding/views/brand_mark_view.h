@@ -38,6 +38,9 @@ private:
     void mouseMoveEvent(QMouseEvent* event) override;
     void leaveEvent(QEvent* event) override;
     void showEntrance(double seconds);
+    [[nodiscard]] bool isEntering() const;
+    /// The glow once nothing moves.
+    [[nodiscard]] double lastingGlow() const;
     [[nodiscard]] QPointF offset(std::size_t stroke) const;
 
     double markSize_;

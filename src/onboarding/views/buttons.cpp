@@ -14,6 +14,13 @@ FlatButton::FlatButton(QWidget* parent) : QPushButton(parent) {
     setCursor(Qt::PointingHandCursor);
 }
 
+void FlatButton::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::EnabledChange) {
+        setCursor(isEnabled() ? Qt::PointingHandCursor : Qt::ArrowCursor);
+    }
+    QPushButton::changeEvent(event);
+}
+
 void FlatButton::setLook(const ButtonLook& look) {
     look_ = look;
     update();

@@ -23,6 +23,7 @@ DimensionLineView::DimensionLineView(QWidget* parent) : QWidget(parent) {
     setFixedHeight(lineHeight);
     setAttribute(Qt::WA_TransparentForMouseEvents);
     delayTimer_.setSingleShot(true);
+    delayTimer_.setTimerType(Qt::PreciseTimer);
     QObject::connect(&delayTimer_, &QTimer::timeout, this, [this] {
         clock_.start();
         animTimer_.start();

@@ -36,8 +36,10 @@ QPixmap makeGlow(const QSize& size, double radius, const QColor& color,
     scene.addItem(item);
     QPixmap glow(whole);
     glow.fill(Qt::transparent);
-    QPainter painter(&glow);
-    scene.render(&painter, QRectF({0, 0}, whole), QRectF({0, 0}, whole));
+    {
+        QPainter painter(&glow);
+        scene.render(&painter, QRectF({0, 0}, whole), QRectF({0, 0}, whole));
+    }
     return glow;
 }
 

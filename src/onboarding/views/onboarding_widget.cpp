@@ -148,7 +148,8 @@ void OnboardingWidget::setPrimary(const QString& title, bool enabled) {
     primaryButton_->setLook(
         {enabled ? pink() : whiteAt(0.08), Qt::transparent, whiteAt(enabled ? 1 : 0.55), 10});
     placeChrome();
-    if (enabled && keyboardIsFree_) {
+    const QWidget* const focused = focusWidget();
+    if (enabled && keyboardIsFree_ && (focused == nullptr || focused == this)) {
         primaryButton_->setFocus();
         keyboardIsFree_ = false;
     }
@@ -217,6 +218,10 @@ void OnboardingWidget::keyPressEvent(QKeyEvent* event) {
         QWidget::keyPressEvent(event);
         return;
     }
+    // Held down, it would run through all the steps.
+    if (event->isAutoRepeat()) {
+        return;
+    }
     auto* const focused = qobject_cast<QAbstractButton*>(focusWidget());
     (focused != nullptr && focused->isEnabled() ? focused : primaryButton_)->click();
 }
@@ -232,7 +237,9 @@ class QtOnboardingWindow final : public OnboardingWindow {
 public:
     explicit QtOnboardingWindow(OnboardingActions& actions) : widget_(actions) {}
 
-    [[nodiscard]] bool isVisible() const override { return widget_.isVisible(); }
+    [[nodiscard]] bool isVisible() const override {
+        return widget_.isVisible() && !widget_.isMinimized();
+    }
     void center() override {
         if (const QScreen* const screen = QGuiApplication::primaryScreen()) {
             const QRect free = screen->availableGeometry();

@@ -3,6 +3,7 @@
 #include "onboarding/views/buttons.h"
 #include "onboarding/views/style.h"
 
+#include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
@@ -51,8 +52,9 @@ QLayout* makeTexts(const PermissionCard::Texts& texts, QWidget* parent) {
         Qt::AlignBottom);
     auto* const tag =
         makeLabel(QStringLiteral("REQUIRED"), systemFont(10.5, FontWeight::bold), pink(), parent);
-    // Their baselines are level when the smaller one is raised by the difference of descents.
-    constexpr int raise = 1;
+    // On one baseline with the title.
+    const int raise = QFontMetrics(systemFont(15, FontWeight::semibold)).descent() -
+                      QFontMetrics(tag->font()).descent();
     tag->setContentsMargins(0, 0, 0, raise);
     heading->addWidget(tag, 0, Qt::AlignBottom);
     heading->addStretch();

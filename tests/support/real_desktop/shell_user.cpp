@@ -100,8 +100,14 @@ std::optional<Accessible> ShellUser::find(const std::string& role, const std::st
 std::string ShellUser::describe() const {
     std::string all;
     for (const DesktopWindow& one : desktopWindows(desktop_.server())) {
-        all += "window \"" + one.title + "\" of " + one.instanceName + '\n';
+        all += "window \"" + one.title + "\" of " + one.instanceName + " at " +
+               std::to_string(one.bounds.x) + " " + std::to_string(one.bounds.y) + '\n';
     }
+    if (const auto icon = trayIcon()) {
+        all += "tray icon at " + std::to_string(icon->x) + " " + std::to_string(icon->y) + '\n';
+    }
+    const auto [x, y] = desktop_.input().pointer();
+    all += "pointer at " + std::to_string(x) + " " + std::to_string(y) + '\n';
     for (const Accessible& application : tree_.applications()) {
         all += application.describe();
     }

@@ -4,7 +4,7 @@
 namespace lumetry {
 namespace {
 
-TEST(ControlPanel, StartsForReturnAndOnlyHidesForEscape) {
+TEST(ControlPanel, StartsForReturnAndHidesWhenClosed) {
     std::vector<std::string> calls;
     const TemplateImage icon = {
         {18, 18}, [](const Rect& area) {
@@ -28,7 +28,12 @@ TEST(ControlPanel, StartsForReturnAndOnlyHidesForEscape) {
     EXPECT_EQ(calls, std::vector<std::string>{"start"});
     typeKey(*widget, Qt::Key_Tab);
     typeKey(*widget, Qt::Key_Tab);
-    typeKey(*widget, Qt::Key_Escape);
+    typeKey(*widget, Qt::Key_Escape); // which ends inspect mode, not the panel
+    EXPECT_TRUE(widget->isVisible());
+    typeKey(*widget, Qt::Key_Return);
+    EXPECT_EQ(calls, (std::vector<std::string>{"start", "start"}));
+    calls.pop_back();
+    widget->close();
     EXPECT_FALSE(widget->isVisible());
     panel->makeKeyAndOrderFront();
     EXPECT_TRUE(widget->isVisible());

@@ -8,21 +8,6 @@
 namespace lumetry {
 namespace {
 
-bool isModifierKey(int key) {
-    switch (key) {
-    case Qt::Key_Shift:
-    case Qt::Key_Control:
-    case Qt::Key_Alt:
-    case Qt::Key_Meta:
-    case Qt::Key_Super_L:
-    case Qt::Key_Super_R:
-    case Qt::Key_CapsLock:
-        return true;
-    default:
-        return false;
-    }
-}
-
 ModifierFlags flagsOf(Qt::KeyboardModifiers modifiers) {
     ModifierFlags flags = 0;
     flags |= modifiers.testFlag(Qt::ShiftModifier) ? modifierShift : 0;
@@ -41,6 +26,7 @@ QtLocalEventMonitors::QtLocalEventMonitors(std::function<std::uint16_t(std::uint
 
 Token QtLocalEventMonitors::addLocalMonitorForEvents(EventMask mask, Handler handler) {
     const int number = ++lastNumber_;
+    flags_ = flagsOf(QGuiApplication::queryKeyboardModifiers());
     monitors_.push_back({number, mask, std::make_shared<Handler>(std::move(handler))});
     return Token([self = std::weak_ptr(self_), number] {
         if (const auto monitors = self.lock()) {
@@ -60,16 +46,19 @@ bool QtLocalEventMonitors::eventFilter(QObject* watched, QEvent* event) {
 }
 
 EventFate QtLocalEventMonitors::deliver(const QKeyEvent& key) {
-    const bool modifier = isModifierKey(key.key());
-    if (!modifier && key.type() != QEvent::KeyPress) {
-        return EventFate::passOn;
-    }
     Event event;
-    event.type = modifier ? EventType::flagsChanged : EventType::keyDown;
     event.keyCode = keyCodeOf_(key.nativeScanCode());
     // What the key event carries is the state before it.
-    event.modifierFlags =
-        flagsOf(modifier ? QGuiApplication::queryKeyboardModifiers() : key.modifiers());
+    event.modifierFlags = flagsOf(QGuiApplication::queryKeyboardModifiers());
+    // Layouts may have keys do other things besides: what counts is what they change.
+    const bool changed = std::exchange(flags_, event.modifierFlags) != event.modifierFlags;
+    if (changed) {
+        event.type = EventType::flagsChanged;
+    } else if (key.type() == QEvent::KeyPress) {
+        event.type = EventType::keyDown;
+    } else {
+        return EventFate::passOn;
+    }
     const auto monitors = monitors_;
     for (const Monitor& monitor : monitors | std::views::reverse) {
         if ((monitor.mask & eventMask(event.type)) != 0 &&

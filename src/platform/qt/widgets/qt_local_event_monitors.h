@@ -36,6 +36,7 @@ private:
     std::function<std::uint16_t(std::uint32_t)> keyCodeOf_;
     int lastNumber_ = 0;
     std::vector<Monitor> monitors_;
+    ModifierFlags flags_ = 0; ///< as of the last event
     /// Empty once this object is gone: tokens may outlive it.
     std::shared_ptr<QtLocalEventMonitors*> self_ = std::make_shared<QtLocalEventMonitors*>(this);
 };

@@ -13,6 +13,7 @@
 
 #include <xcb/xcb.h>
 
+#include <csignal>
 #include <cstdlib>
 
 namespace lumetry {
@@ -59,6 +60,20 @@ void activate(QWindow& window) {
                    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): as it is sent
                    reinterpret_cast<const char*>(&message));
     xcb_flush(connection);
+}
+
+/// Starts a program that outlives this one.
+void startDetached(const QString& program, const QStringList& arguments) {
+    QProcess process;
+    process.setProgram(program);
+    process.setArguments(arguments);
+    // This process holds requests to end it back, and a program inherits that.
+    process.setChildProcessModifier([] {
+        sigset_t none;
+        sigemptyset(&none);
+        sigprocmask(SIG_SETMASK, &none, nullptr);
+    });
+    process.startDetached();
 }
 
 QStringList toQt(const std::vector<std::string>& texts) {
@@ -123,13 +138,13 @@ void QtOwnApplication::openAddress(std::string_view address) {
     if (!command.empty()) {
         QStringList arguments = toQt(command);
         const QString program = arguments.takeFirst();
-        QProcess::startDetached(program, arguments);
+        startDetached(program, arguments);
     }
 }
 
 void QtOwnApplication::startProcess(const std::string& executable,
                                     const std::vector<std::string>& arguments) {
-    QProcess::startDetached(QString::fromStdString(executable), toQt(arguments));
+    startDetached(QString::fromStdString(executable), toQt(arguments));
 }
 
 } // namespace lumetry

@@ -7,6 +7,7 @@
 #include <QEvent>
 #include <QGuiApplication>
 #include <QImage>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QPalette>
 #include <QScreen>
@@ -53,6 +54,7 @@ public:
         notifierTray_.onChange([this] { followTrays(); });
         embeddingChange_ = embeddingTray_.onChange([this] { followTrays(); });
         qGuiApp->installEventFilter(this);
+        menu_.installEventFilter(this);
     }
     ~QtStatusItem() override { notifierTray_.onChange({}); }
     QtStatusItem(const QtStatusItem&) = delete;
@@ -81,6 +83,21 @@ private:
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (event->type() == QEvent::ApplicationPaletteChange && watched == qGuiApp) {
             tint();
+        }
+        return watched == &menu_ && event->type() == QEvent::KeyPress &&
+               triggerRow(static_cast<const QKeyEvent&>(*event));
+    }
+
+    /// Chooses the row of that shortcut: Qt shows shortcuts in a menu but does not listen to those
+    /// of one that belongs to no window.
+    bool triggerRow(const QKeyEvent& key) {
+        const QKeySequence pressed(key.keyCombination());
+        for (QAction* const row : menu_.actions()) {
+            if (!row->shortcut().isEmpty() && row->shortcut() == pressed) {
+                menu_.close();
+                row->trigger();
+                return true;
+            }
         }
         return false;
     }
@@ -111,7 +128,9 @@ private:
         icon_->setContextMenu(&menu_);
         QObject::connect(&*icon_, &QSystemTrayIcon::activated, &menu_,
                          [this](QSystemTrayIcon::ActivationReason reason) {
-                             if (reason == QSystemTrayIcon::Trigger) {
+                             // A second click soon after a menu was closed counts as double.
+                             if (reason == QSystemTrayIcon::Trigger ||
+                                 reason == QSystemTrayIcon::DoubleClick) {
                                  menu_.popup(menuPlace());
                              }
                          });

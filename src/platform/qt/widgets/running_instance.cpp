@@ -18,9 +18,13 @@ const QString busName = QStringLiteral("app.lumetry.Lumetry");
 const QString objectPath = QStringLiteral("/app/lumetry/Lumetry");
 const QString interfaceName = QStringLiteral("org.freedesktop.Application");
 
-/// Whether the bus has started this process to have it opened.
-bool isStartedByBus() {
-    return qEnvironmentVariableIsSet("DBUS_STARTER_ADDRESS");
+/// Whether the bus has started this process to have it opened. Told once: processes that this one
+/// starts are not started by the bus.
+bool takeStartedByBus() {
+    const bool started = qEnvironmentVariableIsSet("DBUS_STARTER_ADDRESS");
+    qunsetenv("DBUS_STARTER_ADDRESS");
+    qunsetenv("DBUS_STARTER_BUS_TYPE");
+    return started;
 }
 
 bool askToComeForward(const QDBusConnection& bus) {
@@ -57,15 +61,19 @@ public:
         }
         bus.send(message.createReply());
         // The call that the bus has started this process for is not another one.
-        if (!std::exchange(expectsFirstCall_, false) && handler) {
-            QMetaObject::invokeMethod(
-                this, [this] { handler(); }, Qt::QueuedConnection);
+        if (!std::exchange(expectsFirstCall_, false)) {
+            const auto reopen = [this] {
+                if (handler) {
+                    handler();
+                }
+            };
+            QMetaObject::invokeMethod(this, reopen, Qt::QueuedConnection);
         }
         return true;
     }
 
 private:
-    bool expectsFirstCall_ = isStartedByBus();
+    bool expectsFirstCall_ = takeStartedByBus();
 };
 
 RunningInstance::RunningInstance() : service_(std::make_unique<Service>()) {
