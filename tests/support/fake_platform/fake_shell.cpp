@@ -1,7 +1,5 @@
 #include "support/fake_platform/fake_shell.h"
 
-#include <ranges>
-
 namespace lumetry {
 namespace {
 
@@ -26,8 +24,9 @@ private:
 std::vector<EventStatus> FakeHotKeys::press(HotKeyID id) {
     std::vector<EventStatus> answers;
     const HotKeyEvent event{id};
-    for (const Handler& handler : handlers.all() | std::views::reverse) {
-        answers.push_back(handler(&event));
+    const auto all = handlers.all();
+    for (auto handler = all.rbegin(); handler != all.rend(); ++handler) {
+        answers.push_back((*handler)(&event));
         if (answers.back() == noErr) {
             break;
         }
@@ -41,8 +40,10 @@ Token FakeHotKeys::registerEventHotKey(std::uint32_t keyCode, std::uint32_t modi
 }
 
 EventFate FakeLocalEventMonitors::fire(const Event& event) {
-    for (const auto& [mask, handler] : monitors.all() | std::views::reverse) {
-        if ((mask & eventMask(event.type)) != 0 && handler(event) == EventFate::swallow) {
+    const auto all = monitors.all();
+    for (auto monitor = all.rbegin(); monitor != all.rend(); ++monitor) {
+        if ((monitor->first & eventMask(event.type)) != 0 &&
+            monitor->second(event) == EventFate::swallow) {
             return EventFate::swallow;
         }
     }

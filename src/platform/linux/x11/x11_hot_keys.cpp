@@ -1,7 +1,6 @@
 #include "platform/linux/x11/x11_hot_keys.h"
 
 #include <algorithm>
-#include <ranges>
 #include <utility>
 
 namespace lumetry::x11 {
@@ -147,8 +146,8 @@ void X11HotKeys::press(const xcb_key_press_event_t& event) {
 void X11HotKeys::deliver(HotKeyID id) {
     const HotKeyEvent pressed{id};
     const auto handlers = handlers_;
-    for (const auto& [number, handler] : handlers | std::views::reverse) {
-        if ((*handler)(&pressed) == noErr) {
+    for (auto entry = handlers.rbegin(); entry != handlers.rend(); ++entry) {
+        if ((*entry->second)(&pressed) == noErr) {
             return;
         }
     }

@@ -3,8 +3,6 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 
-#include <ranges>
-
 namespace lumetry {
 namespace {
 
@@ -60,9 +58,9 @@ EventFate QtLocalEventMonitors::deliver(const QKeyEvent& key) {
         return EventFate::passOn;
     }
     const auto monitors = monitors_;
-    for (const Monitor& monitor : monitors | std::views::reverse) {
-        if ((monitor.mask & eventMask(event.type)) != 0 &&
-            (*monitor.handler)(event) == EventFate::swallow) {
+    for (auto monitor = monitors.rbegin(); monitor != monitors.rend(); ++monitor) {
+        if ((monitor->mask & eventMask(event.type)) != 0 &&
+            (*monitor->handler)(event) == EventFate::swallow) {
             return EventFate::swallow;
         }
     }
