@@ -15,6 +15,8 @@ namespace lumetry::desktop {
 namespace {
 
 constexpr const char* panelTitle = "Lumetry";
+/// How long the views of a page take to come in.
+constexpr double entranceSeconds = 1.5;
 
 /// Until what moves has come to rest.
 void rest(double seconds) {
@@ -38,7 +40,6 @@ void tourPermissions(const std::string& lumetry, Album& album) {
     PrivateDesktop desktop(options);
     ShellUser user(desktop, lumetry);
     const auto process = user.startLumetry();
-    constexpr double entranceSeconds = 1.5;
     constexpr double markSeconds = 3.2;
     user.waitFor("push button", "Get Started");
     rest(markSeconds);
@@ -60,7 +61,6 @@ void tourPractice(const std::string& lumetry, Album& album) {
     PrivateDesktop desktop(smallDesktop(AccessibilityBus::enabled));
     ShellUser user(desktop, lumetry);
     const auto process = user.startLumetry();
-    constexpr double entranceSeconds = 1.5;
     constexpr double keySeconds = 0.4;
     user.waitFor("label", "waiting for your keys…");
     user.clickButton("back");

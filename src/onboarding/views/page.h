@@ -1,9 +1,8 @@
 #pragma once
 
-#include <QMargins>
-#include <QPointer>
 #include <QWidget>
 
+#include <utility>
 #include <vector>
 
 class QAbstractButton;

@@ -26,14 +26,17 @@ bool AtspiAccessibility::isProcessTrusted() {
 }
 
 bool AtspiAccessibility::isProcessTrustedWithOptions(bool prompt) {
-    if (prompt && !isProcessTrusted()) {
-        setEnabled(true);
-        atspi::keepToolkitAccessibility();
-        if (const std::string problem = trustProblem(); !problem.empty()) {
-            std::cerr << "lumetry: " << problem << '\n';
-        }
+    const bool trusted = isProcessTrusted();
+    if (!prompt || trusted) {
+        return trusted;
     }
-    return isProcessTrusted();
+    setEnabled(true);
+    atspi::keepToolkitAccessibility();
+    const std::string problem = trustProblem();
+    if (!problem.empty()) {
+        std::cerr << "lumetry: " << problem << '\n';
+    }
+    return problem.empty();
 }
 
 Token AtspiAccessibility::keepAnswers() {

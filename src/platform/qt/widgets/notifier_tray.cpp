@@ -1,5 +1,6 @@
 #include "platform/qt/widgets/notifier_tray.h"
 
+#include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusReply>
 #include <QString>

@@ -1,11 +1,9 @@
 #pragma once
 
-#include "base/token.h"
-
-#include <QDBusConnection>
 #include <QDBusServiceWatcher>
 
 #include <functional>
+#include <utility>
 
 namespace lumetry {
 

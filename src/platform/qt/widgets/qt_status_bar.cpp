@@ -9,6 +9,7 @@
 #include <QImage>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QObject>
 #include <QPalette>
 #include <QScreen>
 #include <QSystemTrayIcon>

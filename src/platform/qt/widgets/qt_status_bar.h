@@ -3,13 +3,10 @@
 #include "platform/qt/widgets/trays.h"
 #include "platform/status_bar.h"
 
-#include <QObject>
-
 #include <memory>
 
 namespace lumetry {
 
-/// Tells when the session has a tray that takes in items over the bus (StatusNotifierItem).
 class NotifierTray;
 
 /// The tray: that of the session bus where there is one, else that of the X server. Items show up
