@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 
 namespace lumetry {
@@ -46,6 +48,15 @@ public:
     }
 
 private:
+    /// Pixels in a row or column: a first one and those behind it that are in the interior.
+    struct Line {
+        const std::uint32_t* first = nullptr;
+        std::ptrdiff_t stride = 0;
+        int length = 0; ///< without the first
+
+        [[nodiscard]] std::uint32_t at(int index) const { return first[index * stride]; }
+    };
+
     [[nodiscard]] PixelColor rgb(Cell cell) const { return pixelColor(bitmap_.at(cell.x, cell.y)); }
 
     [[nodiscard]] bool isInterior(Cell cell) const {
@@ -53,9 +64,20 @@ private:
                cell.y <= bitmap_.height - 2;
     }
 
-    [[nodiscard]] bool matches(Cell cell) const {
+    /// @param cell in the interior
+    [[nodiscard]] Line lineFrom(Cell cell, Cell direction) const {
+        const auto room = [](int place, int step, int size) {
+            return step < 0 ? place - 1 : size - 2 - place;
+        };
+        return {&bitmap_.pixels[static_cast<std::size_t>(cell.y) * bitmap_.width + cell.x],
+                static_cast<std::ptrdiff_t>(direction.y) * bitmap_.width + direction.x,
+                direction.x != 0 ? room(cell.x, direction.x, bitmap_.width)
+                                 : room(cell.y, direction.y, bitmap_.height)};
+    }
+
+    [[nodiscard]] bool matches(std::uint32_t pixel) const {
         constexpr int largestDifference = 56;
-        const PixelColor color = rgb(cell);
+        const PixelColor color = pixelColor(pixel);
         return std::abs(color.red - base_.red) + std::abs(color.green - base_.green) +
                    std::abs(color.blue - base_.blue) <=
                largestDifference;
@@ -64,52 +86,47 @@ private:
     /// The number of pixels from the start to the last one before an edge; absent when the bitmap
     /// ends first.
     [[nodiscard]] std::optional<int> scan(Cell start, Cell direction) const {
-        constexpr int shortestLine = 28;
+        const Line line = lineFrom(start, direction);
         int distance = 0;
-        Cell current = start;
-        for (;;) {
-            const Cell next = current + direction;
-            if (!isInterior(next)) {
-                return std::nullopt;
+        while (distance < line.length) {
+            if (matches(line.at(distance + 1))) {
+                ++distance;
+                continue;
             }
-            int step = 1;
-            if (!matches(next)) {
-                const auto behind = behindBand(current, direction);
-                if (!behind || bandLength(next, {direction.y, direction.x}) >= shortestLine) {
-                    return distance;
-                }
-                step = *behind;
+            const auto behind = behindBand(line, distance);
+            const Cell band = start + (distance + 1) * direction;
+            if (!behind || isLine(band, {direction.y, direction.x})) {
+                return distance;
             }
-            distance += step;
-            current = current + step * direction;
+            distance += *behind;
         }
+        return std::nullopt;
     }
 
     /// Steps to the first matching pixel behind a change of colour; absent when the change is
     /// deeper than a band or reaches the end of the bitmap.
-    [[nodiscard]] std::optional<int> behindBand(Cell current, Cell direction) const {
+    [[nodiscard]] std::optional<int> behindBand(const Line& line, int distance) const {
         constexpr int deepest = 7;
-        for (int steps = 2; steps <= deepest; ++steps) {
-            const Cell cell = current + steps * direction;
-            if (!isInterior(cell)) {
-                return std::nullopt;
-            }
-            if (matches(cell)) {
+        for (int steps = 2; steps <= std::min(deepest, line.length - distance); ++steps) {
+            if (matches(line.at(distance + steps))) {
                 return steps;
             }
         }
         return std::nullopt;
     }
 
-    [[nodiscard]] int bandLength(Cell cell, Cell across) const {
-        return 1 + runLength(cell, across) + runLength(cell, -1 * across);
+    /// Whether the band goes on long enough on both sides of the cell to be a border or separator.
+    [[nodiscard]] bool isLine(Cell cell, Cell across) const {
+        constexpr int shortest = 28;
+        const int ahead = 1 + runLength(lineFrom(cell, across), shortest - 1);
+        return ahead + runLength(lineFrom(cell, -1 * across), shortest - ahead) >= shortest;
     }
 
-    [[nodiscard]] int runLength(Cell cell, Cell step) const {
-        constexpr int longest = 30;
+    /// How many of the pixels behind the first do not match, counted to the limit.
+    [[nodiscard]] int runLength(const Line& line, int limit) const {
+        const int longest = std::min(limit, line.length);
         int length = 0;
-        for (cell = cell + step; length < longest && isInterior(cell) && !matches(cell);
-             cell = cell + step) {
+        while (length < longest && !matches(line.at(length + 1))) {
             ++length;
         }
         return length;

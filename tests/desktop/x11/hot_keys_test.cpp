@@ -6,8 +6,10 @@
 #include <xcb/xcb.h>
 #include <xcb/xtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -102,6 +104,38 @@ TEST(X11HotKeys, FollowsTheSymbolOnEveryLayout) {
     rig.loop.settle();
     EXPECT_EQ(rig.tap(keyFrance), 1U);
     EXPECT_EQ(rig.tap(keyUS), 0U);
+}
+
+TEST(X11HotKeys, IsNeverLetGoWhileTheKeyboardStaysTheSame) {
+    HotKeyRig rig;
+    // The server tells of a change, too, when another keyboard with the same symbols is used.
+    const auto tellOfAChange = [&] {
+        const auto request = xcb_get_keyboard_mapping(rig.xcb(), keyUS, 1);
+        const Reply<xcb_get_keyboard_mapping_reply_t> same(
+            xcb_get_keyboard_mapping_reply(rig.xcb(), request, nullptr));
+        ASSERT_TRUE(same);
+        xcb_change_keyboard_mapping(rig.xcb(), 1, keyUS, same->keysyms_per_keycode,
+                                    xcb_get_keyboard_mapping_keysyms(same.get()));
+        rig.desktop.server().sync();
+    };
+    std::atomic<int> grabbed = 0;
+    const std::jthread other([&](const std::stop_token& stop) {
+        const XConnection connection(rig.desktop.display());
+        while (!stop.stop_requested()) {
+            const auto request = xcb_grab_key_checked(
+                connection.get(), 0, connection.root(), XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_SHIFT,
+                keyUS, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+            const Reply<xcb_generic_error_t> error(xcb_request_check(connection.get(), request));
+            grabbed += error == nullptr ? 1 : 0;
+        }
+    });
+    constexpr int changes = 50;
+    for (int i = 0; i < changes; ++i) {
+        tellOfAChange();
+        rig.loop.settle();
+    }
+    EXPECT_EQ(grabbed, 0);
+    EXPECT_EQ(rig.tap(keyUS), 1U);
 }
 
 TEST(X11HotKeys, IsPressedOnceHoweverLongItIsHeld) {

@@ -70,50 +70,60 @@ Token X11HotKeys::registerEventHotKey(std::uint32_t keyCode, std::uint32_t modif
         }
         auto& all = (*keys)->hotKeys_;
         const auto found = std::ranges::find(all, number, &HotKey::number);
-        (*keys)->ungrab(*found);
+        for (const Combination& combination : found->grabbed) {
+            (*keys)->ungrab(combination);
+        }
+        (*keys)->connection_.flush();
         all.erase(found);
     });
 }
 
 bool X11HotKeys::grab(HotKey& hotKey) {
-    hotKey.keys = keyboard_.keysOf(hotKey.keyCode, keyboard_.group());
-    std::vector<std::pair<xcb_keycode_t, xcb_void_cookie_t>> requests;
-    for (const xcb_keycode_t key : hotKey.keys) {
-        for (const std::uint16_t locks : subsetsOf(keyboard_.lockBits())) {
+    const auto wanted = combinationsOf(hotKey);
+    const auto had = std::exchange(hotKey.grabbed, {});
+    std::vector<std::pair<Combination, xcb_void_cookie_t>> requests;
+    for (const Combination& combination : wanted) {
+        if (std::ranges::find(had, combination) != had.end()) {
+            hotKey.grabbed.push_back(combination);
+        } else {
             requests.emplace_back(
-                key, xcb_grab_key_checked(connection_.get(), 0, connection_.root(),
-                                          static_cast<std::uint16_t>(hotKey.modifiers | locks), key,
-                                          XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
+                combination,
+                xcb_grab_key_checked(connection_.get(), 0, connection_.root(),
+                                     combination.modifiers, combination.key, XCB_GRAB_MODE_ASYNC,
+                                     XCB_GRAB_MODE_ASYNC));
         }
     }
-    bool any = false;
-    for (const auto& [key, request] : requests) {
-        any = !connection_.failed(request) || any;
+    for (const auto& [combination, request] : requests) {
+        if (!connection_.failed(request)) {
+            hotKey.grabbed.push_back(combination);
+        }
     }
-    if (!any) {
-        hotKey.keys.clear();
+    for (const Combination& combination : had) {
+        if (std::ranges::find(wanted, combination) == wanted.end()) {
+            ungrab(combination);
+        }
     }
-    return any;
+    connection_.flush();
+    return !hotKey.grabbed.empty();
 }
 
-void X11HotKeys::ungrab(HotKey& hotKey) {
-    for (const xcb_keycode_t key : hotKey.keys) {
+std::vector<X11HotKeys::Combination> X11HotKeys::combinationsOf(const HotKey& hotKey) {
+    std::vector<Combination> combinations;
+    for (const xcb_keycode_t key : keyboard_.keysOf(hotKey.keyCode, keyboard_.group())) {
         for (const std::uint16_t locks : subsetsOf(keyboard_.lockBits())) {
-            xcb_ungrab_key(connection_.get(), key, connection_.root(),
-                           static_cast<std::uint16_t>(hotKey.modifiers | locks));
+            combinations.push_back({key, static_cast<std::uint16_t>(hotKey.modifiers | locks)});
         }
     }
-    hotKey.keys.clear();
-    connection_.flush();
+    return combinations;
+}
+
+void X11HotKeys::ungrab(const Combination& combination) {
+    xcb_ungrab_key(connection_.get(), combination.key, connection_.root(), combination.modifiers);
 }
 
 void X11HotKeys::grabAnew() {
-    for (HotKey& hotKey : hotKeys_) {
-        // Whatever bits the locks had when it was grabbed, by any modifiers it is all of them.
-        for (const xcb_keycode_t key : hotKey.keys) {
-            xcb_ungrab_key(connection_.get(), key, connection_.root(), XCB_MOD_MASK_ANY);
-        }
-    }
+    // The server tells of a change whenever another keyboard is typed on, with the first key of a
+    // shortcut, that is: what stays the same must not be let go even for a moment.
     for (HotKey& hotKey : hotKeys_) {
         grab(hotKey);
     }
@@ -136,7 +146,8 @@ void X11HotKeys::press(const xcb_key_press_event_t& event) {
         static_cast<std::uint16_t>(event.state & modifierBits & ~keyboard_.lockBits());
     const auto found = std::ranges::find_if(hotKeys_, [&](const HotKey& hotKey) {
         return hotKey.modifiers == modifiers &&
-               std::ranges::find(hotKey.keys, event.detail) != hotKey.keys.end();
+               std::ranges::find(hotKey.grabbed, event.detail, &Combination::key) !=
+                   hotKey.grabbed.end();
     });
     if (found != hotKeys_.end()) {
         deliver(found->id);

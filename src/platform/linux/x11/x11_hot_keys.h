@@ -25,20 +25,28 @@ public:
                                             HotKeyID id) override;
 
 private:
+    struct Combination {
+        xcb_keycode_t key = 0;
+        std::uint16_t modifiers = 0; ///< X11's bits, some locks among them
+
+        bool operator==(const Combination&) const = default;
+    };
     struct HotKey {
         int number = 0;
         std::uint16_t keyCode = 0;
         std::uint16_t modifiers = 0; ///< X11's bits
         HotKeyID id;
-        std::vector<xcb_keycode_t> keys; ///< those that are grabbed for it
+        std::vector<Combination> grabbed;
     };
 
     void handle(const xcb_generic_event_t& event);
     void press(const xcb_key_press_event_t& event);
     void deliver(HotKeyID id);
-    /// Whether the server gave at least one key.
+    /// Grabs what is to be grabbed and is not, then lets go what is grabbed and need not be.
+    /// Whether the server has given at least one combination.
     bool grab(HotKey& hotKey);
-    void ungrab(HotKey& hotKey);
+    [[nodiscard]] std::vector<Combination> combinationsOf(const HotKey& hotKey);
+    void ungrab(const Combination& combination);
     void grabAnew();
 
     Connection& connection_;
