@@ -52,11 +52,11 @@ Bitmap textPicture() {
 }
 
 /// One colour with a grain of noise on all of it.
-Bitmap grainPicture() {
-    Bitmap picture = evenBitmap(surfaceSide, surfaceSide, 0x808080);
+Bitmap grainPicture(std::uint32_t color) {
+    Bitmap picture = evenBitmap(surfaceSide, surfaceSide, color);
     std::minstd_rand random(1);
     for (std::uint32_t& pixel : picture.pixels) {
-        pixel ^= static_cast<std::uint32_t>(random()) & 0x070707U;
+        pixel += static_cast<std::uint32_t>(random()) & 0x070707U;
     }
     return picture;
 }
@@ -134,7 +134,9 @@ void registerAll() {
     RegisterBenchmark("copy/surface", copy, text);
     RegisterBenchmark("surface/even", surface, evenBitmap(surfaceSide, surfaceSide, 0xFAFAFA));
     RegisterBenchmark("surface/text", surface, text);
-    RegisterBenchmark("surface/grain", surface, grainPicture());
+    RegisterBenchmark("surface/grain", surface, grainPicture(0x808080));
+    // Around a border between two levels of each channel: eight keys side by side.
+    RegisterBenchmark("surface/eight keys", surface, grainPicture(0x7C7C7C));
     RegisterBenchmark("surface/photo", surface, photoLikeBitmap(surfaceSide, surfaceSide));
 }
 

@@ -4,7 +4,9 @@
 #include <array>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <span>
+#include <utility>
 
 namespace lumetry {
 namespace {
@@ -34,32 +36,48 @@ int keyDistance(std::uint32_t a, std::uint32_t b) {
 }
 
 // Pixels are read in blocks of a fixed length, which compilers turn into vector instructions. A
-// user interface mostly consists of blocks of a single colour, which need only one look.
+// user interface mostly consists of blocks of one key, which need only one look.
 constexpr std::size_t blockLength = 16;
 using Block = std::span<const std::uint32_t, blockLength>;
-using BlockMasks = std::array<std::uint32_t, blockLength>;
 
-bool isEven(Block block) {
-    const std::uint32_t first = block[0];
-    std::uint32_t differences = 0;
-    for (std::size_t i = 0; i < blockLength; ++i) {
-        differences |= block[i] ^ first;
-    }
-    return differences == 0;
+// Four pixels at once, also seen as their channels. Comparing sets all bits of what it is true for.
+constexpr std::size_t lanes = 4;
+using Pixels __attribute__((vector_size(16))) = std::uint32_t;
+using Channels __attribute__((vector_size(16))) = std::uint8_t;
+
+Pixels pixelsOf(Block block, std::size_t first) {
+    Pixels pixels;
+    std::memcpy(&pixels, &block[first], sizeof pixels);
+    return pixels;
 }
 
-/// Goes through all pixels, in no particular order.
+/// Calls it with every four pixels of a block, without a loop that would cost more than the calls.
+template<typename Function>
+void forEachFour(Block block, Function function) {
+    [&]<std::size_t... i>(std::index_sequence<i...>) {
+        (function(pixelsOf(block, i * lanes)), ...);
+    }
+    (std::make_index_sequence<blockLength / lanes>());
+}
+
+/// The bits in which any pixel differs from the first.
+std::uint32_t differencesIn(Block block) {
+    Pixels differences{};
+    forEachFour(block, [&](Pixels pixels) { differences |= pixels ^ block[0]; });
+    return differences[0] | differences[1] | differences[2] | differences[3];
+}
+
+/// Goes through all pixels of a row, in no particular order.
 /// @param onRun called with a pixel and how many there are of it
-/// @param onBlock called with a block of differing pixels
+/// @param onBlock called with a block of differing pixels, and whether they have one key
 template<typename OnRun, typename OnBlock>
-void forEachBlock(const Bitmap& picture, OnRun onRun, OnBlock onBlock) {
-    std::span<const std::uint32_t> rest = picture.pixels;
+void forEachBlock(std::span<const std::uint32_t> rest, OnRun onRun, OnBlock onBlock) {
     std::uint32_t runPixel = 0;
     std::uint32_t runLength = 0;
     for (; rest.size() >= blockLength; rest = rest.subspan(blockLength)) {
         const Block block = rest.first<blockLength>();
-        if (!isEven(block)) {
-            onBlock(block);
+        if (const std::uint32_t differences = differencesIn(block)) {
+            onBlock(block, keyOf(differences) == 0);
             continue;
         }
         if (block[0] != runPixel) {
@@ -71,7 +89,7 @@ void forEachBlock(const Bitmap& picture, OnRun onRun, OnBlock onBlock) {
     }
     onRun(runPixel, runLength);
     for (const std::uint32_t pixel : rest) {
-        onRun(pixel, 1);
+        onRun(pixel, 1U);
     }
 }
 
@@ -82,8 +100,13 @@ Histogram histogramOf(const Bitmap& picture) {
     // addition just before it.
     std::array<Histogram, 4> parts{};
     forEachBlock(
-        picture, [&](std::uint32_t pixel, std::uint32_t times) { parts[0][keyOf(pixel)] += times; },
-        [&](Block block) {
+        picture.pixels,
+        [&](std::uint32_t pixel, std::uint32_t times) { parts[0][keyOf(pixel)] += times; },
+        [&](Block block, bool oneKey) {
+            if (oneKey) {
+                parts[0][keyOf(block[0])] += blockLength;
+                return;
+            }
             std::array<std::uint32_t, blockLength> keys{};
             for (std::size_t i = 0; i < blockLength; ++i) {
                 keys[i] = keyOf(block[i]);
@@ -119,36 +142,43 @@ std::optional<std::uint32_t> mostFrequent(const Histogram& histogram, Predicate 
 class Shades {
 public:
     explicit Shades(std::optional<std::uint32_t> key) {
-        if (key) {
-            const std::uint32_t levels = pixelOf(*key) >> 4U;
-            lowest_ = highest_ = 0;
-            for (unsigned shift = 0; shift < 24; shift += 8) {
-                const std::uint32_t level = (levels >> shift) % channelLevels;
-                lowest_ |= (level > 0 ? level - 1 : 0) << shift;
-                highest_ |= (level + 1) << shift;
-            }
+        if (!key) {
+            return;
         }
+        empty_ = false;
+        const std::uint32_t levels = pixelOf(*key) >> 4U;
+        std::uint32_t lowest = 0;
+        std::uint32_t highest = 0xFF000000U; // whatever alpha is
+        for (unsigned shift = 0; shift < 24; shift += 8) {
+            const std::uint32_t level = (levels >> shift) % channelLevels;
+            lowest |= (level > 0 ? level - 1 : 0) * channelLevels << shift;
+            highest |= (std::min(level + 2, channelLevels) * channelLevels - 1) << shift;
+        }
+        lowest_ = reinterpret_cast<Channels>(Pixels{} + lowest);
+        highest_ = reinterpret_cast<Channels>(Pixels{} + highest);
     }
 
-    /// All bits set for a pixel that is one of the shades, else none. The channels are compared at
-    /// once: a difference takes the guard bit above its channel away when it is negative.
-    [[nodiscard]] std::uint32_t mask(std::uint32_t pixel) const {
-        constexpr std::uint32_t guards = 0x808080U;
-        const std::uint32_t levels = (pixel >> 4U) & 0x0F0F0FU;
-        const std::uint32_t within =
-            ((levels | guards) - lowest_) & ((highest_ | guards) - levels) & guards;
-        return within == guards ? ~0U : 0U;
+    [[nodiscard]] bool empty() const { return empty_; }
+    /// All bits set for each pixel that is one of the shades, else none.
+    [[nodiscard]] Pixels mask(Pixels pixels) const {
+        const auto channels = reinterpret_cast<Channels>(pixels);
+        const auto within = (channels >= lowest_) & (channels <= highest_);
+        return reinterpret_cast<Pixels>(reinterpret_cast<Pixels>(within) == ~0U);
     }
+    [[nodiscard]] bool contain(std::uint32_t pixel) const { return mask(Pixels{} + pixel)[0] != 0; }
 
 private:
-    std::uint32_t lowest_ = 0x0F0F0FU; ///< of each channel; above the highest
-    std::uint32_t highest_ = 0;
+    bool empty_ = true;
+    Channels lowest_ = Channels{} + std::uint8_t{1}; ///< of each channel; above the highest
+    Channels highest_{};
 };
 
 std::size_t countOf(const Shades& shades, const Histogram& histogram) {
     std::size_t count = 0;
     for (std::uint32_t key = 0; key < colorKeys; ++key) {
-        count += histogram[key] & shades.mask(pixelOf(key));
+        if (histogram[key] > 0 && shades.contain(pixelOf(key))) {
+            count += histogram[key];
+        }
     }
     return count;
 }
@@ -156,31 +186,37 @@ std::size_t countOf(const Shades& shades, const Histogram& histogram) {
 /// Sums of the channels of many pixels.
 class ColorSum {
 public:
+    /// Of every fourth pixel each, of so few that half a word holds the sum of a channel.
+    struct Lanes {
+        Pixels count{};
+        Pixels redAndBlue{};
+        Pixels green{};
+
+        /// @param mask all bits set for each pixel to be added, else none
+        void add(Pixels pixels, Pixels mask) {
+            pixels &= mask;
+            count -= mask;
+            redAndBlue += pixels & 0xFF00FFU;
+            green += (pixels >> 8U) & 0xFFU;
+        }
+    };
+    static constexpr std::size_t mostInLanes = lanes * 256;
+
     /// Adds a pixel a number of times.
-    /// @param mask all bits set; none to leave the pixel out
-    void add(std::uint32_t pixel, std::uint32_t mask, std::uint64_t times) {
-        const PixelColor color = pixelColor(pixel & mask);
-        count_ += (mask & 1U) * times;
+    void add(std::uint32_t pixel, std::uint64_t times) {
+        const PixelColor color = pixelColor(pixel);
+        count_ += times;
         red_ += static_cast<std::uint64_t>(color.red) * times;
         green_ += static_cast<std::uint64_t>(color.green) * times;
         blue_ += static_cast<std::uint64_t>(color.blue) * times;
     }
-
-    /// Adds each pixel of a block once.
-    void add(Block block, const BlockMasks& masks) {
-        std::uint32_t count = 0;
-        std::uint32_t redAndBlue = 0; // in one word: 16 pixels do not fill half of it
-        std::uint32_t green = 0;
-        for (std::size_t i = 0; i < blockLength; ++i) {
-            const std::uint32_t pixel = block[i] & masks[i];
-            count += masks[i] & 1U;
-            redAndBlue += pixel & 0xFF00FFU;
-            green += (pixel >> 8U) & 0xFFU;
+    void add(const Lanes& sums) {
+        for (std::size_t lane = 0; lane < lanes; ++lane) {
+            count_ += sums.count[lane];
+            red_ += sums.redAndBlue[lane] >> 16U;
+            green_ += sums.green[lane];
+            blue_ += sums.redAndBlue[lane] & 0xFFFFU;
         }
-        count_ += count;
-        red_ += redAndBlue >> 16U;
-        green_ += green;
-        blue_ += redAndBlue & 0xFFFFU;
     }
 
     [[nodiscard]] std::optional<AverageColor> average() const {
@@ -204,25 +240,39 @@ struct ColorSums {
     ColorSum ink;
 };
 
-/// Sums of the pixels of two groups of shades.
+void addTo(ColorSum::Lanes& sums, Block block, const Shades& shades) {
+    forEachFour(block, [&](Pixels pixels) { sums.add(pixels, shades.mask(pixels)); });
+}
+
+/// Sums of the pixels of two groups of shades, of which no pixel belongs to both.
 ColorSums sumsOf(const Bitmap& picture, const Shades& fill, const Shades& ink) {
     ColorSums sums;
-    forEachBlock(
-        picture,
-        [&](std::uint32_t pixel, std::uint32_t times) {
-            sums.fill.add(pixel, fill.mask(pixel), times);
-            sums.ink.add(pixel, ink.mask(pixel), times);
-        },
-        [&](Block block) {
-            BlockMasks fillMasks{};
-            BlockMasks inkMasks{};
-            for (std::size_t i = 0; i < blockLength; ++i) {
-                fillMasks[i] = fill.mask(block[i]);
-                inkMasks[i] = ink.mask(block[i]);
-            }
-            sums.fill.add(block, fillMasks);
-            sums.ink.add(block, inkMasks);
-        });
+    std::span<const std::uint32_t> rest = picture.pixels;
+    while (!rest.empty()) {
+        const auto strip = rest.first(std::min(rest.size(), ColorSum::mostInLanes));
+        rest = rest.subspan(strip.size());
+        ColorSum::Lanes fillLanes;
+        ColorSum::Lanes inkLanes;
+        forEachBlock(
+            strip,
+            [&](std::uint32_t pixel, std::uint32_t times) {
+                if (fill.contain(pixel)) {
+                    sums.fill.add(pixel, times);
+                } else if (ink.contain(pixel)) {
+                    sums.ink.add(pixel, times);
+                }
+            },
+            [&](Block block, bool oneKey) {
+                if (!oneKey || fill.contain(block[0])) {
+                    addTo(fillLanes, block, fill);
+                }
+                if (!ink.empty() && (!oneKey || ink.contain(block[0]))) {
+                    addTo(inkLanes, block, ink);
+                }
+            });
+        sums.fill.add(fillLanes);
+        sums.ink.add(inkLanes);
+    }
     return sums;
 }
 

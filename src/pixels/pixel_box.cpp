@@ -122,11 +122,19 @@ private:
         return ahead + runLength(lineFrom(cell, -1 * across), shortest - ahead) >= shortest;
     }
 
-    /// How many of the pixels behind the first do not match, counted to the limit.
+    /// How many of the pixels behind the first, which does not match, do not match either; counted
+    /// to the limit.
     [[nodiscard]] int runLength(const Line& line, int limit) const {
         const int longest = std::min(limit, line.length);
+        // Most pixels of a stroke are alike.
+        std::uint32_t differing = *line.first;
         int length = 0;
-        while (length < longest && !matches(line.at(length + 1))) {
+        while (length < longest) {
+            const std::uint32_t pixel = line.at(length + 1);
+            if (pixel != differing && matches(pixel)) {
+                break;
+            }
+            differing = pixel;
             ++length;
         }
         return length;

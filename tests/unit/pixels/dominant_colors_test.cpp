@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <map>
@@ -84,7 +85,7 @@ Bitmap randomPicture(std::minstd_rand& random) {
         if (left-- == 0) {
             left = below(70);
             color = colors[std::min<std::size_t>(below(8) / 2, colors.size() - 1)];
-            noise = below(2) * 0x1F1F1F;
+            noise = std::array{0U, 0x070707U, 0x1F1F1FU}[below(3)];
         }
         pixel = color ^ (below(0x1000000) & noise);
     }
