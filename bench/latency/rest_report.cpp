@@ -3,6 +3,7 @@
 #include "widget_factory.h"
 
 #include "support/processes/process_usage.h"
+#include "support/real_desktop/lumetry_settings.h"
 #include "support/real_desktop/overlay_reader.h"
 
 #include <chrono>
@@ -39,6 +40,7 @@ void reportRest() {
     PrivateDesktop desktop;
     const WidgetFactory factory(desktop);
     const auto button = factory.tree.waitFor(WidgetFactory::name, "push button", "link button");
+    markOnboarded(desktop); // so that it begins to inspect
     auto lumetry = desktop.start({LUMETRY_PROGRAM});
     const OverlayReader overlay(desktop.server());
     const auto extents = button.extents();
