@@ -2,20 +2,39 @@
 // points, over a real application, on a small and on a large screen; where the time goes, by the
 // class of the element; and what inspect mode costs at rest.
 //
-//   lumetry_latency
+//   lumetry_latency [hover] [buckets] [rest]    without arguments all three
 
 #include "reports.h"
 
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
 #include <exception>
 #include <iostream>
+#include <string>
+#include <vector>
 
-int main() {
+int main(int argc, char** argv) {
     using namespace lumetry::latency;
+    CLI::App command("What a hover of Lumetry's inspect mode costs.");
+    std::vector<std::string> reports;
+    command.add_option("reports", reports, "Only these reports")
+        ->check(CLI::IsMember({"hover", "buckets", "rest"}));
+    CLI11_PARSE(command, argc, argv);
+    const auto wanted = [&reports](const char* report) {
+        return reports.empty() || std::ranges::find(reports, report) != reports.end();
+    };
     try {
-        reportHover(1280, 800);
-        reportHover(5120, 2880);
-        reportBuckets();
-        reportRest();
+        if (wanted("hover")) {
+            reportHover(1280, 800);
+            reportHover(5120, 2880);
+        }
+        if (wanted("buckets")) {
+            reportBuckets();
+        }
+        if (wanted("rest")) {
+            reportRest();
+        }
     } catch (const std::exception& problem) {
         std::cerr << "lumetry_latency: " << problem.what() << '\n';
         return 1;

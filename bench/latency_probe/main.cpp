@@ -7,6 +7,7 @@
 // server; microseconds of the update in accessibility, in captures and in windows and screens;
 // whether something else is shown than before, and the class of that.
 
+#include "deaf_monitors.h"
 #include "platform/accessibility.h"
 #include "platform/native/native_desktop.h"
 #include "platform/platform.h"
@@ -38,16 +39,17 @@ void runQueuedTasks(NativeDesktop& desktop) {
     (void)desktop.run();
 }
 
-/// The desktop's ports, those that take time with a watch on them.
+/// The desktop's ports, those that take time with a watch on them, and deaf to what moves.
 struct TimedPorts {
     explicit TimedPorts(const Platform& ports)
         : accessibility(ports.accessibility), windowServer(ports.windowServer),
           screenCapture(ports.screenCapture), platform{accessibility,        windowServer,
-                                                       ports.pointer,        ports.eventMonitors,
+                                                       ports.pointer,        monitors,
                                                        ports.applications,   ports.fileSystem,
                                                        ports.runLoop,        ports.defaults,
                                                        ports.overlayWindows, screenCapture} {}
 
+    DeafMonitors monitors;
     TimedAccessibility accessibility;
     TimedWindowServer windowServer;
     TimedScreenCapture screenCapture;

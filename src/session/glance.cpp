@@ -173,6 +173,10 @@ Glance deriveGlance(const Platform& platform, const ResolvedComponent& resolved,
     if (isBrowser(platform, pid)) {
         return browserGlance(platform, pid, frame.size());
     }
+    // Nearly all of this will be read: by the header, by spacing and by typography.
+    constexpr std::array<std::string_view, 4> shown = {"AXRole", "AXTitle", "AXValue",
+                                                       "AXChildren"};
+    platform.accessibility.prefetch(std::array{resolved.component, resolved.textSource}, shown);
     const std::string role = axString(resolved.component, "AXRole").value_or("AXUnknown");
     std::string header = headerFor(role, resolved);
     return {std::move(header), RowWriter(platform, resolved, frame, windowNumber).rows(role),

@@ -1,7 +1,7 @@
 #include "platform/linux/atspi/descent.h"
 
-#include <algorithm>
-#include <cstddef>
+#include "platform/linux/atspi/child_at_point.h"
+
 #include <set>
 #include <utility>
 #include <vector>
@@ -14,14 +14,6 @@ using About = Inquiry::About;
 /// Far deeper than any interface; a tree that is deeper answers in circles.
 constexpr int deepestLevel = 100;
 constexpr int mostAncestors = 16;
-constexpr std::size_t mostChildren = 300;
-
-std::vector<ObjectReference> childrenOf(Inquiry& inquiry, const ObjectReference& object) {
-    auto children = referencesOf(inquiry.reply({object, About::children}))
-                        .value_or(std::vector<ObjectReference>());
-    children.resize(std::min(children.size(), mostChildren));
-    return children;
-}
 
 /// The nearest ancestor that is seen at the point; absent where there is none above.
 std::optional<ObjectReference> ancestorAtPoint(Inquiry& inquiry, ObjectReference object) {
@@ -89,26 +81,6 @@ Descent descendThroughGtk(Inquiry& inquiry, Popovers& popovers, const TopLevel& 
         return {Outcome::answered, ancestor ? *ancestor : topLevel.object};
     }
     return {Outcome::answered, std::move(current)};
-}
-
-/// The last child, which is the topmost, that is seen at the point.
-std::optional<ObjectReference> childAtPoint(Inquiry& inquiry, const ObjectReference& object) {
-    // Of more children than that, few are at the point: only those are asked whether they show.
-    constexpr std::size_t askedAtOnce = 16;
-    const auto children = childrenOf(inquiry, object);
-    std::vector<Inquiry::Query> queries;
-    for (const ObjectReference& child : children) {
-        queries.push_back({child, About::extents});
-        if (children.size() <= askedAtOnce) {
-            queries.push_back({child, About::states});
-        }
-    }
-    inquiry.ask(queries);
-    const auto isSeen = [&inquiry](const ObjectReference& child) {
-        return inquiry.isAtPoint(child) && inquiry.isShowing(child);
-    };
-    const auto topmost = std::find_if(children.rbegin(), children.rend(), isSeen);
-    return topmost == children.rend() ? std::nullopt : std::optional(*topmost);
 }
 
 /// Chromium answers with the innermost object at once, but from its last hit test while that still

@@ -4,6 +4,7 @@
 #include "platform/linux/atspi/popup_search.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <utility>
@@ -11,16 +12,22 @@
 namespace lumetry::atspi {
 namespace {
 
-/// Enough for a deep tree. A longer way went through a long list, which is not worth asking about
-/// in advance: only the way to it is.
-constexpr std::size_t longestWay = 80;
-constexpr std::size_t wayToList = 8;
+/// The way through a tree that is deep but narrow. A longer one went past many children, which is
+/// worth asking about in advance only if it is likely to be gone again.
+constexpr std::size_t shortWay = 12;
 
 std::int32_t pixel(double coordinate) {
     constexpr double farthest = 1 << 30;
     // Not a number comes out as a place where nothing is.
     return static_cast<std::int32_t>(
         coordinate > -farthest ? std::min(std::floor(coordinate), farthest) : -farthest);
+}
+
+/// What the object has answered, if it has been asked.
+std::optional<ObjectReference> childAtPointOf(const ObjectReference& object,
+                                              const Inquiry& inquiry) {
+    const Reply* reply = inquiry.known({object, Inquiry::About::childAtPoint});
+    return reply ? referenceOf(*reply) : std::nullopt;
 }
 
 } // namespace
@@ -58,7 +65,7 @@ std::optional<ObjectReference> HitTest::objectIn(const DesktopWindow& window, co
         const Pixel at{pixel(point.x / scale), pixel(point.y / scale)};
         Inquiry inquiry(bus_, at, deadline);
         if (lastTopLevel_ == topLevel->object) {
-            inquiry.ask(lastWay_);
+            askAboutLastWay(inquiry);
         }
         Descent descent = descend(inquiry, popovers_, *topLevel);
         if (descent.object) {
@@ -94,21 +101,34 @@ std::optional<ObjectReference> HitTest::contentOfHollowPopup(pid_t pid, Pixel at
     return firstShowingBelow(bus_, std::move(starts), isAtPoint, deadline);
 }
 
+void HitTest::askAboutLastWay(Inquiry& inquiry) {
+    if (lastWay_.size() > shortWay) {
+        inquiry.ask(std::array{Inquiry::Query{lastTopLevel_, Inquiry::About::childAtPoint}});
+        if (childAtPointOf(lastTopLevel_, inquiry) != lastChild_) {
+            return;
+        }
+    }
+    inquiry.ask(lastWay_);
+}
+
 void HitTest::keepWhatHelps(const Inquiry& inquiry, const TopLevel& topLevel,
                             const ObjectReference& object) {
     lastTopLevel_ = topLevel.object;
     lastWay_ = inquiry.used();
-    if (lastWay_.size() > longestWay) {
-        lastWay_.resize(wayToList);
-    }
-    for (const Inquiry::Query& query : inquiry.used()) {
-        const Reply* reply = inquiry.known(query);
-        if (query.about == Inquiry::About::extents && reply) {
-            answers_.remember({query.object, Question::extents}, *reply);
+    lastChild_ = childAtPointOf(topLevel.object, inquiry);
+    constexpr std::array<std::pair<Inquiry::About, Question>, 2> kept = {
+        {{Inquiry::About::extents, Question::extents},
+         {Inquiry::About::children, Question::children}}};
+    for (const auto& [about, question] : kept) {
+        for (const Inquiry::Query& query : inquiry.used()) {
+            const Reply* reply = query.about == about ? inquiry.known(query) : nullptr;
+            if (reply) {
+                answers_.remember({query.object, question}, *reply);
+            }
         }
-    }
-    if (const Reply* extents = inquiry.known({object, Inquiry::About::extents})) {
-        answers_.remember({object, Question::extents}, *extents);
+        if (const Reply* reply = inquiry.known({object, about})) {
+            answers_.remember({object, question}, *reply);
+        }
     }
 }
 

@@ -48,6 +48,7 @@ private:
                                                           Point point, Deadline deadline);
     [[nodiscard]] std::optional<ObjectReference> contentOfHollowPopup(pid_t pid, Pixel at,
                                                                       Deadline deadline);
+    void askAboutLastWay(Inquiry& inquiry);
     void keepWhatHelps(const Inquiry& inquiry, const TopLevel& topLevel,
                        const ObjectReference& object);
 
@@ -60,6 +61,7 @@ private:
     /// then one exchange serves the whole way down.
     std::vector<Inquiry::Query> lastWay_;
     ObjectReference lastTopLevel_;
+    std::optional<ObjectReference> lastChild_; ///< what that window answered
 };
 
 } // namespace lumetry::atspi

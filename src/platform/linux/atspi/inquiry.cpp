@@ -3,7 +3,6 @@
 #include "platform/linux/atspi/requests.h"
 #include "platform/linux/atspi/states.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <utility>
 
@@ -29,11 +28,11 @@ Message requestFor(const Inquiry::Query& query, Pixel at) {
 } // namespace
 
 void Inquiry::ask(std::span<const Query> queries) {
-    std::vector<Query> asked;
+    std::vector<Query> missing;
     std::vector<Message> requests;
     for (const Query& query : queries) {
-        if (!replies_.contains(query)) {
-            asked.push_back(query);
+        if (!asked_.contains(query)) {
+            missing.push_back(query);
             requests.push_back(requestFor(query, at_));
         }
     }
@@ -41,22 +40,23 @@ void Inquiry::ask(std::span<const Query> queries) {
         return;
     }
     auto replies = bus_.exchange(std::move(requests), deadline_);
-    for (std::size_t index = 0; index < asked.size(); ++index) {
-        replies_.insert_or_assign(std::move(asked[index]), std::move(replies[index]));
+    for (std::size_t index = 0; index < missing.size(); ++index) {
+        asked_.insert_or_assign(std::move(missing[index]), Asked{std::move(replies[index]), false});
     }
 }
 
 const Reply& Inquiry::reply(const Query& query) {
     ask(std::span(&query, 1));
-    if (std::ranges::find(used_, query) == used_.end()) {
+    Asked& asked = asked_.at(query);
+    if (!std::exchange(asked.used, true)) {
         used_.push_back(query);
     }
-    return replies_.at(query);
+    return asked.reply;
 }
 
 const Reply* Inquiry::known(const Query& query) const {
-    const auto reply = replies_.find(query);
-    return reply == replies_.end() ? nullptr : &reply->second;
+    const auto asked = asked_.find(query);
+    return asked == asked_.end() ? nullptr : &asked->second.reply;
 }
 
 bool Inquiry::isAtPoint(const ObjectReference& object) {

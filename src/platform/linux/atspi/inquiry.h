@@ -63,7 +63,12 @@ private:
     AtspiBus& bus_;
     Pixel at_;
     Deadline deadline_;
-    std::map<Query, Reply> replies_;
+    struct Asked {
+        Reply reply;
+        bool used = false;
+    };
+
+    std::map<Query, Asked> asked_;
     std::vector<Query> used_;
 };
 

@@ -125,20 +125,38 @@ TEST_F(Hits, TakeTheWindowThatIsUnderThePoint) {
     EXPECT_EQ(systemWide->getPid(), application.pid());
 }
 
-TEST_F(Hits, AskLittleOfALongList) {
-    constexpr int items = 100;
+/// A window of Chromium's with a list of items in those places.
+ScriptedTree listWindow(const std::vector<std::array<std::int32_t, 4>>& places) {
     ScriptedTree tree = windowWith(
         withChildAt(object("window", {0, 0, 800, 600}), [](int, int) { return "/list"; }), {},
         "Chromium");
-    ScriptedObject& list = tree["/list"] = object("list", {0, 0, 400, 600});
-    for (int item = 0; item < items; ++item) {
-        const std::string path = "/item" + std::to_string(item);
+    ScriptedObject& list = tree["/list"] = object("list", {0, 0, 800, 600});
+    for (const auto& place : places) {
+        const std::string path = "/item" + std::to_string(list.children.size());
         list.children.push_back({"", path});
-        tree[path] = object(path, {0, 5 * item, 400, 4});
+        tree[path] = object(path, place);
     }
-    auto& application = start(tree);
+    return tree;
+}
+
+std::vector<std::array<std::int32_t, 4>>
+places(int count, const std::function<std::array<std::int32_t, 4>(int)>& placeOf) {
+    std::vector<std::array<std::int32_t, 4>> all;
+    for (int item = 0; item < count; ++item) {
+        all.push_back(placeOf(item));
+    }
+    return all;
+}
+
+TEST_F(Hits, AskLittleOfALongList) {
+    using Place = std::array<std::int32_t, 4>;
+    constexpr int items = 300;
+    auto& application = start(listWindow(places(items, [](int item) {
+        return Place{0, 24 * item, 400, 20};
+    })));
     showWindow(application);
-    ASSERT_EQ(titleAt(application, 100, 52), "/item10");
+    ASSERT_EQ(titleAt(application, 100, 250), "/item10");
+    ASSERT_EQ(titleAt(application, 100, 565), "/item23");
 
     const auto requestsOf = [&](const std::function<void()>& action) {
         const auto before = accessibility->requests();
@@ -146,14 +164,72 @@ TEST_F(Hits, AskLittleOfALongList) {
         return accessibility->requests() - before;
     };
     const Token answers = accessibility->keepAnswers();
-    EXPECT_LE(requestsOf([&] { (void)hit(application, 100, 52); }), items + 16)
-        << "each item for its place, and only one at the point for more";
-    const auto found = hit(application, 100, 54);
-    const auto children = found ? found->copyAttributeValue("AXChildren") : std::nullopt;
-    const auto elements = children ? children->as<std::vector<AXUIElement>>() : std::nullopt;
-    ASSERT_TRUE(elements && elements->size() == items);
-    EXPECT_EQ(requestsOf([&] { (void)elements->back().copyAttributeValue("AXPosition"); }), 0)
-        << "places that the hit test has asked for are kept";
+    EXPECT_LE(requestsOf([&] { (void)hit(application, 100, 250); }), 32)
+        << "some items for their places, and only one at the point for more";
+    const auto found = hit(application, 100, 262); // between two items
+    ASSERT_TRUE(found);
+    EXPECT_EQ(requestsOf([&] {
+                  const auto children = found->copyAttributeValue("AXChildren");
+                  const auto elements = children->as<std::vector<AXUIElement>>();
+                  ASSERT_EQ(elements->size(), items);
+                  (void)elements->front().copyAttributeValue("AXPosition");
+              }),
+              0)
+        << "what the hit test has asked for is kept";
+}
+
+TEST_F(Hits, FindAnItemHoweverTheListIsLaidOut) {
+    using Place = std::array<std::int32_t, 4>;
+    constexpr int manyItems = 1000;
+    const struct {
+        const char* layout;
+        std::vector<Place> places;
+        Point at;
+        const char* expected;
+    } cases[] = {
+        {"across",
+         places(100,
+                [](int item) {
+                    return Place{8 * item, 10, 6, 20};
+                }),
+         {403, 20},
+         "/item50"},
+        {"in rows",
+         places(120,
+                [](int item) {
+                    return Place{50 * (item % 12), 40 * (item / 12), 48, 38};
+                }),
+         {310, 170},
+         "/item54"},
+        {"of uneven heights",
+         places(40,
+                [](int item) {
+                    return Place{0, item * item / 3, 100, (2 * item + 1) / 3};
+                }),
+         {50, 300},
+         "/item30"},
+        {"longer than all that is asked about",
+         places(manyItems,
+                [](int item) {
+                    return Place{0, 20 * item - 9800, 100, 18};
+                }),
+         {50, 205},
+         "/item500"},
+        {"without an order, one over another",
+         places(40,
+                [](int item) {
+                    return Place{item * 37 % 400, item * 91 % 500, 60, 60};
+                }),
+         {100, 100},
+         "/item34"},
+    };
+    for (const auto& each : cases) {
+        accessibility = std::make_unique<AtspiAccessibility>(windows, loop);
+        windows.windows.clear();
+        auto& application = start(listWindow(each.places));
+        showWindow(application);
+        EXPECT_EQ(titleAt(application, each.at.x, each.at.y), each.expected) << each.layout;
+    }
 }
 
 TEST_F(Hits, InAWindowThatIsKnownWaitOnce) {

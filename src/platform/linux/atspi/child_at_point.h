@@ -1,0 +1,15 @@
+#pragma once
+
+#include "platform/linux/atspi/inquiry.h"
+#include "platform/linux/atspi/object_reference.h"
+
+#include <optional>
+
+namespace lumetry::atspi {
+
+/// The last of the object's children, which is the topmost, that is seen at the inquiry's point;
+/// absent where none is. Found by the places that the children report.
+[[nodiscard]] std::optional<ObjectReference> childAtPoint(Inquiry& inquiry,
+                                                          const ObjectReference& object);
+
+} // namespace lumetry::atspi
