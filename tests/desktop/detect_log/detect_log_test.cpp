@@ -1,13 +1,17 @@
 #include "support/real_desktop/accessible_tree.h"
+#include "support/real_desktop/chromium.h"
 #include "support/real_desktop/lumetry_settings.h"
 #include "support/real_desktop/overlay_reader.h"
 #include "support/real_desktop/private_desktop.h"
+#include "support/real_desktop/screenshot.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <string>
 
 namespace lumetry::desktop {
 namespace {
@@ -65,6 +69,48 @@ TEST_F(DetectLogFile, IsNotWrittenThroughALinkNorWithoutTheSetting) {
     switchOnDetectLog(desktop);
     inspectButton();
     EXPECT_EQ(contents(elsewhere), "mine");
+}
+
+/// Where the pointer rests on a page that has nothing but a picture, and what is told of that.
+struct Spot {
+    const char* name;
+    int x;
+    int y;
+    const char* told;
+};
+
+class OverSleepingPage : public DetectLogFile, public testing::WithParamInterface<Spot> {};
+
+INSTANTIATE_TEST_SUITE_P(
+    Spots, OverSleepingPage,
+    testing::Values(
+        // A box is the way from one edge to the other: a step less than its pixels.
+        Spot{"Drawing", 360, 230, "path=coarse→pixel header=≈ element box=119x59 win=1280x800"},
+        Spot{"Blank", 900, 450, "path=AX-coarse-shown header="}),
+    [](const auto& spot) { return spot.param.name; });
+
+// What a page says of itself while its tree is asleep is one frame over all of it.
+TEST_P(OverSleepingPage, ReadsThePixelsWhereTheyShowABox) {
+    const Spot& spot = GetParam();
+    markOnboarded(desktop);
+    switchOnDetectLog(desktop);
+    desktop.input().movePointer(spot.x, spot.y);
+    const auto browser = startChromiumWith(desktop, R"(<!doctype html><title>Drawing</title>
+<style>body { margin: 0; overflow: hidden }</style><canvas width="1280" height="800"></canvas>
+<script>
+  const paint = document.querySelector('canvas').getContext('2d');
+  paint.fillStyle = '#1D4ED8';
+  paint.fillRect(300, 200, 120, 60);
+</script>)");
+    requireUntil("the drawing", [&] {
+        constexpr std::uint32_t blue = 0x1D4ED8;
+        return (screenshot(desktop.server()).at(360, 230) & 0xFFFFFFU) == blue;
+    });
+    const auto lumetry = desktop.start({LUMETRY_PROGRAM});
+    EXPECT_TRUE(waitUntil([&] {
+        return contents(logFile).find(std::string("electron=true ") + spot.told) !=
+               std::string::npos;
+    })) << contents(logFile);
 }
 
 } // namespace
