@@ -20,8 +20,9 @@ struct Finding {
 };
 
 /// The rows that its kind of element has, each compared by what it means: the text's frame counts
-/// for texts, the distance to the frame of what is inside for paddings, the nearest pixels for
-/// places between two. "element" is whether the right element was found.
+/// for texts, the distance to the frame of what is inside for paddings. Where an edge lies between
+/// two pixels, browsers differ in which of them they tell: either will do. "element" is whether the
+/// right element was found.
 [[nodiscard]] std::vector<Finding> compare(const Truth& truth, const Reading& reading);
 
 } // namespace lumetry::accuracy

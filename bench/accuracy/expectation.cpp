@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 #include <numeric>
 #include <optional>
 #include <string_view>
@@ -81,9 +82,31 @@ Rect onScreen(const Rect& place) {
     return {left, top, std::ceil(place.maxX()) - left, std::ceil(place.maxY()) - top};
 }
 
+/// The numbers in a row such as "64 × 33" or "8px 16px".
+std::vector<double> numbersIn(const std::string& text) {
+    constexpr const char* digits = "0123456789";
+    std::vector<double> numbers;
+    for (auto start = text.find_first_of(digits); start != std::string::npos;) {
+        numbers.push_back(std::atof(text.c_str() + start));
+        start = text.find_first_of(digits, text.find_first_not_of(digits, start));
+    }
+    return numbers;
+}
+
+/// Whether a whole number of pixels stands for a length whose ends may lie between two.
+bool isLength(double said, double length) {
+    return std::abs(said - length) < 1;
+}
+
 Expectation sizeOf(const Rect& place) {
     const Rect pixel = onScreen(place);
-    return exactly("size", wholeNumber(pixel.width) + " × " + wholeNumber(pixel.height));
+    const auto holds = [=](const std::string& said) {
+        const auto numbers = numbersIn(said);
+        return numbers.size() == 2 &&
+               (isLength(numbers[0], place.width) || numbers[0] == pixel.width) &&
+               (isLength(numbers[1], place.height) || numbers[1] == pixel.height);
+    };
+    return {"size", wholeNumber(pixel.width) + " × " + wholeNumber(pixel.height), holds};
 }
 
 /// Top, right, bottom and left as the row writes them.
@@ -95,12 +118,26 @@ std::string paddingText(const std::array<double, 4>& sides) {
     return top == left ? pixels(top) : pixels(top) + " " + pixels(left);
 }
 
+/// Top, right, bottom and left of the numbers that the row shortens them to.
+std::vector<double> paddingIn(const std::string& said) {
+    const auto numbers = numbersIn(said);
+    switch (numbers.size()) {
+    case 1:
+        return {numbers[0], numbers[0], numbers[0], numbers[0]};
+    case 2:
+        return {numbers[0], numbers[1], numbers[0], numbers[1]};
+    default:
+        return numbers;
+    }
+}
+
 Expectation paddingAround(const Rect& content, const Rect& frame) {
-    const Rect inner = onScreen(content);
-    const Rect outer = onScreen(frame);
-    return exactly("padding",
-                   paddingText({inner.minY() - outer.minY(), outer.maxX() - inner.maxX(),
-                                outer.maxY() - inner.maxY(), inner.minX() - outer.minX()}));
+    const std::array<double, 4> sides = {
+        content.minY() - frame.minY(), frame.maxX() - content.maxX(), frame.maxY() - content.maxY(),
+        content.minX() - frame.minX()};
+    return {"padding", paddingText(sides), [sides](const std::string& said) {
+                return std::ranges::equal(paddingIn(said), sides, isLength);
+            }};
 }
 
 Rect boxAround(const std::vector<Rect>& places) {

@@ -113,7 +113,7 @@ void addButtons(PageWriter& page) {
     }
 }
 
-/// Browsers tell of what is inside a button only where it is more than a text.
+/// Browsers have objects for what is inside a button only where it is more than a text.
 void addButtonsWithParts(PageWriter& page) {
     constexpr std::array<const char*, 4> paddings = {"8px 16px", "12px", "10px 24px 14px 20px",
                                                      "6px 32px"};

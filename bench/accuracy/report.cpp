@@ -45,11 +45,17 @@ void printProblems(const std::vector<Finding>& findings) {
 }
 
 /// Why rows may be wrong or missing though all is well.
-void printLimits() {
-    std::puts("\nChromium tells no weight but bold, or where the family's name says it; nothing of "
-              "what is inside\na button or a field that holds only text; no text of a drop-down, "
-              "and its closed list with a place.\nAn edge between two pixels looks like a corner "
-              "of one step, 3.4 px, of the radius estimate.");
+void printLimits(Browser browser) {
+    std::puts(
+        browser == Browser::firefox
+            ? "\nFirefox tells sizes of fonts in whole points: 15 px are 11 pt, and so are 14 "
+              "px. It tells nothing\nof what is inside a field, and no text of a drop-down. "
+              "It goes by another name here: of what\ngoes by a browser's own name, only "
+              "the size is shown."
+            : "\nChromium tells no weight but bold, or where the family's name says it; "
+              "nothing of what is inside\na field, and no text of a drop-down.");
+    std::puts("An edge between two pixels looks like a corner of one step, 3.4 px, of the radius "
+              "estimate.");
 }
 
 void printRadii(const std::vector<Finding>& findings) {
@@ -72,11 +78,11 @@ void printRadii(const std::vector<Finding>& findings) {
 
 } // namespace
 
-void printReport(const std::vector<Finding>& findings) {
+void printReport(const std::vector<Finding>& findings, Browser browser) {
     printTable(findings);
     printProblems(findings);
     printRadii(findings);
-    printLimits();
+    printLimits(browser);
 }
 
 } // namespace lumetry::accuracy

@@ -30,27 +30,34 @@ Measurement measureOnce(NativeDesktop& desktop, ProbeState& state, Point at) {
     return measurement;
 }
 
-/// Whether a page's tree is still on its way: the application bundles Chromium, but knows nothing
-/// finer than its window there.
-bool isAsleep(NativeDesktop& desktop, ProbeState& state, Point at) {
-    const auto window = topWindowInfo(desktop.platform(), state, at);
-    if (!window || !isElectronApp(desktop.platform(), state, window->pid)) {
-        return false;
+/// Waits for a page's tree where its application knows nothing finer than its window yet. Those
+/// that bundle Chromium build it once they are asked; Gecko, which nothing tells beforehand, only
+/// gathers where things are.
+void awaitTree(NativeDesktop& desktop, ProbeState& state, Point at) {
+    constexpr double longestBuildSeconds = 2.5;
+    constexpr double longestGatheringSeconds = 0.3;
+    constexpr double pauseSeconds = 0.1;
+    const Platform& platform = desktop.platform();
+    const double start = platform.runLoop.now();
+    while (const auto window = topWindowInfo(platform, state, at)) {
+        const bool chromium = isElectronApp(platform, state, window->pid);
+        const auto element = axElementAt(platform, state, at, window);
+        const bool onlyTheWindow =
+            element ? axString(*element, "AXRole").value_or("AXWindow") == "AXWindow" : chromium;
+        const double waited = platform.runLoop.now() - start;
+        if (!onlyTheWindow ||
+            waited >= (chromium ? longestBuildSeconds : longestGatheringSeconds)) {
+            return;
+        }
+        platform.runLoop.after(pauseSeconds, [&desktop] { desktop.quit(EXIT_SUCCESS); });
+        (void)desktop.run();
     }
-    const auto element = axElementAt(desktop.platform(), state, at, window);
-    return !element || axString(*element, "AXRole").value_or("AXWindow") == "AXWindow";
 }
 
 } // namespace
 
 Measurement measurePoint(NativeDesktop& desktop, ProbeState& state, Point at) {
-    constexpr double longestWaitSeconds = 2.5;
-    constexpr double pauseSeconds = 0.1;
-    const double deadline = desktop.platform().runLoop.now() + longestWaitSeconds;
-    while (isAsleep(desktop, state, at) && desktop.platform().runLoop.now() < deadline) {
-        desktop.platform().runLoop.after(pauseSeconds, [&] { desktop.quit(EXIT_SUCCESS); });
-        (void)desktop.run();
-    }
+    awaitTree(desktop, state, at);
     return measureOnce(desktop, state, at);
 }
 

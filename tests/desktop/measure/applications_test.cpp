@@ -1,4 +1,5 @@
 #include "measured_desktop.h"
+#include "prices_page.h"
 
 #include "support/real_desktop/chromium.h"
 #include "support/real_desktop/desktop_windows.h"
@@ -82,45 +83,12 @@ TEST(MeasureGtk, TellsTheFontOfAText) {
     EXPECT_TRUE(font->ends_with(" · 13px · regular")) << *font;
 }
 
-constexpr const char* page = R"(<!doctype html><meta charset="utf-8"><title>Plans</title>
-<style>
-  body { margin: 0; background: white; font: 16px 'DejaVu Sans'; }
-  button, h1, p, ul { position: absolute; left: 100px; margin: 0; box-sizing: border-box; }
-  button { top: 60px; width: 200px; height: 48px; border: 0; background: #205080; color: #FFF0E0;
-           font: 15px 'DejaVu Sans'; }
-  h1 { top: 140px; width: 500px; font: 700 40px 'DejaVu Serif'; color: #7A1020; }
-  ul { top: 260px; padding: 0; width: 640px; height: 60px; list-style: none; display: flex;
-       gap: 20px; }
-  li { width: 120px; height: 60px; background: #DDE; }
-</style>
-<button>Buy now</button><h1>Our prices</h1>
-<ul><li>One</li><li>Two</li><li>Three</li><li>Four</li></ul>)";
-
 // Nobody else has asked for the tree of the page: it has to be woken and waited for.
 TEST(MeasureChromium, WakesAPageAndTellsHowItIsSet) {
     MeasuredDesktop measured;
-    const auto browser = startChromiumWith(measured.desktop, page);
+    const auto browser = startChromiumWith(measured.desktop, pricesPage());
     static_cast<void>(waitForWindow(measured.desktop.server(), hasClass("Chromium")));
-    // Until the page is drawn there is nothing to be woken.
-    requireUntil("the page", [&] {
-        const Json json = measured.measureAt({110, 70});
-        return rowValue(json, "fill") == "≈ #205080" || rowValue(json, "pixel") == "≈ #205080";
-    });
-    const Json button = measured.measureAt({110, 70});
-    EXPECT_EQ(button["header"], "Button · Buy now");
-    EXPECT_EQ(button["box"], Json::array({100, 60, 200, 48}));
-    EXPECT_EQ(rowValue(button, "fill"), "≈ #205080");
-    EXPECT_EQ(rowValue(button, "text"), "#FFF0E0");
-    EXPECT_EQ(rowValue(button, "font"), "DejaVu Sans · 15px");
-
-    const Json heading = measured.measureAt({140, 165});
-    EXPECT_EQ(rowValue(heading, "font"), "DejaVu Serif · 40px · bold");
-    EXPECT_EQ(rowValue(heading, "color"), "#7A1020");
-
-    const Json list = measured.measureAt({230, 290}); // between two items
-    EXPECT_EQ(rowValue(list, "items"), "4");
-    EXPECT_EQ(rowValue(list, "gap"), "20px");
-    EXPECT_EQ(rowValue(list, "item width"), "120px");
+    expectPricesPage(measured, "DejaVu Sans · 16px");
 }
 
 // An application that knows nothing of accessibility, and a page that is one picture and asleep:

@@ -1,17 +1,11 @@
 #include "support/real_desktop/chromium.h"
 
-#include <fstream>
-#include <string>
-#include <vector>
+#include "support/real_desktop/browser_files.h"
 
 namespace lumetry::desktop {
 
 ChildProcess startChromium(PrivateDesktop& desktop, const std::filesystem::path& page) {
-    // Every start has a profile of its own: a second one would only open a window in the first.
-    std::string profile = (desktop.folder() / "chromium-XXXXXX").string();
-    if (!mkdtemp(profile.data())) {
-        throw std::system_error(errno, std::generic_category(), "mkdtemp " + profile);
-    }
+    const std::string profile = makeProfileFolder(desktop, "chromium").string();
     return desktop.start(
         {"chromium", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run",
          "--disable-background-networking", "--disable-component-update", "--disable-sync",
@@ -20,9 +14,7 @@ ChildProcess startChromium(PrivateDesktop& desktop, const std::filesystem::path&
 }
 
 ChildProcess startChromiumWith(PrivateDesktop& desktop, const std::string& html) {
-    const auto page = desktop.folder() / "page.html";
-    std::ofstream(page) << html;
-    return startChromium(desktop, page);
+    return startChromium(desktop, writePage(desktop, html));
 }
 
 } // namespace lumetry::desktop

@@ -28,6 +28,12 @@ Message requestFor(const Asked& asked) {
         return getChildren(asked.object);
     case Question::extents:
         return getExtents(asked.object);
+    case Question::states:
+        return getState(asked.object);
+    case Question::textPlace:
+        return getRangeExtents(asked.object, asked.start, asked.end);
+    case Question::textPart:
+        return getText(asked.object, asked.start, asked.end);
     }
     return nullptr;
 }

@@ -28,14 +28,23 @@ enum class Question : std::uint8_t {
     parent,
     children,
     extents,
+    states,
+    textPlace, ///< around those characters
+    textPart,  ///< those characters
 };
 
 struct Asked {
     ObjectReference object;
     Question question = Question::role;
+    /// @{ The characters that are meant, from start to before end; only where a question is of
+    /// some.
+    std::int32_t start = 0;
+    std::int32_t end = 0;
+    /// @}
 
     friend bool operator<(const Asked& a, const Asked& b) {
-        return std::tie(a.object, a.question) < std::tie(b.object, b.question);
+        return std::tie(a.object, a.question, a.start, a.end) <
+               std::tie(b.object, b.question, b.start, b.end);
     }
 };
 

@@ -124,6 +124,8 @@ Descent descend(Inquiry& inquiry, Popovers& popovers, const TopLevel& topLevel) 
         return descendByLooking(inquiry, topLevel, std::move(child));
     case Toolkit::gtk:
         return descendThroughGtk(inquiry, popovers, topLevel, std::move(child));
+    case Toolkit::gecko:
+    case Toolkit::qt:
     case Toolkit::other:
         break;
     }

@@ -1,12 +1,14 @@
 #include "platform/linux/atspi/elements.h"
 
-#include "base/text.h"
+#include "platform/linux/atspi/bare_texts.h"
 #include "platform/linux/atspi/placement.h"
 #include "platform/linux/atspi/requests.h"
 #include "platform/linux/atspi/roles.h"
+#include "platform/linux/atspi/states.h"
 #include "platform/linux/atspi/text_attributes.h"
 #include "platform/linux/atspi/waking.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <memory>
@@ -15,9 +17,6 @@
 
 namespace lumetry::atspi {
 namespace {
-
-/// Stands in a text for something that is none, such as a picture or a paragraph of its own.
-constexpr std::string_view objectReplacementCharacter = "\xEF\xBF\xBC";
 
 template<typename Kind>
 std::optional<AXValue> axValue(std::optional<Kind> value) {
@@ -42,7 +41,7 @@ std::vector<Question> questionsFor(std::string_view attribute) {
         return {Question::text, Question::value, Question::characterCount};
     }
     if (attribute == "AXChildren") {
-        return {Question::children};
+        return {Question::children, Question::role};
     }
     if (attribute == "AXParent") {
         return {Question::parent};
@@ -77,7 +76,21 @@ std::optional<AXUIElement> Element::elementAt(Point point, std::optional<pid_t> 
     if (!hit) {
         return std::nullopt;
     }
+    if (hit->text) {
+        return AXUIElement(
+            std::make_shared<TextElement>(context_, hit->object, hit->pid, *hit->text));
+    }
     return AXUIElement(std::make_shared<ObjectElement>(context_, std::move(hit->object), hit->pid));
+}
+
+std::optional<AXValue> Element::place(std::string_view attribute, const Extents& extents,
+                                      const ObjectReference& object) const {
+    const Rect place = placeOf(extents, context_.hitTest.scaleOf(object));
+    if (attribute == "AXSize") {
+        return place.size();
+    }
+    const Point origin = context_.windows.accessibilityOrigin();
+    return Point{place.x - origin.x, place.y - origin.y};
 }
 
 std::optional<AXValue> ObjectElement::copyAttributeValue(std::string_view attribute) const {
@@ -100,12 +113,13 @@ std::optional<AXValue> ObjectElement::copyAttributeValue(std::string_view attrib
         return numberOfCharacters(replies[0], replies[1]);
     }
     if (attribute == "AXChildren") {
-        return children(replies.front());
+        return children(replies[0], replies[1]);
     }
     if (attribute == "AXParent") {
         return parent(replies.front());
     }
-    return place(attribute, replies.front());
+    const auto extents = extentsOf(replies.front());
+    return extents ? place(attribute, *extents, object_) : std::nullopt;
 }
 
 std::optional<AXValue>
@@ -147,13 +161,9 @@ std::vector<Reply> ObjectElement::ask(const std::vector<Question>& questions) co
 
 /// The beginning of the element's text, without what is no text in it.
 std::optional<std::string> ObjectElement::text(const Reply& beginning, const Reply& count) const {
-    auto characters = textOf(beginning);
-    const std::int64_t length = integerOf(count).value_or(0);
-    if (characters && characters->empty() && length > 0 && length < textBeginningCharacters) {
-        characters = textOf(ask({Question::wholeText}).front());
-    }
-    return characters ? std::optional(removingOccurrences(*characters, objectReplacementCharacter))
-                      : std::nullopt;
+    const auto characters =
+        beginningOfText(context().answers, object_, beginning, count, deadline());
+    return characters ? std::optional(withoutPlaceholders(*characters)) : std::nullopt;
 }
 
 /// The element's text where it has any, else its number, else the text that is empty.
@@ -191,30 +201,47 @@ AXUIElement ObjectElement::relative(ObjectReference object) const {
     return AXUIElement(std::make_shared<ObjectElement>(context(), std::move(object), pid));
 }
 
-std::optional<AXValue> ObjectElement::children(const Reply& reply) const {
+std::optional<AXValue> ObjectElement::children(const Reply& reply, const Reply& role) const {
     auto references = referencesOf(reply);
     if (!references) {
         return std::nullopt;
     }
-    std::vector<AXUIElement> elements;
-    elements.reserve(references->size());
-    for (ObjectReference& reference : *references) {
-        elements.push_back(relative(std::move(reference)));
+    if (integerOf(role) == ATSPI_ROLE_COMBO_BOX) {
+        // What it would drop down is told to be in it, though nothing of that is to be seen.
+        removeUnseen(*references);
     }
+    const auto texts = context().hitTest.bareTextsIn(object_, deadline());
+    auto text = texts.begin();
+    std::vector<AXUIElement> elements;
+    elements.reserve(references->size() + texts.size());
+    const auto addTexts = [&](std::size_t childrenBefore) {
+        for (; text != texts.end() && text->childrenBefore <= childrenBefore; ++text) {
+            elements.emplace_back(std::make_shared<TextElement>(context(), object_, pid_, *text));
+        }
+    };
+    for (std::size_t index = 0; index < references->size(); ++index) {
+        addTexts(index);
+        elements.push_back(relative(std::move((*references)[index])));
+    }
+    addTexts(std::numeric_limits<std::size_t>::max());
     return elements;
 }
 
-std::optional<AXValue> ObjectElement::place(std::string_view attribute, const Reply& reply) const {
-    const auto extents = extentsOf(reply);
-    if (!extents) {
-        return std::nullopt;
+void ObjectElement::removeUnseen(std::vector<ObjectReference>& objects) const {
+    std::vector<Asked> asked;
+    asked.reserve(objects.size());
+    for (const ObjectReference& object : objects) {
+        asked.push_back({object, Question::states});
     }
-    const Rect place = placeOf(*extents, context().hitTest.scaleOf(object_));
-    if (attribute == "AXSize") {
-        return place.size();
+    const auto replies = context().answers.ask(asked, deadline());
+    std::vector<ObjectReference> seen;
+    for (std::size_t index = 0; index < objects.size(); ++index) {
+        const auto states = statesOf(replies[index]);
+        if (!states || hasState(*states, ATSPI_STATE_SHOWING)) {
+            seen.push_back(std::move(objects[index]));
+        }
     }
-    const Point origin = context().windows.accessibilityOrigin();
-    return Point{place.x - origin.x, place.y - origin.y};
+    objects = std::move(seen);
 }
 
 std::optional<pid_t> ObjectElement::getPid() const {
@@ -224,6 +251,60 @@ std::optional<pid_t> ObjectElement::getPid() const {
 bool ObjectElement::isSameElement(const AXUIElementBackend& other) const {
     const auto* element = dynamic_cast<const ObjectElement*>(&other);
     return element != nullptr && element->object_ == object_;
+}
+
+std::optional<AXValue> TextElement::copyAttributeValue(std::string_view attribute) const {
+    if (attribute == "AXRole") {
+        return "AXStaticText";
+    }
+    if (attribute == "AXValue") {
+        const std::int32_t end = std::min(text_.end, text_.start + textBeginningCharacters);
+        const auto characters = textOf(context().answers.ask(
+            {owner_->object(), Question::textPart, text_.start, end}, deadline()));
+        return characters ? std::optional<AXValue>(withoutPlaceholders(*characters)) : std::nullopt;
+    }
+    if (attribute == "AXNumberOfCharacters") {
+        return std::int64_t{text_.end - text_.start};
+    }
+    if (attribute == "AXChildren") {
+        return std::vector<AXUIElement>();
+    }
+    if (attribute == "AXParent") {
+        return AXUIElement(owner_);
+    }
+    if (attribute != "AXPosition" && attribute != "AXSize") {
+        return std::nullopt;
+    }
+    for (const BareText& text : context().hitTest.bareTextsIn(owner_->object(), deadline())) {
+        if (text.start == text_.start) {
+            return place(attribute, text.place, owner_->object());
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<AXValue>
+TextElement::copyParameterizedAttributeValue(std::string_view attribute,
+                                             const AXValue& parameter) const {
+    auto range = parameter.as<AXRange>();
+    if (!range || range->location < 0 || range->location >= text_.end - text_.start) {
+        return std::nullopt;
+    }
+    range->length =
+        std::min<std::int64_t>(range->length, text_.end - text_.start - range->location);
+    range->location += text_.start;
+    return owner_->copyParameterizedAttributeValue(attribute, *range);
+}
+
+void TextElement::setMessagingTimeout(float seconds) const {
+    Element::setMessagingTimeout(seconds);
+    owner_->setMessagingTimeout(seconds);
+}
+
+bool TextElement::isSameElement(const AXUIElementBackend& other) const {
+    const auto* text = dynamic_cast<const TextElement*>(&other);
+    return text != nullptr && text->owner_->isSameElement(*owner_) &&
+           text->text_.start == text_.start;
 }
 
 std::optional<AXValue> ApplicationElement::copyAttributeValue(std::string_view attribute) const {

@@ -8,6 +8,7 @@
 
 #include <sys/types.h>
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -36,6 +37,9 @@ protected:
     [[nodiscard]] Context& context() const { return context_; }
     [[nodiscard]] Deadline deadline() const { return context_.deadline(timeoutSeconds_); }
     [[nodiscard]] std::optional<AXUIElement> elementAt(Point point, std::optional<pid_t> pid) const;
+    /// Where something of the object is, as the position or the size that is asked for.
+    [[nodiscard]] std::optional<AXValue> place(std::string_view attribute, const Extents& extents,
+                                               const ObjectReference& object) const;
 
 private:
     Context& context_;
@@ -69,12 +73,33 @@ private:
     [[nodiscard]] std::optional<AXValue> numberOfCharacters(const Reply& count,
                                                             const Reply& beginning) const;
     [[nodiscard]] std::optional<AXValue> parent(const Reply& reply) const;
-    [[nodiscard]] std::optional<AXValue> children(const Reply& reply) const;
-    [[nodiscard]] std::optional<AXValue> place(std::string_view attribute,
-                                               const Reply& reply) const;
+    [[nodiscard]] std::optional<AXValue> children(const Reply& reply, const Reply& role) const;
+    void removeUnseen(std::vector<ObjectReference>& objects) const;
 
     ObjectReference object_;
     std::optional<pid_t> pid_;
+};
+
+/// A piece of an object's text, as a child of its own where the application has no object for it.
+class TextElement final : public Element {
+public:
+    TextElement(Context& context, const ObjectReference& object, std::optional<pid_t> pid,
+                const BareText& text)
+        : Element(context), owner_(std::make_shared<ObjectElement>(context, object, pid)),
+          text_(text) {}
+
+    [[nodiscard]] std::optional<AXValue>
+    copyAttributeValue(std::string_view attribute) const override;
+    [[nodiscard]] std::optional<AXValue>
+    copyParameterizedAttributeValue(std::string_view attribute,
+                                    const AXValue& parameter) const override;
+    [[nodiscard]] std::optional<pid_t> getPid() const override { return owner_->getPid(); }
+    void setMessagingTimeout(float seconds) const override;
+    [[nodiscard]] bool isSameElement(const AXUIElementBackend& other) const override;
+
+private:
+    std::shared_ptr<ObjectElement> owner_;
+    BareText text_;
 };
 
 /// A process, whether or not it is an application on the bus.

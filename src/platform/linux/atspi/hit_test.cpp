@@ -2,6 +2,7 @@
 
 #include "platform/linux/atspi/descent.h"
 #include "platform/linux/atspi/popup_search.h"
+#include "platform/linux/atspi/text_behind.h"
 
 #include <algorithm>
 #include <array>
@@ -49,6 +50,16 @@ std::optional<HitTest::Hit> HitTest::objectAt(Point point, std::optional<pid_t> 
     }
     if (!window->popup) {
         topLevels_.noteHit(*owner, *object);
+    }
+    if (topLevels_.toolkitOf(*object) == Toolkit::qt) {
+        object = textBehind(answers_, std::move(*object), deadline);
+    }
+    const double scale = scaleOf(*object);
+    const Pixel unit{pixel(at.x / scale), pixel(at.y / scale)};
+    for (const BareText& text : bareTextsIn(*object, deadline)) {
+        if (text.place.contains(unit.x, unit.y)) {
+            return Hit{std::move(*object), *owner, text};
+        }
     }
     return Hit{std::move(*object), *owner};
 }

@@ -3,6 +3,7 @@
 #include "base/geometry.h"
 #include "platform/linux/atspi/answers.h"
 #include "platform/linux/atspi/atspi_bus.h"
+#include "platform/linux/atspi/bare_texts.h"
 #include "platform/linux/atspi/deadline.h"
 #include "platform/linux/atspi/inquiry.h"
 #include "platform/linux/atspi/object_reference.h"
@@ -24,11 +25,13 @@ class HitTest {
 public:
     HitTest(DesktopWindows& windows, AtspiBus& bus, Answers& answers, Processes& processes)
         : windows_(windows), bus_(bus), answers_(answers), topLevels_(bus, processes),
-          popovers_(bus) {}
+          popovers_(bus), bareTexts_(bus, answers) {}
 
     struct Hit {
         ObjectReference object;
         pid_t pid = 0; ///< whose window it is in
+        /// What of the object's text is at the point, where that has no object of its own.
+        std::optional<BareText> text = std::nullopt;
     };
 
     /// @param point accessibility space
@@ -40,6 +43,10 @@ public:
     /// reported.
     [[nodiscard]] double scaleOf(const ObjectReference& object) const {
         return topLevels_.scaleOf(object);
+    }
+    [[nodiscard]] std::vector<BareText> bareTextsIn(const ObjectReference& object,
+                                                    Deadline deadline) {
+        return bareTexts_.in(object, topLevels_.toolkitOf(object), deadline);
     }
 
 private:
@@ -57,6 +64,7 @@ private:
     Answers& answers_;
     TopLevels topLevels_;
     Popovers popovers_;
+    BareTexts bareTexts_;
     /// What the last hit test went by, and in which window: the pointer is near there mostly, and
     /// then one exchange serves the whole way down.
     std::vector<Inquiry::Query> lastWay_;

@@ -156,10 +156,7 @@ std::optional<std::vector<ObjectReference>> referencesOf(const Reply& reply) {
 
 std::optional<Extents> extentsOf(const Reply& reply) {
     Values values(reply);
-    if (values.type() != DBUS_TYPE_STRUCT) {
-        return std::nullopt;
-    }
-    Values field = values.inside();
+    Values field = values.type() == DBUS_TYPE_STRUCT ? values.inside() : values;
     std::array<std::int32_t, 4> numbers{};
     for (std::int32_t& number : numbers) {
         const auto value = field.integer();

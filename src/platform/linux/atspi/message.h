@@ -52,6 +52,7 @@ struct Extents {
 [[nodiscard]] std::optional<ObjectReference> referenceOf(const Reply& reply);
 /// References to nothing are left out.
 [[nodiscard]] std::optional<std::vector<ObjectReference>> referencesOf(const Reply& reply);
+/// As one structure or as four numbers.
 [[nodiscard]] std::optional<Extents> extentsOf(const Reply& reply);
 /// Names to values, of which the last one of a name counts.
 [[nodiscard]] std::optional<TextAttributes> attributesOf(const Reply& reply);

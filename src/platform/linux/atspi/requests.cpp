@@ -108,6 +108,11 @@ Message getText(const ObjectReference& object, std::int32_t start, std::int32_t 
     return methodCallWith(object, text, "GetText", start, end);
 }
 
+Message getRangeExtents(const ObjectReference& object, std::int32_t start, std::int32_t end) {
+    return methodCallWith(object, text, "GetRangeExtents", start, end,
+                          static_cast<std::uint32_t>(ATSPI_COORD_TYPE_SCREEN));
+}
+
 Message getAttributeRun(const ObjectReference& object, std::int32_t offset) {
     constexpr bool includeDefaults = true;
     return methodCallWith(object, text, "GetAttributeRun", offset, includeDefaults);

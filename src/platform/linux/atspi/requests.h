@@ -19,6 +19,9 @@ namespace lumetry::atspi {
 [[nodiscard]] Message getAccessibleAtPoint(const ObjectReference& object, std::int32_t x,
                                            std::int32_t y);
 [[nodiscard]] Message getText(const ObjectReference& object, std::int32_t start, std::int32_t end);
+/// Around the characters from start to before end.
+[[nodiscard]] Message getRangeExtents(const ObjectReference& object, std::int32_t start,
+                                      std::int32_t end);
 /// How the run of text around a character is set, including what holds for the whole text.
 [[nodiscard]] Message getAttributeRun(const ObjectReference& object, std::int32_t offset);
 [[nodiscard]] Message getCharacterCount(const ObjectReference& object);

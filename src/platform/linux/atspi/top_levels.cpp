@@ -29,6 +29,12 @@ Toolkit toolkitNamed(std::string_view name) {
     if (name == "gtk") {
         return Toolkit::gtk;
     }
+    if (name == "Gecko") {
+        return Toolkit::gecko;
+    }
+    if (name == "Qt") {
+        return Toolkit::qt;
+    }
     return name == "Chromium" ? Toolkit::chromium : Toolkit::other;
 }
 
@@ -75,6 +81,7 @@ TopLevels::Known& TopLevels::entry(std::uint32_t window) {
         known_.clear();
         lastHits_.clear();
         scales_.clear();
+        toolkits_.clear();
         windowScales_.clear();
     }
     return known_[window];
@@ -96,6 +103,7 @@ std::vector<TopLevel> TopLevels::topLevelsOf(pid_t pid, Deadline deadline) {
             processes_.forget(roots[index].name);
         }
         const Toolkit toolkit = toolkitNamed(textOf(replies[2 * index + 1]).value_or(""));
+        toolkits_.insert_or_assign(roots[index].name, toolkit);
         for (ObjectReference& child :
              referencesOf(children).value_or(std::vector<ObjectReference>())) {
             topLevels.push_back({std::move(child), toolkit});
@@ -159,6 +167,11 @@ double TopLevels::scaleOf(const ObjectReference& object) const {
     }
     const auto scale = scales_.find(object.name);
     return scale == scales_.end() ? 1 : scale->second;
+}
+
+Toolkit TopLevels::toolkitOf(const ObjectReference& object) const {
+    const auto toolkit = toolkits_.find(object.name);
+    return toolkit == toolkits_.end() ? Toolkit::other : toolkit->second;
 }
 
 std::optional<ObjectReference> TopLevels::lastHit(pid_t pid) const {

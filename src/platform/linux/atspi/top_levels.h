@@ -18,7 +18,7 @@
 namespace lumetry::atspi {
 
 /// What an application is built with, as far as its answers differ.
-enum class Toolkit : std::uint8_t { gtk, chromium, other };
+enum class Toolkit : std::uint8_t { gtk, chromium, gecko, qt, other };
 
 /// The accessible object that stands for a window.
 struct TopLevel {
@@ -44,6 +44,8 @@ public:
     /// How many pixels of the root window the unit has in which the place of that object is
     /// reported, as far as its application's windows have shown that.
     [[nodiscard]] double scaleOf(const ObjectReference& object) const;
+    /// What the object's application is built with, once one of its windows has been looked for.
+    [[nodiscard]] Toolkit toolkitOf(const ObjectReference& object) const;
 
 private:
     struct Candidate {
@@ -72,7 +74,8 @@ private:
     std::uint64_t generation_ = 0;
     std::map<std::uint32_t, Known> known_; ///< by window
     std::map<pid_t, ObjectReference> lastHits_;
-    std::map<std::string, double> scales_; ///< by the application's name
+    std::map<std::string, double> scales_;    ///< by the application's name
+    std::map<std::string, Toolkit> toolkits_; ///< by the application's name
     /// Of windows that are measured in other units than what they show.
     std::map<ObjectReference, double> windowScales_;
 };

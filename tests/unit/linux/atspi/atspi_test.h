@@ -134,6 +134,11 @@ protected:
     return made;
 }
 
+[[nodiscard]] inline ScriptedObject hidden(ScriptedObject object) {
+    object.states = 0;
+    return object;
+}
+
 /// An application with one window that holds those objects.
 [[nodiscard]] inline ScriptedTree windowWith(ScriptedObject window, ScriptedTree others = {},
                                              const std::string& toolkit = "other") {

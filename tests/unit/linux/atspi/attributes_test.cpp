@@ -172,6 +172,23 @@ TEST_F(Attributes, LeadUpToTheApplicationAndNoFurther) {
     EXPECT_EQ(inWords(top->copyAttributeValue("AXParent")), "absent");
 }
 
+TEST_F(Attributes, LeaveOutWhatAComboBoxWouldDropDown) {
+    ScriptedObject comboBox = object("combo box", {0, 0, 90, 30}, {"/button", "/menu"});
+    comboBox.role = ATSPI_ROLE_COMBO_BOX;
+    auto& application =
+        start(windowWith(comboBox, {{"/button", object("button", {60, 0, 30, 30})},
+                                    {"/menu", hidden(object("menu", {0, 0, 90, 9}))}}));
+    const auto window = accessibility->createApplication(application.pid())
+                            .copyAttributeValue("AXChildren")
+                            ->as<std::vector<AXUIElement>>()
+                            .value()
+                            .front();
+    const auto children =
+        window.copyAttributeValue("AXChildren")->as<std::vector<AXUIElement>>().value();
+    ASSERT_EQ(children.size(), 1U);
+    EXPECT_EQ(inWords(children.front().copyAttributeValue("AXTitle")), "\"button\"");
+}
+
 TEST_F(Attributes, AreMeasuredFromThePrimaryDisplay) {
     windows.origin = {1920, 100};
     const auto shown = element(object("x", {2000, 150, 30, 40}));

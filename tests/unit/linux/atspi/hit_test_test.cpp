@@ -1,5 +1,6 @@
 #include "atspi_test.h"
 
+#include <atspi/atspi.h>
 #include <unistd.h>
 
 #include <array>
@@ -9,13 +10,6 @@
 
 namespace lumetry::test {
 namespace {
-
-constexpr std::uint64_t notShowing = 0;
-
-ScriptedObject hidden(ScriptedObject object) {
-    object.states = notShowing;
-    return object;
-}
 
 ScriptedObject withParent(ScriptedObject object, const std::string& path) {
     object.parent = Reference{"", path};
@@ -91,6 +85,23 @@ TEST_F(Hits, GoDownToTheInnermostThatIsSeenThere) {
                      {"/unseen", hidden(object("unseen", {0, 0, 800, 600}))}},
                     "Chromium"),
          "text"},
+        {"a text behind the widget through which Qt shows it",
+         windowWith(object("window", {0, 0, 800, 600}, {"/text"}),
+                    {{"/text",
+                      [] {
+                          ScriptedObject text = object("text", {50, 50, 200, 200}, {"/viewport"});
+                          text.textContent = "a note";
+                          return text;
+                      }()},
+                     {"/viewport",
+                      [] {
+                          ScriptedObject viewport = object("viewport", {51, 51, 198, 198});
+                          viewport.role = ATSPI_ROLE_FILLER;
+                          viewport.parent = Reference{"", "/text"};
+                          return viewport;
+                      }()}},
+                    "Qt"),
+         "text"},
     };
     for (const Case& each : cases) {
         windows.windows.clear();
@@ -100,6 +111,83 @@ TEST_F(Hits, GoDownToTheInnermostThatIsSeenThere) {
         accessibility = std::make_unique<AtspiAccessibility>(windows, loop);
         EXPECT_EQ(titleAt(application, 100, 100), each.expected) << each.name;
         EXPECT_EQ(titleAt(application, 100, 100), each.expected) << each.name << ", again";
+    }
+}
+
+/// Text of which Gecko tells a place, but for which it has no object.
+ScriptedObject withTextAt(ScriptedObject object, const std::string& content,
+                          const std::array<std::int32_t, 4>& place) {
+    object.textContent = content;
+    object.answers["GetRangeExtents"] = [place](DBusMessageIter& reply) {
+        for (const std::int32_t number : place) {
+            dbus_message_iter_append_basic(&reply, DBUS_TYPE_INT32, &number);
+        }
+    };
+    return object;
+}
+
+template<typename Kind>
+std::optional<Kind> read(const std::optional<AXUIElement>& element, const char* attribute) {
+    const auto value = element ? element->copyAttributeValue(attribute) : std::nullopt;
+    return value ? value->as<Kind>() : std::nullopt;
+}
+
+TEST_F(Hits, FindTextsOfGeckoThatHaveNoObject) {
+    ScriptedObject button = object("Save", {50, 50, 200, 60});
+    button.role = ATSPI_ROLE_PUSH_BUTTON;
+    ScriptedObject field = object("Name", {50, 150, 200, 60});
+    field.states |= std::uint64_t{1} << ATSPI_STATE_EDITABLE;
+    ScriptedObject withIcon = object("Open", {50, 250, 200, 60}, {"/icon"});
+    auto& application = start(
+        windowWith(object("window", {0, 0, 800, 600}, {"/button", "/field", "/withIcon"}),
+                   {{"/button", withTextAt(button, "Save", {90, 70, 120, 20})},
+                    {"/field", withTextAt(field, "Ada", {90, 170, 60, 20})},
+                    {"/withIcon", withTextAt(withIcon, "\xEF\xBF\xBC Open ", {120, 270, 60, 20})},
+                    {"/icon", object("icon", {90, 270, 20, 20})}},
+                   "Gecko"));
+    showWindow(application);
+    const auto text = hit(application, 100, 80);
+    EXPECT_EQ(read<std::string>(text, "AXRole"), "AXStaticText");
+    EXPECT_EQ(read<std::string>(text, "AXValue"), "Save");
+    EXPECT_EQ(read<Point>(text, "AXPosition"), (Point{90, 70}));
+    EXPECT_EQ(read<Size>(text, "AXSize"), (Size{120, 20}));
+    const auto around = hit(application, 60, 80);
+    EXPECT_EQ(read<std::string>(around, "AXRole"), "AXButton");
+    EXPECT_EQ(read<AXUIElement>(text, "AXParent"), around);
+    EXPECT_EQ(read<std::vector<AXUIElement>>(around, "AXChildren"), std::vector{*text});
+    // What is typed over has room around it that the text does not tell.
+    const auto input = hit(application, 100, 180);
+    EXPECT_EQ(read<std::string>(input, "AXTitle"), "Name");
+    EXPECT_EQ(read<std::vector<AXUIElement>>(input, "AXChildren"), std::vector<AXUIElement>());
+    // Beside an icon only the text itself counts, in its order.
+    const auto label = hit(application, 130, 280);
+    EXPECT_EQ(read<std::string>(label, "AXValue"), "Open");
+    const auto icon = hit(application, 100, 280);
+    EXPECT_EQ(read<std::string>(icon, "AXTitle"), "icon");
+    EXPECT_EQ(read<std::vector<AXUIElement>>(hit(application, 60, 280), "AXChildren"),
+              (std::vector{*icon, *label}));
+}
+
+TEST_F(Hits, FindTheOnlyTextOfAButtonInChromium) {
+    ScriptedObject button = object("Save", {50, 50, 200, 60});
+    button.role = ATSPI_ROLE_PUSH_BUTTON;
+    ScriptedObject text = object("Save", {50, 150, 200, 60});
+    text.role = ATSPI_ROLE_STATIC;
+    ScriptedObject unplaced = object("One", {50, 250, 200, 60});
+    auto& application =
+        start(windowWith(object("window", {0, 0, 800, 600}, {"/button", "/text", "/unplaced"}),
+                         {{"/button", withTextAt(button, "Save", {90, 70, 120, 20})},
+                          {"/text", withTextAt(text, "Save", {50, 150, 200, 60})},
+                          {"/unplaced", withTextAt(unplaced, "One", {50, 250, 1, 20})}},
+                         "Chromium"));
+    showWindow(application);
+    const auto label = hit(application, 100, 80);
+    EXPECT_EQ(read<std::string>(label, "AXRole"), "AXStaticText");
+    EXPECT_EQ(read<Size>(label, "AXSize"), (Size{120, 20}));
+    for (const int y : {180, 280}) {
+        const auto leaf = hit(application, 50, y);
+        EXPECT_EQ(read<Size>(leaf, "AXSize"), (Size{200, 60}));
+        EXPECT_EQ(read<std::vector<AXUIElement>>(leaf, "AXChildren"), std::vector<AXUIElement>());
     }
 }
 

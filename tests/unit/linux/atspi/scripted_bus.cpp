@@ -2,10 +2,12 @@
 
 #include "support/processes/file_descriptor.h"
 
+#include <glib.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
@@ -15,6 +17,19 @@
 
 namespace lumetry::test {
 namespace {
+
+dbus_int32_t charactersIn(const std::string& text) {
+    return static_cast<dbus_int32_t>(g_utf8_strlen(text.data(), std::ssize(text)));
+}
+
+/// @param end behind the last one; negative for all
+std::string charactersOf(const std::string& text, dbus_int32_t start, dbus_int32_t end) {
+    const auto count = charactersIn(text);
+    const char* first = g_utf8_offset_to_pointer(text.data(), std::min(start, count));
+    const char* last =
+        g_utf8_offset_to_pointer(text.data(), end < 0 ? count : std::clamp(end, start, count));
+    return {first, last};
+}
 
 constexpr const char* nullPath = "/org/a11y/atspi/null";
 
@@ -219,19 +234,17 @@ private:
             return reference(path.empty() ? Reference{"", nullPath} : own({"", path}));
         }
         if (member == "CharacterCount" && object.textContent) {
-            return [count = static_cast<dbus_int32_t>(object.textContent->size())](
-                       DBusMessageIter& at) { append(at, DBUS_TYPE_INT32, &count); };
+            return [count = charactersIn(*object.textContent)](DBusMessageIter& at) {
+                append(at, DBUS_TYPE_INT32, &count);
+            };
         }
         if (member == "GetText" && object.textContent &&
             dbus_message_get_args(&request, nullptr, DBUS_TYPE_INT32, &first, DBUS_TYPE_INT32,
                                   &second, DBUS_TYPE_INVALID) != FALSE) {
-            const auto from = static_cast<std::size_t>(first);
-            if (object.strictAboutText &&
-                second > static_cast<dbus_int32_t>(object.textContent->size())) {
+            if (object.strictAboutText && second > charactersIn(*object.textContent)) {
                 return text("");
             }
-            return text(object.textContent->substr(
-                from, second < 0 ? std::string::npos : static_cast<std::size_t>(second) - from));
+            return text(charactersOf(*object.textContent, first, second));
         }
         return {};
     }

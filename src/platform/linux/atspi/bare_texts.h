@@ -1,0 +1,60 @@
+#pragma once
+
+#include "platform/linux/atspi/answers.h"
+#include "platform/linux/atspi/atspi_bus.h"
+#include "platform/linux/atspi/deadline.h"
+#include "platform/linux/atspi/message.h"
+#include "platform/linux/atspi/object_reference.h"
+#include "platform/linux/atspi/top_levels.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lumetry::atspi {
+
+/// The text without what stands in it for things that are no text, such as a picture or a paragraph
+/// of its own, and without what Gecko puts behind some characters to make them count twice.
+[[nodiscard]] std::string withoutPlaceholders(std::string_view text);
+
+/// A piece of an object's text, between whatever else is in the object.
+struct BareText {
+    std::int32_t start = 0; ///< its first character's place in the text
+    std::int32_t end = 0;   ///< behind its last character
+    Extents place;
+    std::size_t childrenBefore = 0; ///< how many of the object's children come before it
+};
+
+/// Finds the texts for which applications have no objects.
+class BareTexts {
+public:
+    BareTexts(AtspiBus& bus, Answers& answers) : bus_(bus), answers_(answers) {}
+
+    /// The pieces of an object's text that have no objects: of Gecko all, of Chromium the only one
+    /// in a button. None where the text is to be typed over: the room that belongs to it is larger
+    /// than what is typed so far.
+    [[nodiscard]] std::vector<BareText> in(const ObjectReference& object, Toolkit toolkit,
+                                           Deadline deadline);
+
+private:
+    [[nodiscard]] std::vector<BareText> placed(const ObjectReference& object,
+                                               std::vector<BareText> pieces, Deadline deadline);
+    void awaitPlaces(const ObjectReference& object, Deadline deadline);
+
+    AtspiBus& bus_;
+    Answers& answers_;
+    std::set<std::string> placing_; ///< the applications known to tell the places of texts
+};
+
+/// The beginning of an object's text, from the replies to Question::text and
+/// Question::characterCount; asks again where there is a text but it was not told.
+[[nodiscard]] std::optional<std::string> beginningOfText(Answers& answers,
+                                                         const ObjectReference& object,
+                                                         const Reply& text, const Reply& count,
+                                                         Deadline deadline);
+
+} // namespace lumetry::atspi

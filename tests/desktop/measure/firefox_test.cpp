@@ -1,0 +1,21 @@
+#include "prices_page.h"
+
+#include "support/real_desktop/desktop_windows.h"
+#include "support/real_desktop/firefox.h"
+
+#include <gtest/gtest.h>
+
+namespace lumetry::desktop {
+namespace {
+
+// Gecko has no elements for texts, tells its places only once it is asked for them, and font sizes
+// in whole points.
+TEST(MeasureFirefox, TellsHowAPageIsSetOfAnApplicationThatIsNoKnownBrowser) {
+    MeasuredDesktop measured;
+    const auto browser =
+        startFirefoxWith(measured.desktop, pricesPage(), FirefoxGuise::application);
+    expectPricesPage(measured, "DejaVu Sans · 16px · regular");
+}
+
+} // namespace
+} // namespace lumetry::desktop
