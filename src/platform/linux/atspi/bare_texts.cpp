@@ -92,12 +92,15 @@ std::vector<BareText> BareTexts::in(const ObjectReference& object, Toolkit toolk
     if (toolkit != Toolkit::gecko && toolkit != Toolkit::chromium) {
         return {};
     }
-    const std::array<Asked, 6> questions = {{{object, Question::text},
+    // The last two are asked along: they are shown of nearly every element.
+    const std::array<Asked, 8> questions = {{{object, Question::text},
                                              {object, Question::characterCount},
                                              {object, Question::states},
                                              {object, Question::role},
                                              {object, Question::children},
-                                             {object, Question::extents}}};
+                                             {object, Question::extents},
+                                             {object, Question::name},
+                                             {object, Question::value}}};
     const auto replies = answers_.ask(questions, deadline);
     if (hasState(statesOf(replies[2]).value_or(0), ATSPI_STATE_EDITABLE)) {
         return {};

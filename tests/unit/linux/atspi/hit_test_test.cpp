@@ -252,7 +252,7 @@ TEST_F(Hits, AskLittleOfALongList) {
         return accessibility->requests() - before;
     };
     const Token answers = accessibility->keepAnswers();
-    EXPECT_LE(requestsOf([&] { (void)hit(application, 100, 250); }), 32)
+    EXPECT_LE(requestsOf([&] { (void)hit(application, 100, 250); }), 34)
         << "some items for their places, and only one at the point for more";
     const auto found = hit(application, 100, 262); // between two items
     ASSERT_TRUE(found);
