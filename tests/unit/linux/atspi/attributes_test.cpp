@@ -37,11 +37,13 @@ std::string inWords(const std::optional<AXValue>& value) {
 class Attributes : public AtspiTest {
 protected:
     /// The element that stands for the window of an application whose window is that object.
-    [[nodiscard]] AXUIElement element(const ScriptedObject& scripted) {
-        auto& application = start(windowWith(scripted));
-        const auto children =
-            accessibility->createApplication(application.pid()).copyAttributeValue("AXChildren");
-        return children->as<std::vector<AXUIElement>>().value().front();
+    [[nodiscard]] AXUIElement element(const ScriptedObject& scripted, ScriptedTree others = {}) {
+        auto& application = start(windowWith(scripted, std::move(others)));
+        return childrenOf(accessibility->createApplication(application.pid())).front();
+    }
+
+    [[nodiscard]] static std::vector<AXUIElement> childrenOf(const AXUIElement& parent) {
+        return parent.copyAttributeValue("AXChildren")->as<std::vector<AXUIElement>>().value();
     }
 };
 
@@ -156,10 +158,8 @@ TEST_F(Attributes, LeadUpToTheApplicationAndNoFurther) {
                                                return label;
                                            }()}}));
     const auto root = accessibility->createApplication(application.pid());
-    const auto window =
-        root.copyAttributeValue("AXChildren")->as<std::vector<AXUIElement>>().value().front();
-    const auto label =
-        window.copyAttributeValue("AXChildren")->as<std::vector<AXUIElement>>().value().front();
+    const auto window = childrenOf(root).front();
+    const auto label = childrenOf(window).front();
 
     const auto parent = label.copyAttributeValue("AXParent")->as<AXUIElement>();
     ASSERT_TRUE(parent);
@@ -175,16 +175,9 @@ TEST_F(Attributes, LeadUpToTheApplicationAndNoFurther) {
 TEST_F(Attributes, LeaveOutWhatAComboBoxWouldDropDown) {
     ScriptedObject comboBox = object("combo box", {0, 0, 90, 30}, {"/button", "/menu"});
     comboBox.role = ATSPI_ROLE_COMBO_BOX;
-    auto& application =
-        start(windowWith(comboBox, {{"/button", object("button", {60, 0, 30, 30})},
-                                    {"/menu", hidden(object("menu", {0, 0, 90, 9}))}}));
-    const auto window = accessibility->createApplication(application.pid())
-                            .copyAttributeValue("AXChildren")
-                            ->as<std::vector<AXUIElement>>()
-                            .value()
-                            .front();
     const auto children =
-        window.copyAttributeValue("AXChildren")->as<std::vector<AXUIElement>>().value();
+        childrenOf(element(comboBox, {{"/button", object("button", {60, 0, 30, 30})},
+                                      {"/menu", hidden(object("menu", {0, 0, 90, 9}))}}));
     ASSERT_EQ(children.size(), 1U);
     EXPECT_EQ(inWords(children.front().copyAttributeValue("AXTitle")), "\"button\"");
 }
@@ -196,16 +189,10 @@ TEST_F(Attributes, AreMeasuredFromThePrimaryDisplay) {
 }
 
 TEST_F(Attributes, AreAskedOnceWhileAnswersAreKept) {
-    auto& application =
-        start(windowWith(object("window", {0, 0, 9, 9}, {"/a", "/b"}),
-                         {{"/a", object("a", {1, 2, 3, 4})}, {"/b", object("b", {5, 6, 7, 8})}}));
-    const auto window = accessibility->createApplication(application.pid())
-                            .copyAttributeValue("AXChildren")
-                            ->as<std::vector<AXUIElement>>()
-                            .value()
-                            .front();
-    const auto children =
-        window.copyAttributeValue("AXChildren")->as<std::vector<AXUIElement>>().value();
+    const auto window =
+        element(object("window", {0, 0, 9, 9}, {"/a", "/b"}),
+                {{"/a", object("a", {1, 2, 3, 4})}, {"/b", object("b", {5, 6, 7, 8})}});
+    const auto children = childrenOf(window);
     constexpr std::array<std::string_view, 3> attributes = {"AXTitle", "AXPosition", "AXSize"};
 
     accessibility->prefetch(children, attributes);
