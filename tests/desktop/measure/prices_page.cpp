@@ -17,11 +17,12 @@ const std::string& pricesPage() {
   ul { top: 260px; padding: 0; width: 640px; height: 60px; list-style: none; display: flex;
        gap: 20px; }
   li { width: 120px; height: 60px; background: #DDE; }
+  .small { top: 460px; width: auto; height: auto; padding: 10px 20px; }
   p { top: 360px; padding: 20px; font: 20px 'DejaVu Sans'; color: #106040; }
 </style>
 <button>Buy now</button><h1>Our prices</h1>
 <ul><li>One</li><li>Two</li><li>Three</li><li>Four</li></ul>
-<p>With tax</p>)";
+<p>With tax</p><button class="small">Sign in</button>)";
     return page;
 }
 
@@ -52,6 +53,11 @@ void expectPricesPage(const MeasuredDesktop& measured, const std::string& button
     EXPECT_EQ(rowValue(text, "color"), "#106040");
     const Json paragraph = measured.measureAt({110, 370}); // beside its text
     EXPECT_EQ(rowValue(paragraph, "padding"), "20px");
+    for (const double x : {105.0, 130.0}) { // beside its label, and on it
+        const Json small = measured.measureAt({x, 475});
+        EXPECT_EQ(small["header"], "Button · Sign in");
+        EXPECT_EQ(rowValue(small, "padding"), "10px 20px");
+    }
 }
 
 } // namespace lumetry::desktop

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <sstream>
 #include <string_view>
+#include <vector>
 
 namespace lumetry::desktop {
 namespace {
@@ -85,10 +86,11 @@ private:
 TEST(MeasureQt, SaysOfItsWidgetsWhatTheyAreAndWhere) {
     MeasuredDesktop measured;
     const QtForm form(measured.desktop);
-    const struct {
+    struct Widget {
         const char* name;
         const char* header;
-    } widgets[] = {
+    };
+    const std::vector<Widget> widgets = {
         {"label", "StaticText · Quarterly prices"}, {"Express", "Button · Express"},
         {"line", "TextField · Ada Lovelace"},       {"note", "TextField · Two lines\nof a note"},
         {"check", "CheckBox · Gift wrap"},          {"choice", "ComboBox · Monthly"},
