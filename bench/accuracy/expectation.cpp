@@ -17,7 +17,7 @@
 namespace lumetry::accuracy {
 namespace {
 
-Expectation exactly(std::string label, std::string text) {
+Expectation exactly(std::string label, const std::string& text) {
     return {std::move(label), text, [text](const std::string& said) { return said == text; }};
 }
 
@@ -29,7 +29,8 @@ std::optional<std::array<int, 3>> channelsIn(const std::string& text) {
     const auto hash = text.find('#');
     std::array<unsigned, 3> read{};
     if (hash == std::string::npos ||
-        std::sscanf(text.c_str() + hash, "#%2x%2x%2x", &read[0], &read[1], &read[2]) != 3) {
+        std::sscanf(text.c_str() + hash, "#%2x%2x%2x", &std::get<0>(read), &std::get<1>(read),
+                    &std::get<2>(read)) != 3) {
         return std::nullopt;
     }
     return std::array{static_cast<int>(read[0]), static_cast<int>(read[1]),
@@ -120,7 +121,7 @@ std::string paddingText(const std::array<double, 4>& sides) {
 
 /// Top, right, bottom and left of the numbers that the row shortens them to.
 std::vector<double> paddingIn(const std::string& said) {
-    const auto numbers = numbersIn(said);
+    auto numbers = numbersIn(said);
     switch (numbers.size()) {
     case 1:
         return {numbers[0], numbers[0], numbers[0], numbers[0]};

@@ -164,7 +164,7 @@ void addTexts(PageWriter& page) {
     for (std::size_t n = 0; n < 10; ++n) {
         page.add("p", "text", "StaticText", "text",
                  fontStyle(nth(faces, n), nth(fontSizes, n)) + "color:" + nth(textColors, n + 1) +
-                     ";line-height:" + (n % 2 ? "1.5" : "normal") + ";",
+                     ";line-height:" + (n % 2 == 1 ? "1.5" : "normal") + ";",
                  "Costs are shown without tax");
     }
     for (std::size_t n = 0; n < 6; ++n) {

@@ -5,8 +5,11 @@
 #include "statistics.h"
 #include "widget_factory.h"
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdio>
+#include <iterator>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -23,17 +26,16 @@ using Value = double (*)(const Sample&);
 
 Cost costIn(const std::vector<Sample>& samples, Value value) {
     std::vector<double> values;
-    for (const Sample& sample : samples) {
-        values.push_back(value(sample));
-    }
+    values.reserve(samples.size());
+    std::ranges::transform(samples, std::back_inserter(values), value);
     return costOf(values);
 }
 
 std::string cell(const std::vector<Sample>& samples, Value value) {
     const Cost cost = costIn(samples, value);
-    char text[64];
-    std::snprintf(text, sizeof text, "%.2f / %.2f", cost.median / 1000, cost.slow / 1000);
-    return text;
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%.2f / %.2f", cost.median / 1000, cost.slow / 1000);
+    return text.data();
 }
 
 double whole(const Sample& sample) {

@@ -136,7 +136,8 @@ int main(int argc, char** argv) {
         std::cerr << "lumetry_latency_probe: " << problem << '\n';
         return 1;
     }
-    const desktop::XConnection server(std::getenv("DISPLAY"));
+    const char* display = std::getenv("DISPLAY");
+    const desktop::XConnection server(display != nullptr ? display : "");
     desktop::InputDevice input(server);
     native->platform().accessibility.createSystemWide().setMessagingTimeout(
         messagingTimeoutSeconds);

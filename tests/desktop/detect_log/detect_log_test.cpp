@@ -26,11 +26,13 @@ std::string contents(const std::filesystem::path& file) {
 
 /// Takes the log away before and after.
 class DetectLogFile : public testing::Test {
+public:
+    DetectLogFile(const DetectLogFile&) = delete;
+    DetectLogFile& operator=(const DetectLogFile&) = delete;
+
 protected:
     DetectLogFile() { std::filesystem::remove(logFile); }
     ~DetectLogFile() override { std::filesystem::remove(logFile); }
-    DetectLogFile(const DetectLogFile&) = delete;
-    DetectLogFile& operator=(const DetectLogFile&) = delete;
 
     void inspectButton() {
         markOnboarded(desktop);

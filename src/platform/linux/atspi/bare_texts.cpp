@@ -133,6 +133,7 @@ std::vector<BareText> BareTexts::in(const ObjectReference& object, Toolkit toolk
 std::vector<BareText> BareTexts::placed(const ObjectReference& object, std::vector<BareText> pieces,
                                         Deadline deadline) {
     std::vector<Asked> places;
+    places.reserve(pieces.size());
     for (const BareText& piece : pieces) {
         places.push_back({object, Question::textPlace, piece.start, piece.end});
     }

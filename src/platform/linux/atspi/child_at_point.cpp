@@ -35,6 +35,7 @@ struct Landmark {
 std::vector<Landmark> landmarksAt(Inquiry& inquiry, const std::vector<ObjectReference>& children,
                                   const std::vector<std::size_t>& indices) {
     std::vector<Inquiry::Query> queries;
+    queries.reserve(indices.size());
     for (const std::size_t index : indices) {
         queries.push_back({children[index], About::extents});
     }

@@ -86,11 +86,10 @@ bool X11HotKeys::grab(HotKey& hotKey) {
         if (std::ranges::find(had, combination) != had.end()) {
             hotKey.grabbed.push_back(combination);
         } else {
-            requests.emplace_back(
-                combination,
-                xcb_grab_key_checked(connection_.get(), 0, connection_.root(),
-                                     combination.modifiers, combination.key, XCB_GRAB_MODE_ASYNC,
-                                     XCB_GRAB_MODE_ASYNC));
+            requests.emplace_back(combination,
+                                  xcb_grab_key_checked(connection_.get(), 0, connection_.root(),
+                                                       combination.modifiers, combination.key,
+                                                       XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
         }
     }
     for (const auto& [combination, request] : requests) {
@@ -157,11 +156,9 @@ void X11HotKeys::press(const xcb_key_press_event_t& event) {
 void X11HotKeys::deliver(HotKeyID id) {
     const HotKeyEvent pressed{id};
     const auto handlers = handlers_;
-    for (auto entry = handlers.rbegin(); entry != handlers.rend(); ++entry) {
-        if ((*entry->second)(&pressed) == noErr) {
-            return;
-        }
-    }
+    // The newest that takes it keeps it from the others.
+    (void)std::any_of(handlers.rbegin(), handlers.rend(),
+                      [&](const auto& handler) { return (*handler.second)(&pressed) == noErr; });
 }
 
 } // namespace lumetry::x11

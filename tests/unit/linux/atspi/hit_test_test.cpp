@@ -184,7 +184,7 @@ TEST_F(Hits, FindTheOnlyTextOfAButtonInChromium) {
     const auto label = hit(application, 100, 80);
     EXPECT_EQ(read<std::string>(label, "AXRole"), "AXStaticText");
     EXPECT_EQ(read<Size>(label, "AXSize"), (Size{120, 20}));
-    for (const int y : {180, 280}) {
+    for (const float y : {180.0F, 280.0F}) {
         const auto leaf = hit(application, 50, y);
         EXPECT_EQ(read<Size>(leaf, "AXSize"), (Size{200, 60}));
         EXPECT_EQ(read<std::vector<AXUIElement>>(leaf, "AXChildren"), std::vector<AXUIElement>());
@@ -230,6 +230,7 @@ ScriptedTree listWindow(const std::vector<std::array<std::int32_t, 4>>& places) 
 std::vector<std::array<std::int32_t, 4>>
 places(int count, const std::function<std::array<std::int32_t, 4>(int)>& placeOf) {
     std::vector<std::array<std::int32_t, 4>> all;
+    all.reserve(static_cast<std::size_t>(count));
     for (int item = 0; item < count; ++item) {
         all.push_back(placeOf(item));
     }
@@ -269,12 +270,13 @@ TEST_F(Hits, AskLittleOfALongList) {
 TEST_F(Hits, FindAnItemHoweverTheListIsLaidOut) {
     using Place = std::array<std::int32_t, 4>;
     constexpr int manyItems = 1000;
-    const struct {
+    struct Case {
         const char* layout;
         std::vector<Place> places;
         Point at;
         const char* expected;
-    } cases[] = {
+    };
+    const std::vector<Case> cases = {
         {"across",
          places(100,
                 [](int item) {
