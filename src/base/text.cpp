@@ -103,11 +103,16 @@ std::string lowerCase(std::string_view text) {
 }
 
 std::string removingOccurrences(std::string_view text, std::string_view pattern) {
-    std::string result(text);
-    for (std::size_t at = result.find(pattern); at != std::string::npos && !pattern.empty();
-         at = result.find(pattern, at)) {
-        result.erase(at, pattern.size());
+    std::string result;
+    while (!pattern.empty()) {
+        const std::size_t at = text.find(pattern);
+        if (at == std::string_view::npos) {
+            break;
+        }
+        result += text.substr(0, at);
+        text.remove_prefix(at + pattern.size());
     }
+    result += text;
     return result;
 }
 

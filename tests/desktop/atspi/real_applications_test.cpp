@@ -112,10 +112,14 @@ protected:
     void expectHit(pid_t pid, const Accessible& expected, const std::string& role) {
         const auto found = hit(pid, centre(expected));
         ASSERT_TRUE(found) << expected.name();
-        EXPECT_EQ(text(*found, "AXTitle"), expected.name());
-        EXPECT_EQ(text(*found, "AXRole"), role) << expected.name();
-        EXPECT_EQ(frame(*found), expected.extents()) << expected.name();
-        EXPECT_EQ(found->getPid(), pid);
+        expectIs(*found, pid, expected, role);
+    }
+    static void expectIs(const AXUIElement& found, pid_t pid, const Accessible& expected,
+                         const std::string& role) {
+        EXPECT_EQ(text(found, "AXTitle"), expected.name());
+        EXPECT_EQ(text(found, "AXRole"), role) << expected.name();
+        EXPECT_EQ(frame(found), expected.extents()) << expected.name();
+        EXPECT_EQ(found.getPid(), pid);
     }
 
     static constexpr float hitTestTimeoutSeconds = 0.35F;
@@ -244,7 +248,13 @@ TEST_F(Chromium, ItsPagesAwakeWhenToldTo) {
         const auto found = hit(pid, {60, 40});
         return found && text(*found, "AXTitle") == "Heading";
     }));
-    expectHit(pid, tree.waitFor("Chromium", "push button", "Press"), "AXButton");
+    const Accessible button = tree.waitFor("Chromium", "push button", "Press");
+    const auto label = hit(pid, centre(button));
+    ASSERT_TRUE(label);
+    EXPECT_EQ(text(*label, "AXValue"), "Press");
+    const auto parent = label->copyAttributeValue("AXParent");
+    ASSERT_TRUE(parent);
+    expectIs(parent->as<AXUIElement>().value(), pid, button, "AXButton");
 
     // From the blank of the page to the heading: the last hit test's answer covers that, too.
     ASSERT_EQ(text(hit(pid, {900, 600}).value(), "AXRole"), "AXWebArea");

@@ -16,7 +16,7 @@
 namespace lumetry::atspi {
 namespace {
 
-constexpr std::size_t mostPieces = 16;
+constexpr std::size_t mostPieces = 64;
 /// Far longer than what is read at a glance, and little enough for an application to look through.
 constexpr std::int64_t longestText = 10000;
 
@@ -34,25 +34,33 @@ std::int32_t charactersIn(std::string_view text) {
     }));
 }
 
-/// Behind the bullet of a list's item, which is set in a font of its own.
-std::size_t bulletLength(std::string_view piece) {
+/// Behind the bullet or the number of a list's item, which is no part of its text.
+std::size_t markerLength(std::string_view item) {
     for (const std::string_view bullet : {"• ", "◦ ", "▪ "}) {
-        if (piece.starts_with(bullet)) {
+        if (item.starts_with(bullet)) {
             return bullet.size();
         }
     }
-    return 0;
+    constexpr std::string_view afterNumber = ". ";
+    const auto digits = item.find_first_not_of("0123456789");
+    const bool numbered = digits != 0 && digits != std::string_view::npos &&
+                          item.substr(digits).starts_with(afterNumber);
+    return numbered ? digits + afterNumber.size() : 0;
 }
 
-/// Without their places yet, and without the white space around them.
-std::vector<BareText> piecesOf(std::string_view text) {
+/// Without their places yet, and without the white space around them; none where there are more
+/// than anything is measured by.
+std::vector<BareText> piecesOf(std::string_view text, std::size_t markerLength) {
     constexpr std::string_view whiteSpace = " \t\r\n\f";
     std::vector<BareText> pieces;
     std::int32_t start = 0;
-    for (std::size_t children = 0; !text.empty() && pieces.size() < mostPieces; ++children) {
+    for (std::size_t children = 0; !text.empty(); ++children) {
         const std::string_view piece = text.substr(0, text.find(objectReplacementCharacter));
-        const auto first = piece.find_first_not_of(whiteSpace, bulletLength(piece));
+        const auto first = piece.find_first_not_of(whiteSpace, children == 0 ? markerLength : 0);
         if (first != std::string_view::npos) {
+            if (pieces.size() == mostPieces) {
+                return {};
+            }
             const auto last = piece.find_last_not_of(whiteSpace);
             const auto pieceStart = start + charactersIn(piece.substr(0, first));
             const auto length = charactersIn(piece.substr(first, last + 1 - first));
@@ -64,6 +72,15 @@ std::vector<BareText> piecesOf(std::string_view text) {
     return pieces;
 }
 
+/// Whether what the object holds is typed, or chosen instead of typed: the room around that belongs
+/// to it.
+bool isField(const Reply& role, const Reply& states) {
+    constexpr std::array fields = {ATSPI_ROLE_ENTRY, ATSPI_ROLE_PASSWORD_TEXT,
+                                   ATSPI_ROLE_SPIN_BUTTON, ATSPI_ROLE_EDITBAR};
+    return hasState(statesOf(states).value_or(0), ATSPI_STATE_EDITABLE) ||
+           std::ranges::find(fields, integerOf(role)) != fields.end();
+}
+
 bool isLeafAroundText(const Reply& role, const Reply& children) {
     const auto inside = referencesOf(children);
     return integerOf(role) != ATSPI_ROLE_STATIC && inside && inside->empty();
@@ -73,10 +90,11 @@ bool isLeafAroundText(const Reply& role, const Reply& children) {
 /// texts have fractions, so that their right ends are known to a pixel only, and one in the middle
 /// would seem to be beside it.
 void centre(Extents& text, const Extents& around) {
-    const std::int32_t left = text.x - around.x;
-    const std::int32_t right = around.width - left - text.width;
-    if (std::abs(left - right) == 1) {
-        text.width = around.width - 2 * left;
+    const std::int64_t left = std::int64_t{text.x} - around.x;
+    const std::int64_t right = around.width - left - text.width;
+    const std::int64_t centred = around.width - 2 * left;
+    if (std::abs(left - right) == 1 && left >= 0 && centred > 0) {
+        text.width = static_cast<std::int32_t>(centred);
     }
 }
 
@@ -92,34 +110,40 @@ std::vector<BareText> BareTexts::in(const ObjectReference& object, Toolkit toolk
     if (toolkit != Toolkit::gecko && toolkit != Toolkit::chromium) {
         return {};
     }
-    // The last two are asked along: they are shown of nearly every element.
-    const std::array<Asked, 8> questions = {{{object, Question::text},
-                                             {object, Question::characterCount},
-                                             {object, Question::states},
-                                             {object, Question::role},
-                                             {object, Question::children},
-                                             {object, Question::extents},
-                                             {object, Question::name},
-                                             {object, Question::value}}};
+    std::vector<Asked> questions = {{object, Question::text},
+                                    {object, Question::characterCount},
+                                    {object, Question::states},
+                                    {object, Question::role}};
+    if (toolkit == Toolkit::chromium) {
+        // The last two are asked along: they are shown of nearly every element.
+        questions.insert(questions.end(), {{object, Question::children},
+                                           {object, Question::extents},
+                                           {object, Question::name},
+                                           {object, Question::value}});
+    }
     const auto replies = answers_.ask(questions, deadline);
-    if (hasState(statesOf(replies[2]).value_or(0), ATSPI_STATE_EDITABLE)) {
+    const auto& role = replies[3];
+    if (isField(role, replies[2])) {
         return {};
     }
-    if (toolkit == Toolkit::chromium && !isLeafAroundText(replies[3], replies[4])) {
+    if (toolkit == Toolkit::chromium && !isLeafAroundText(role, replies[4])) {
         return {};
     }
-    const auto text = beginningOfText(answers_, object, replies[0], replies[1], deadline);
-    auto pieces = piecesOf(text.value_or(""));
     const auto count = integerOf(replies[1]).value_or(0);
-    if (pieces.size() == 1 && count > textBeginningCharacters && count <= longestText) {
-        pieces.front().end = static_cast<std::int32_t>(count);
+    if (count > longestText) {
+        return {};
     }
-    if (toolkit == Toolkit::gecko) {
+    const auto text =
+        count <= textBeginningCharacters
+            ? beginningOfText(answers_, object, replies[0], replies[1], deadline)
+            : textOf(answers_.ask({object, Question::textPart, 0, static_cast<std::int32_t>(count)},
+                                  deadline));
+    const std::string_view told = text ? std::string_view(*text) : std::string_view();
+    auto pieces = piecesOf(told, integerOf(role) == ATSPI_ROLE_LIST_ITEM ? markerLength(told) : 0);
+    if (toolkit == Toolkit::gecko || pieces.empty()) {
         return placed(object, std::move(pieces), deadline);
     }
-    if (!pieces.empty()) {
-        awaitPlaces(object, deadline);
-    }
+    awaitPlaces(object, pieces.front(), deadline);
     pieces = placed(object, std::move(pieces), deadline);
     if (const auto around = extentsOf(replies[5])) {
         for (BareText& piece : pieces) {
@@ -148,20 +172,30 @@ std::vector<BareText> BareTexts::placed(const ObjectReference& object, std::vect
 }
 
 /// Chromium tells the places of texts only once somebody has asked for one, and some milliseconds
-/// later.
-void BareTexts::awaitPlaces(const ObjectReference& object, Deadline deadline) {
+/// later. An application that has no place for this text is not waited for again.
+void BareTexts::awaitPlaces(const ObjectReference& object, const BareText& text,
+                            Deadline deadline) {
     using namespace std::chrono_literals;
-    if (!placing_.insert(object.name).second) {
+    if (generation_ != bus_.generation()) {
+        generation_ = bus_.generation();
+        awaited_.clear();
+    }
+    if (awaited_.contains(object.name)) {
         return;
     }
     const Deadline latest = std::min(deadline, Clock::now() + 100ms);
-    while (Clock::now() < latest) {
-        const auto place = extentsOf(bus_.exchange(getRangeExtents(object, 0, 1), latest));
-        if (!place || place->width > 0) {
+    while (true) {
+        const auto place =
+            extentsOf(bus_.exchange(getRangeExtents(object, text.start, text.end), deadline));
+        if (!place) {
             return;
+        }
+        if (place->width >= narrowestText || Clock::now() >= latest) {
+            break;
         }
         std::this_thread::sleep_for(4ms);
     }
+    awaited_.insert(object.name);
 }
 
 std::optional<std::string> beginningOfText(Answers& answers, const ObjectReference& object,

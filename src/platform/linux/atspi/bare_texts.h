@@ -43,11 +43,12 @@ public:
 private:
     [[nodiscard]] std::vector<BareText> placed(const ObjectReference& object,
                                                std::vector<BareText> pieces, Deadline deadline);
-    void awaitPlaces(const ObjectReference& object, Deadline deadline);
+    void awaitPlaces(const ObjectReference& object, const BareText& text, Deadline deadline);
 
     AtspiBus& bus_;
     Answers& answers_;
-    std::set<std::string> placing_; ///< the applications known to tell the places of texts
+    std::uint64_t generation_ = 0;
+    std::set<std::string> awaited_; ///< the applications that tell the places of texts by now
 };
 
 /// The beginning of an object's text, from the replies to Question::text and

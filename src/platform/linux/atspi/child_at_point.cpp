@@ -3,9 +3,10 @@
 #include "platform/linux/atspi/message.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <set>
+#include <utility>
 #include <vector>
 
 namespace lumetry::atspi {
@@ -15,6 +16,8 @@ using About = Inquiry::About;
 
 /// Of so many children it is worth asking all that may matter at once.
 constexpr std::size_t askedAtOnce = 16;
+/// More siblings than that are items that follow each other. Fewer may lie over one another.
+constexpr std::size_t shortestList = 40;
 constexpr std::size_t mostChildren = 300;
 
 /// Children by their places in a list of siblings, both ends included.
@@ -86,15 +89,10 @@ std::vector<std::size_t> spreadOver(const Range& range, std::size_t steps) {
     return indices;
 }
 
-/// Where the point is in the range if its children are all of the same length.
-std::vector<std::size_t> guessIn(const Range& range, const Axis& axis,
-                                 const std::vector<Landmark>& landmarks, Pixel at) {
+/// Some children next to each other.
+/// @param share where in the range, from 0 to 1
+std::vector<std::size_t> neighborsIn(const Range& range, double share) {
     constexpr std::size_t neighbors = 3;
-    const auto startOf = [&](std::size_t index) {
-        return std::ranges::find(landmarks, index, &Landmark::index)->place.*axis.start;
-    };
-    const double begin = startOf(range.first);
-    const double share = (at.*axis.point - begin) / std::max(startOf(range.last) - begin, 1.0);
     const auto middle =
         range.first + static_cast<std::size_t>(std::clamp(share, 0.0, 1.0) *
                                                static_cast<double>(range.last - range.first));
@@ -107,28 +105,64 @@ std::vector<std::size_t> guessIn(const Range& range, const Axis& axis,
     return indices;
 }
 
+/// Where the point is in the range if its children are all of the same length.
+/// @param landmarks both ends of the range among them
+double shareOf(const Range& range, const Axis& axis, const std::vector<Landmark>& landmarks,
+               Pixel at) {
+    const auto startOf = [&](std::size_t index) -> double {
+        return std::ranges::find(landmarks, index, &Landmark::index)->place.*axis.start;
+    };
+    const double begin = startOf(range.first);
+    return (at.*axis.point - begin) / std::max(startOf(range.last) - begin, 1.0);
+}
+
+/// Narrows the range until few are left, by the places of some in it.
+Range narrowedToFew(Inquiry& inquiry, const std::vector<ObjectReference>& children,
+                    const Axis& axis, Range range, std::vector<Landmark> landmarks) {
+    constexpr int mostRounds = 12;
+    range = axis.narrowed(range, landmarks, inquiry.at());
+    for (int round = 0; round < mostRounds; ++round) {
+        if (range.first > range.last || range.count() <= askedAtOnce) {
+            break;
+        }
+        // Where guesses are far off, halves lead on.
+        constexpr double half = 0.5;
+        const double share = round % 2 == 0 ? shareOf(range, axis, landmarks, inquiry.at()) : half;
+        const auto found = landmarksAt(inquiry, children, neighborsIn(range, share));
+        landmarks.insert(landmarks.end(), found.begin(), found.end());
+        range = axis.narrowed(range, found, inquiry.at());
+    }
+    return range;
+}
+
 /// Of children that follow each other, those that can be at the point, found by the places of a
 /// few. Of any others all, up to a limit.
-Range rangeAround(Inquiry& inquiry, const std::vector<ObjectReference>& children) {
+std::vector<std::size_t> candidatesAmong(Inquiry& inquiry,
+                                         const std::vector<ObjectReference>& children) {
     constexpr std::size_t steps = 4;
     constexpr Axis down{&Extents::y, &Extents::height, &Pixel::y};
     constexpr Axis across{&Extents::x, &Extents::width, &Pixel::x};
     const Range all{0, children.size() - 1};
-    const auto landmarks = landmarksAt(inquiry, children, spreadOver(all, steps));
+    const auto spread = spreadOver(all, steps);
+    const auto landmarks = landmarksAt(inquiry, children, spread);
+    Range range = all;
     for (const Axis& axis : {down, across}) {
         if (!axis.runsAlong(landmarks)) {
             continue;
         }
-        Range range = axis.narrowed(all, landmarks, inquiry.at());
-        if (range.first < range.last && range.count() > askedAtOnce) {
-            const auto guess = guessIn(range, axis, landmarks, inquiry.at());
-            range = axis.narrowed(range, landmarksAt(inquiry, children, guess), inquiry.at());
-        }
-        if (range.first <= range.last && range.count() <= mostChildren) {
-            return range;
+        const Range narrowed = narrowedToFew(inquiry, children, axis, all, landmarks);
+        if (narrowed.first <= narrowed.last) {
+            range = narrowed;
+            break;
         }
     }
-    return {0, std::min(children.size(), mostChildren) - 1};
+    // What is asked about already counts, too: the first or the last may lie beside or over all.
+    std::set<std::size_t> candidates(spread.begin(), spread.end());
+    for (std::size_t index = range.first; index <= range.last && index - range.first < mostChildren;
+         ++index) {
+        candidates.insert(index);
+    }
+    return {candidates.begin(), candidates.end()};
 }
 
 } // namespace
@@ -137,11 +171,12 @@ std::optional<ObjectReference> childAtPoint(Inquiry& inquiry, const ObjectRefere
     auto children = referencesOf(inquiry.reply({object, About::children}))
                         .value_or(std::vector<ObjectReference>());
     const bool few = children.size() <= askedAtOnce;
-    if (!few) {
-        const Range range = rangeAround(inquiry, children);
-        children.resize(range.last + 1);
-        children.erase(children.begin(),
-                       children.begin() + static_cast<std::ptrdiff_t>(range.first));
+    if (children.size() > shortestList) {
+        std::vector<ObjectReference> candidates;
+        for (const std::size_t index : candidatesAmong(inquiry, children)) {
+            candidates.push_back(std::move(children[index]));
+        }
+        children = std::move(candidates);
     }
     std::vector<Inquiry::Query> queries;
     for (const ObjectReference& child : children) {

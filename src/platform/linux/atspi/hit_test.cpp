@@ -24,6 +24,10 @@ std::int32_t pixel(double coordinate) {
         coordinate > -farthest ? std::min(std::floor(coordinate), farthest) : -farthest);
 }
 
+double areaOf(const Extents& place) {
+    return static_cast<double>(place.width) * place.height;
+}
+
 /// What the object has answered, if it has been asked.
 std::optional<ObjectReference> childAtPointOf(const ObjectReference& object,
                                               const Inquiry& inquiry) {
@@ -56,12 +60,15 @@ std::optional<HitTest::Hit> HitTest::objectAt(Point point, std::optional<pid_t> 
     }
     const double scale = scaleOf(*object);
     const Pixel unit{pixel(at.x / scale), pixel(at.y / scale)};
+    std::optional<BareText> hit;
     for (const BareText& text : bareTextsIn(*object, deadline)) {
-        if (text.place.contains(unit.x, unit.y)) {
-            return Hit{std::move(*object), *owner, text};
+        // Around a text of several lines is also what begins behind its end.
+        if (text.place.contains(unit.x, unit.y) &&
+            (!hit || areaOf(text.place) < areaOf(hit->place))) {
+            hit = text;
         }
     }
-    return Hit{std::move(*object), *owner};
+    return Hit{std::move(*object), *owner, hit};
 }
 
 std::optional<ObjectReference> HitTest::objectIn(const DesktopWindow& window, const Rect& bounds,

@@ -174,17 +174,20 @@ TEST_F(Hits, FindTheOnlyTextOfAButtonInChromium) {
     ScriptedObject text = object("Save", {50, 150, 200, 60});
     text.role = ATSPI_ROLE_STATIC;
     ScriptedObject unplaced = object("One", {50, 250, 200, 60});
-    auto& application =
-        start(windowWith(object("window", {0, 0, 800, 600}, {"/button", "/text", "/unplaced"}),
-                         {{"/button", withTextAt(button, "Save", {90, 70, 120, 20})},
-                          {"/text", withTextAt(text, "Save", {50, 150, 200, 60})},
-                          {"/unplaced", withTextAt(unplaced, "One", {50, 250, 1, 20})}},
-                         "Chromium"));
+    ScriptedObject readOnly = object("Name", {50, 350, 200, 60});
+    readOnly.role = ATSPI_ROLE_ENTRY;
+    auto& application = start(windowWith(
+        object("window", {0, 0, 800, 600}, {"/button", "/text", "/unplaced", "/readOnly"}),
+        {{"/button", withTextAt(button, "Save", {90, 70, 120, 20})},
+         {"/text", withTextAt(text, "Save", {50, 150, 200, 60})},
+         {"/unplaced", withTextAt(unplaced, "One", {50, 250, 1, 20})},
+         {"/readOnly", withTextAt(readOnly, "Ada", {50, 370, 60, 20})}},
+        "Chromium"));
     showWindow(application);
     const auto label = hit(application, 100, 80);
     EXPECT_EQ(read<std::string>(label, "AXRole"), "AXStaticText");
     EXPECT_EQ(read<Size>(label, "AXSize"), (Size{120, 20}));
-    for (const float y : {180.0F, 280.0F}) {
+    for (const float y : {180.0F, 280.0F, 380.0F}) {
         const auto leaf = hit(application, 50, y);
         EXPECT_EQ(read<Size>(leaf, "AXSize"), (Size{200, 60}));
         EXPECT_EQ(read<std::vector<AXUIElement>>(leaf, "AXChildren"), std::vector<AXUIElement>());
@@ -305,6 +308,22 @@ TEST_F(Hits, FindAnItemHoweverTheListIsLaidOut) {
                 }),
          {50, 205},
          "/item500"},
+        {"of any heights, and very long",
+         places(3000,
+                [y = -40000](int item) mutable {
+                    const int height = 20 + item * 7919 % 41;
+                    y += height;
+                    return Place{0, y - height, 100, height};
+                }),
+         {50, 300},
+         "/item1008"},
+        {"below one that lies over all",
+         places(60,
+                [](int item) {
+                    return item < 59 ? Place{0, 10 * item, 100, 10} : Place{40, 40, 400, 400};
+                }),
+         {60, 100},
+         "/item59"},
         {"without an order, one over another",
          places(40,
                 [](int item) {
