@@ -5,6 +5,7 @@
 
 #include <array>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -166,6 +167,67 @@ TEST_F(Hits, FindTextsOfGeckoThatHaveNoObject) {
     EXPECT_EQ(read<std::string>(icon, "AXTitle"), "icon");
     EXPECT_EQ(read<std::vector<AXUIElement>>(hit(application, 60, 280), "AXChildren"),
               (std::vector{*icon, *label}));
+}
+
+TEST_F(Hits, FindOnlyWhatIsMeasuredOfAText) {
+    const std::string placeholder = "\xEF\xBF\xBC";
+    std::string children;
+    std::string mixed;
+    for (int child = 0; child < 1200; ++child) {
+        children += placeholder;
+        mixed += child < 65 ? "a" + placeholder : "";
+    }
+    struct Case {
+        const char* name;
+        int role;
+        std::string text;
+        std::string value; ///< empty where no text is to be hit
+        std::int64_t length;
+    };
+    const std::vector<Case> cases = {
+        {"an item's bullet", ATSPI_ROLE_LIST_ITEM, "\u2022 Größe", "Größe", 5},
+        {"an item's number", ATSPI_ROLE_LIST_ITEM, "12. Pears", "Pears", 5},
+        {"an item that is a number", ATSPI_ROLE_LIST_ITEM, "12.5", "12.5", 4},
+        {"a number elsewhere", ATSPI_ROLE_PARAGRAPH, "12. May", "12. May", 7},
+        {"a long text", ATSPI_ROLE_PARAGRAPH, std::string(1500, 'x'), std::string(1024, 'x'), 1500},
+        {"what stands before many children", ATSPI_ROLE_SECTION, "Intro" + children, "Intro", 5},
+        {"more pieces than are measured", ATSPI_ROLE_SECTION, mixed, "", 0},
+        {"more than is looked through", ATSPI_ROLE_SECTION, std::string(10'001, 'x'), "", 0},
+    };
+    for (const Case& each : cases) {
+        accessibility = std::make_unique<AtspiAccessibility>(windows, loop);
+        windows.windows.clear();
+        ScriptedObject object = test::object("around", {50, 50, 200, 60});
+        object.role = each.role;
+        auto& application = start(
+            windowWith(test::object("window", {0, 0, 800, 600}, {"/object"}),
+                       {{"/object", withTextAt(object, each.text, {90, 70, 120, 20})}}, "Gecko"));
+        showWindow(application);
+        const auto found = hit(application, 100, 80);
+        if (each.value.empty()) {
+            EXPECT_EQ(read<std::string>(found, "AXTitle"), "around") << each.name;
+            continue;
+        }
+        EXPECT_EQ(read<std::string>(found, "AXRole"), "AXStaticText") << each.name;
+        EXPECT_EQ(read<std::string>(found, "AXValue"), each.value) << each.name;
+        EXPECT_EQ(read<std::int64_t>(found, "AXNumberOfCharacters"), each.length) << each.name;
+    }
+}
+
+TEST_F(Hits, WaitUntilChromiumTellsThePlacesOfTexts) {
+    ScriptedObject button = object("Save", {50, 50, 200, 60});
+    button.role = ATSPI_ROLE_PUSH_BUTTON;
+    button.textContent = "Save";
+    button.answers["GetRangeExtents"] = [asked = std::make_shared<int>(0)](DBusMessageIter& reply) {
+        const bool ready = ++*asked > 3;
+        for (const std::int32_t number : {90, 70, ready ? 120 : 0, ready ? 20 : 0}) {
+            dbus_message_iter_append_basic(&reply, DBUS_TYPE_INT32, &number);
+        }
+    };
+    auto& application = start(windowWith(object("window", {0, 0, 800, 600}, {"/button"}),
+                                         {{"/button", button}}, "Chromium"));
+    showWindow(application);
+    EXPECT_EQ(read<Size>(hit(application, 100, 80), "AXSize"), (Size{120, 20}));
 }
 
 TEST_F(Hits, FindTheOnlyTextOfAButtonInChromium) {
