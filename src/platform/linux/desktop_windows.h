@@ -17,6 +17,7 @@ struct DesktopWindow {
     std::optional<pid_t> pid; ///< of its owner; absent where that cannot be told
     Rect bounds;              ///< accessibility space, with its decorations, without its shadow
     bool popup = false;       ///< a menu, drop-down, tooltip or the like
+    Rect client = {};         ///< the same without its decorations
 };
 
 /// What a process's windows say of it.

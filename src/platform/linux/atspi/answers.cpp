@@ -2,43 +2,13 @@
 
 #include "platform/linux/atspi/requests.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <set>
 #include <utility>
 
 namespace lumetry::atspi {
-namespace {
-
-Message requestFor(const Asked& asked) {
-    switch (asked.question) {
-    case Question::role:
-        return getRole(asked.object);
-    case Question::name:
-        return getName(asked.object);
-    case Question::text:
-        return getText(asked.object, 0, textBeginningCharacters);
-    case Question::wholeText:
-        return getText(asked.object, 0, -1);
-    case Question::value:
-        return getCurrentValue(asked.object);
-    case Question::characterCount:
-        return getCharacterCount(asked.object);
-    case Question::parent:
-        return getParent(asked.object);
-    case Question::children:
-        return getChildren(asked.object);
-    case Question::extents:
-        return getExtents(asked.object);
-    case Question::states:
-        return getState(asked.object);
-    case Question::textPlace:
-        return getRangeExtents(asked.object, asked.start, asked.end);
-    case Question::textPart:
-        return getText(asked.object, asked.start, asked.end);
-    }
-    return nullptr;
-}
-
-} // namespace
 
 bool Answers::keep() {
     return !std::exchange(keeps_, true);
@@ -50,25 +20,74 @@ void Answers::forget() {
 }
 
 std::vector<Reply> Answers::ask(std::span<const Asked> questions, Deadline deadline) {
-    std::map<Asked, std::size_t> requested; ///< to the request's place
-    std::vector<Message> requests;
-    for (const Asked& question : questions) {
-        if (!kept_.contains(question) && requested.emplace(question, requests.size()).second) {
-            requests.push_back(requestFor(question));
+    Replies passing;
+    Replies& known = keeps_ ? kept_ : passing;
+    for (auto next = unanswered(known, questions); !next.empty();
+         next = unanswered(known, questions)) {
+        std::vector<Message> requests;
+        requests.reserve(next.size());
+        for (const Asked& question : next) {
+            requests.push_back(request(known, question));
+        }
+        auto replies = bus_.exchange(std::move(requests), deadline);
+        for (std::size_t index = 0; index < next.size(); ++index) {
+            known.insert_or_assign(std::move(next[index]), std::move(replies[index]));
         }
     }
-    const auto arrived =
-        requests.empty() ? std::vector<Reply>() : bus_.exchange(std::move(requests), deadline);
     std::vector<Reply> replies;
     replies.reserve(questions.size());
     for (const Asked& question : questions) {
-        const auto place = requested.find(question);
-        replies.push_back(place == requested.end() ? kept_.at(question) : arrived[place->second]);
-    }
-    for (const auto& [question, place] : requested) {
-        remember(question, arrived[place]);
+        replies.push_back(isUnderstood(known, question) ? known.at(question)
+                                                        : Reply{Outcome::refused, nullptr});
     }
     return replies;
+}
+
+/// What is to be asked next for those that have no answer yet: they themselves or what has to be
+/// known before, each once.
+std::vector<Asked> Answers::unanswered(const Replies& known,
+                                       std::span<const Asked> questions) const {
+    std::set<Asked> next;
+    for (const Asked& question : questions) {
+        if (!known.contains(question) && isUnderstood(known, question)) {
+            next.insert(neededFor(known, question).value_or(question));
+        }
+    }
+    return {next.begin(), next.end()};
+}
+
+/// False once it is known that the object does not implement what it takes.
+bool Answers::isUnderstood(const Replies& known, const Asked& question) {
+    const auto interface = interfaceFor(question.question);
+    const auto reply = known.find({question.object, Question::interfaces});
+    return !interface || reply == known.end() ||
+           interfacesOf(reply->second).value_or(Interfaces()).contains(*interface);
+}
+
+/// What has to be known of the object before it can be asked that.
+std::optional<Asked> Answers::neededFor(const Replies& known, const Asked& question) const {
+    const Asked interfaces{question.object, Question::interfaces};
+    // What is on screen has a place: that is not worth an exchange of its own.
+    const bool depends = interfaceFor(question.question) && question.question != Question::extents;
+    if (depends && !known.contains(interfaces)) {
+        return interfaces;
+    }
+    const Asked count{question.object, Question::characterCount};
+    if (question.question == Question::text && !toolkits_.habitsFor(question.object).clipsText &&
+        !known.contains(count)) {
+        return count;
+    }
+    return std::nullopt;
+}
+
+Message Answers::request(const Replies& known, const Asked& question) const {
+    const auto& habits = toolkits_.habitsFor(question.object);
+    if (question.question != Question::text || habits.clipsText) {
+        return requestFor(question, habits.coordinates);
+    }
+    const auto count = integerOf(known.at({question.object, Question::characterCount}));
+    const auto end = std::clamp<std::int64_t>(count.value_or(0), 0, textBeginningCharacters);
+    return getText(question.object, 0, static_cast<std::int32_t>(end));
 }
 
 Reply Answers::ask(const Asked& question, Deadline deadline) {

@@ -105,9 +105,9 @@ std::string withoutPlaceholders(std::string_view text) {
                                zeroWidthNoBreakSpace);
 }
 
-std::vector<BareText> BareTexts::in(const ObjectReference& object, Toolkit toolkit,
-                                    Deadline deadline) {
-    if (toolkit != Toolkit::gecko && toolkit != Toolkit::chromium) {
+std::vector<BareText> BareTexts::in(const ObjectReference& object, Deadline deadline) {
+    const Toolkit toolkit = toolkits_.of(object);
+    if (!habitsOf(toolkit).bareTexts) {
         return {};
     }
     std::vector<Asked> questions = {{object, Question::text},
@@ -135,7 +135,7 @@ std::vector<BareText> BareTexts::in(const ObjectReference& object, Toolkit toolk
     }
     const auto text =
         count <= textBeginningCharacters
-            ? beginningOfText(answers_, object, replies[0], replies[1], deadline)
+            ? textOf(replies[0])
             : textOf(answers_.ask({object, Question::textPart, 0, static_cast<std::int32_t>(count)},
                                   deadline));
     const std::string_view told = text ? std::string_view(*text) : std::string_view();
@@ -183,10 +183,11 @@ void BareTexts::awaitPlaces(const ObjectReference& object, const BareText& text,
     if (awaited_.contains(object.name)) {
         return;
     }
+    const AtspiCoordType coordinates = toolkits_.habitsFor(object).coordinates;
     const Deadline latest = std::min(deadline, Clock::now() + 100ms);
     while (true) {
-        const auto place =
-            extentsOf(bus_.exchange(getRangeExtents(object, text.start, text.end), deadline));
+        const auto place = extentsOf(
+            bus_.exchange(getRangeExtents(object, text.start, text.end, coordinates), deadline));
         if (!place) {
             return;
         }
@@ -196,17 +197,6 @@ void BareTexts::awaitPlaces(const ObjectReference& object, const BareText& text,
         std::this_thread::sleep_for(4ms);
     }
     awaited_.insert(object.name);
-}
-
-std::optional<std::string> beginningOfText(Answers& answers, const ObjectReference& object,
-                                           const Reply& text, const Reply& count,
-                                           Deadline deadline) {
-    auto characters = textOf(text);
-    const std::int64_t length = integerOf(count).value_or(0);
-    if (characters && characters->empty() && length > 0 && length < textBeginningCharacters) {
-        characters = textOf(answers.ask({object, Question::wholeText}, deadline));
-    }
-    return characters;
 }
 
 } // namespace lumetry::atspi

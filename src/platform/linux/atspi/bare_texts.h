@@ -5,7 +5,7 @@
 #include "platform/linux/atspi/deadline.h"
 #include "platform/linux/atspi/message.h"
 #include "platform/linux/atspi/object_reference.h"
-#include "platform/linux/atspi/top_levels.h"
+#include "platform/linux/atspi/toolkits.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -32,13 +32,13 @@ struct BareText {
 /// Finds the texts for which applications have no objects.
 class BareTexts {
 public:
-    BareTexts(AtspiBus& bus, Answers& answers) : bus_(bus), answers_(answers) {}
+    BareTexts(AtspiBus& bus, Answers& answers, const Toolkits& toolkits)
+        : bus_(bus), answers_(answers), toolkits_(toolkits) {}
 
     /// The pieces of an object's text that have no objects: of Gecko all, of Chromium the only one
     /// in a button. None where the text is to be typed over: the room that belongs to it is larger
     /// than what is typed so far.
-    [[nodiscard]] std::vector<BareText> in(const ObjectReference& object, Toolkit toolkit,
-                                           Deadline deadline);
+    [[nodiscard]] std::vector<BareText> in(const ObjectReference& object, Deadline deadline);
 
 private:
     [[nodiscard]] std::vector<BareText> placed(const ObjectReference& object,
@@ -47,15 +47,9 @@ private:
 
     AtspiBus& bus_;
     Answers& answers_;
+    const Toolkits& toolkits_;
     std::uint64_t generation_ = 0;
     std::set<std::string> awaited_; ///< the applications that tell the places of texts by now
 };
-
-/// The beginning of an object's text, from the replies to Question::text and
-/// Question::characterCount; asks again where there is a text but it was not told.
-[[nodiscard]] std::optional<std::string> beginningOfText(Answers& answers,
-                                                         const ObjectReference& object,
-                                                         const Reply& text, const Reply& count,
-                                                         Deadline deadline);
 
 } // namespace lumetry::atspi

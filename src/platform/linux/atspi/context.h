@@ -5,28 +5,26 @@
 #include "platform/linux/atspi/deadline.h"
 #include "platform/linux/atspi/hit_test.h"
 #include "platform/linux/atspi/processes.h"
+#include "platform/linux/atspi/toolkits.h"
 #include "platform/linux/desktop_windows.h"
 #include "platform/linux/file_descriptor_watcher.h"
 
-#include <sys/types.h>
-
 #include <optional>
-#include <set>
 
 namespace lumetry::atspi {
 
 /// What all elements share. It outlives every use of them.
 struct Context {
     Context(DesktopWindows& desktopWindows, FileDescriptorWatcher& watcher)
-        : windows(desktopWindows), bus(watcher), answers(bus), processes(bus),
-          hitTest(windows, bus, answers, processes) {}
+        : windows(desktopWindows), bus(watcher), answers(bus, toolkits), processes(bus),
+          hitTest(windows, bus, answers, processes, toolkits) {}
 
     DesktopWindows& windows;
     AtspiBus bus;
+    Toolkits toolkits;
     Answers answers;
     Processes processes;
     HitTest hitTest;
-    std::set<pid_t> enhanced; ///< those told to show an enhanced user interface
     static constexpr float standardTimeoutSeconds = 1;
     float messagingTimeoutSeconds =
         standardTimeoutSeconds; ///< of elements that have none of their own

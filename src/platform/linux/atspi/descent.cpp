@@ -2,6 +2,8 @@
 
 #include "platform/linux/atspi/child_at_point.h"
 
+#include <array>
+#include <initializer_list>
 #include <set>
 #include <utility>
 #include <vector>
@@ -15,11 +17,12 @@ using About = Inquiry::About;
 constexpr int deepestLevel = 100;
 constexpr int mostAncestors = 16;
 
-/// The nearest ancestor that is seen at the point; absent where there is none above.
-std::optional<ObjectReference> ancestorAtPoint(Inquiry& inquiry, ObjectReference object) {
+/// The nearest ancestor inside the window that is seen at the point; absent where none is.
+std::optional<ObjectReference> ancestorAtPoint(Inquiry& inquiry, ObjectReference object,
+                                               const ObjectReference& topLevel) {
     for (int level = 0; level < mostAncestors; ++level) {
         auto parent = referenceOf(inquiry.reply({object, About::parent}));
-        if (!parent) {
+        if (!parent || *parent == topLevel) {
             break;
         }
         const std::vector<Inquiry::Query> queries = {
@@ -37,26 +40,42 @@ bool isSilent(Inquiry& inquiry, const ObjectReference& object, About about) {
     return inquiry.reply({object, about}).outcome == Outcome::silent;
 }
 
+/// What is read of every element, and thus asked along on the way down.
+constexpr std::initializer_list<About> alwaysRead = {About::role, About::interfaces};
+
+/// Asks together what leads on from an object and what is read of it, unless it was on the last way
+/// and what matters there has been asked.
+/// @param onward what leads on
+void askOnTheWay(Inquiry& inquiry, const ObjectReference& object, About onward) {
+    if (!inquiry.known({object, onward})) {
+        inquiry.ask(
+            std::array{Inquiry::Query{object, onward}, Inquiry::Query{object, About::extents},
+                       Inquiry::Query{object, About::states}, Inquiry::Query{object, About::role},
+                       Inquiry::Query{object, About::interfaces}});
+    }
+}
+
 /// Most toolkits answer with a child, which has to be asked in turn.
 Descent descendByAsking(Inquiry& inquiry, const TopLevel& topLevel,
                         std::optional<ObjectReference> next) {
     std::set<ObjectReference> visited{topLevel.object};
     ObjectReference current = topLevel.object;
     for (int level = 0; next && level < deepestLevel && visited.insert(*next).second; ++level) {
-        const std::vector<Inquiry::Query> queries = {
-            {*next, About::childAtPoint}, {*next, About::extents}, {*next, About::states}};
-        inquiry.ask(queries);
+        askOnTheWay(inquiry, *next, About::childAtPoint);
         if (isSilent(inquiry, *next, About::childAtPoint)) {
             return {Outcome::silent, std::nullopt};
         }
         if (!inquiry.isAtPoint(*next) || !inquiry.isShowing(*next)) {
             // Some answer with a descendant further down.
-            auto ancestor = ancestorAtPoint(inquiry, *next);
-            return {Outcome::answered, ancestor ? std::move(*ancestor) : std::move(current)};
+            if (auto ancestor = ancestorAtPoint(inquiry, *next, topLevel.object)) {
+                current = std::move(*ancestor);
+            }
+            break;
         }
         current = std::move(*next);
         next = referenceOf(inquiry.reply({current, About::childAtPoint}));
     }
+    inquiry.use(current, alwaysRead);
     return {Outcome::answered, std::move(current)};
 }
 
@@ -76,15 +95,17 @@ Descent descendThroughGtk(Inquiry& inquiry, Popovers& popovers, const TopLevel& 
         current = std::move(*next);
         next = referenceOf(inquiry.reply({current, About::childAtPoint}));
     }
+    inquiry.use(current, {About::extents, About::role, About::interfaces});
     if (!inquiry.isAtPoint(current)) {
-        const auto ancestor = ancestorAtPoint(inquiry, current);
-        return {Outcome::answered, ancestor ? *ancestor : topLevel.object};
+        current =
+            ancestorAtPoint(inquiry, std::move(current), topLevel.object).value_or(topLevel.object);
     }
     return {Outcome::answered, std::move(current)};
 }
 
-/// Chromium answers with the innermost object at once, but from its last hit test while that still
-/// covers the point: where it is a container, whatever is in it has to be looked at here.
+/// Some answer with the innermost object at once: Chromium from its last hit test while that still
+/// covers the point, GTK 4 without those that take no pointer. Where it is a container, whatever is
+/// in it has to be looked at here.
 Descent descendByLooking(Inquiry& inquiry, const TopLevel& topLevel,
                          std::optional<ObjectReference> next) {
     if (!next) {
@@ -92,15 +113,16 @@ Descent descendByLooking(Inquiry& inquiry, const TopLevel& topLevel,
     }
     ObjectReference current = std::move(*next);
     for (int level = 0; level < deepestLevel; ++level) {
-        const std::vector<Inquiry::Query> queries = {
-            {current, About::extents}, {current, About::states}, {current, About::children}};
-        inquiry.ask(queries);
+        askOnTheWay(inquiry, current, About::children);
         if (isSilent(inquiry, current, About::children)) {
             return {Outcome::silent, std::nullopt};
         }
-        if (level == 0 && !(inquiry.isAtPoint(current) && inquiry.isShowing(current))) {
-            const auto ancestor = ancestorAtPoint(inquiry, current);
-            return {Outcome::answered, ancestor ? *ancestor : topLevel.object};
+        // GTK 4 says where the inside of a widget is, which is smaller than the widget.
+        if (level == 0 && topLevel.toolkit == Toolkit::chromium &&
+            !(inquiry.isAtPoint(current) && inquiry.isShowing(current))) {
+            current = ancestorAtPoint(inquiry, std::move(current), topLevel.object)
+                          .value_or(topLevel.object);
+            break;
         }
         auto child = childAtPoint(inquiry, current);
         if (!child) {
@@ -108,6 +130,7 @@ Descent descendByLooking(Inquiry& inquiry, const TopLevel& topLevel,
         }
         current = std::move(*child);
     }
+    inquiry.use(current, alwaysRead);
     return {Outcome::answered, std::move(current)};
 }
 
@@ -122,6 +145,9 @@ Descent descend(Inquiry& inquiry, Popovers& popovers, const TopLevel& topLevel) 
     switch (topLevel.toolkit) {
     case Toolkit::chromium:
         return descendByLooking(inquiry, topLevel, std::move(child));
+    case Toolkit::gtk4:
+        // Version 4.8 knows nothing at any point.
+        return descendByLooking(inquiry, topLevel, child ? std::move(child) : topLevel.object);
     case Toolkit::gtk:
         return descendThroughGtk(inquiry, popovers, topLevel, std::move(child));
     case Toolkit::gecko:

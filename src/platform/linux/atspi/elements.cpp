@@ -2,13 +2,13 @@
 
 #include "platform/linux/atspi/bare_texts.h"
 #include "platform/linux/atspi/placement.h"
-#include "platform/linux/atspi/requests.h"
 #include "platform/linux/atspi/roles.h"
 #include "platform/linux/atspi/states.h"
 #include "platform/linux/atspi/text_attributes.h"
 #include "platform/linux/atspi/waking.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <limits>
 #include <memory>
@@ -23,6 +23,12 @@ std::optional<AXValue> axValue(std::optional<Kind> value) {
     return value ? std::optional<AXValue>(std::move(*value)) : std::nullopt;
 }
 
+/// The beginning of an element's text, without what is no text in it.
+std::optional<std::string> shownText(const Reply& beginning) {
+    const auto characters = textOf(beginning);
+    return characters ? std::optional(withoutPlaceholders(*characters)) : std::nullopt;
+}
+
 /// The application's parent, the list of all applications, is no part of its tree.
 bool isDesktop(const ObjectReference& object, const ObjectReference& child) {
     return object.path == registryRoot().path && object.name != child.name;
@@ -32,13 +38,14 @@ bool isDesktop(const ObjectReference& object, const ObjectReference& child) {
 
 std::vector<Question> questionsFor(std::string_view attribute) {
     if (attribute == "AXRole") {
-        return {Question::role};
+        // Whoever asks what an object is goes on to ask what only some can answer.
+        return {Question::role, Question::interfaces};
     }
     if (attribute == "AXTitle") {
         return {Question::name};
     }
     if (attribute == "AXValue") {
-        return {Question::text, Question::value, Question::characterCount};
+        return {Question::text, Question::value};
     }
     if (attribute == "AXChildren") {
         return {Question::children, Question::role};
@@ -85,7 +92,7 @@ std::optional<AXUIElement> Element::elementAt(Point point, std::optional<pid_t> 
 
 std::optional<AXValue> Element::place(std::string_view attribute, const Extents& extents,
                                       const ObjectReference& object) const {
-    const Rect place = placeOf(extents, context_.hitTest.scaleOf(object));
+    const Rect place = placeOf(extents, context_.hitTest.placementOf(object));
     if (attribute == "AXSize") {
         return place.size();
     }
@@ -107,7 +114,7 @@ std::optional<AXValue> ObjectElement::copyAttributeValue(std::string_view attrib
         return axValue(textOf(replies.front()));
     }
     if (attribute == "AXValue") {
-        return value(replies[0], replies[1], replies[2]);
+        return value(replies[0], replies[1]);
     }
     if (attribute == "AXNumberOfCharacters") {
         return numberOfCharacters(replies[0], replies[1]);
@@ -132,10 +139,11 @@ ObjectElement::copyParameterizedAttributeValue(std::string_view attribute,
         return std::nullopt;
     }
     const auto start = static_cast<std::int32_t>(range->location);
-    std::vector<Message> requests;
-    requests.push_back(getText(object_, start, start + static_cast<std::int32_t>(range->length)));
-    requests.push_back(getAttributeRun(object_, start));
-    const auto replies = context().bus.exchange(std::move(requests), deadline());
+    const auto end = start + static_cast<std::int32_t>(range->length);
+    const auto replies =
+        context().answers.ask(std::array{Asked{object_, Question::textPart, start, end},
+                                         Asked{object_, Question::attributeRun, start, end}},
+                              deadline());
     auto characters = textOf(replies[0]);
     if (!characters) {
         return std::nullopt;
@@ -159,17 +167,9 @@ std::vector<Reply> ObjectElement::ask(const std::vector<Question>& questions) co
     return context().answers.ask(asked, deadline());
 }
 
-/// The beginning of the element's text, without what is no text in it.
-std::optional<std::string> ObjectElement::text(const Reply& beginning, const Reply& count) const {
-    const auto characters =
-        beginningOfText(context().answers, object_, beginning, count, deadline());
-    return characters ? std::optional(withoutPlaceholders(*characters)) : std::nullopt;
-}
-
 /// The element's text where it has any, else its number, else the text that is empty.
-std::optional<AXValue> ObjectElement::value(const Reply& beginning, const Reply& number,
-                                            const Reply& count) const {
-    auto characters = text(beginning, count);
+std::optional<AXValue> ObjectElement::value(const Reply& beginning, const Reply& number) {
+    auto characters = shownText(beginning);
     if (!characters || characters->empty()) {
         if (const auto current = numberOf(number)) {
             return AXNumber{*current};
@@ -179,12 +179,12 @@ std::optional<AXValue> ObjectElement::value(const Reply& beginning, const Reply&
 }
 
 std::optional<AXValue> ObjectElement::numberOfCharacters(const Reply& count,
-                                                         const Reply& beginning) const {
+                                                         const Reply& beginning) {
     const auto number = integerOf(count);
     if (!number) {
         return std::nullopt;
     }
-    const auto characters = text(beginning, count);
+    const auto characters = shownText(beginning);
     return characters && characters->empty() ? std::int64_t{0} : *number;
 }
 
@@ -308,9 +308,6 @@ bool TextElement::isSameElement(const AXUIElementBackend& other) const {
 }
 
 std::optional<AXValue> ApplicationElement::copyAttributeValue(std::string_view attribute) const {
-    if (attribute == "AXEnhancedUserInterface") {
-        return context().enhanced.contains(pid_);
-    }
     const auto roots = context().processes.rootsOf(pid_, deadline());
     if (roots.empty() || questionsFor(attribute).empty()) {
         return std::nullopt;
@@ -330,13 +327,8 @@ std::optional<AXValue> ApplicationElement::copyAttributeValue(std::string_view a
 }
 
 void ApplicationElement::setAttributeValue(std::string_view attribute, const AXValue& value) const {
-    const bool truth = value.as<bool>().value_or(false);
-    if (attribute == "AXManualAccessibility" && truth) {
+    if (attribute == "AXManualAccessibility" && value.as<bool>().value_or(false)) {
         wakeTree(context(), pid_);
-    } else if (attribute == "AXEnhancedUserInterface" && truth) {
-        context().enhanced.insert(pid_);
-    } else if (attribute == "AXEnhancedUserInterface") {
-        context().enhanced.erase(pid_);
     }
 }
 

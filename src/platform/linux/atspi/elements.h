@@ -67,11 +67,9 @@ public:
 private:
     [[nodiscard]] AXUIElement relative(ObjectReference object) const;
     [[nodiscard]] std::vector<Reply> ask(const std::vector<Question>& questions) const;
-    [[nodiscard]] std::optional<std::string> text(const Reply& beginning, const Reply& count) const;
-    [[nodiscard]] std::optional<AXValue> value(const Reply& beginning, const Reply& number,
-                                               const Reply& count) const;
-    [[nodiscard]] std::optional<AXValue> numberOfCharacters(const Reply& count,
-                                                            const Reply& beginning) const;
+    [[nodiscard]] static std::optional<AXValue> value(const Reply& beginning, const Reply& number);
+    [[nodiscard]] static std::optional<AXValue> numberOfCharacters(const Reply& count,
+                                                                   const Reply& beginning);
     [[nodiscard]] std::optional<AXValue> parent(const Reply& reply) const;
     [[nodiscard]] std::optional<AXValue> children(const Reply& reply, const Reply& role) const;
     void removeUnseen(std::vector<ObjectReference>& objects) const;

@@ -7,8 +7,10 @@
 #include "platform/linux/atspi/deadline.h"
 #include "platform/linux/atspi/inquiry.h"
 #include "platform/linux/atspi/object_reference.h"
+#include "platform/linux/atspi/placement.h"
 #include "platform/linux/atspi/popovers.h"
 #include "platform/linux/atspi/processes.h"
+#include "platform/linux/atspi/toolkits.h"
 #include "platform/linux/atspi/top_levels.h"
 #include "platform/linux/desktop_windows.h"
 
@@ -23,9 +25,11 @@ namespace lumetry::atspi {
 /// window, then down from there.
 class HitTest {
 public:
-    HitTest(DesktopWindows& windows, AtspiBus& bus, Answers& answers, Processes& processes)
-        : windows_(windows), bus_(bus), answers_(answers), topLevels_(bus, processes),
-          popovers_(bus), bareTexts_(bus, answers) {}
+    HitTest(DesktopWindows& windows, AtspiBus& bus, Answers& answers, Processes& processes,
+            Toolkits& toolkits)
+        : windows_(windows), bus_(bus), answers_(answers), toolkits_(toolkits),
+          topLevels_(bus, processes, toolkits), popovers_(bus), bareTexts_(bus, answers, toolkits) {
+    }
 
     struct Hit {
         ObjectReference object;
@@ -39,29 +43,27 @@ public:
     [[nodiscard]] std::optional<Hit> objectAt(Point point, std::optional<pid_t> pid,
                                               Deadline deadline);
 
-    /// How many pixels of the root window the unit has in which the place of that object is
-    /// reported.
-    [[nodiscard]] double scaleOf(const ObjectReference& object) const {
-        return topLevels_.scaleOf(object);
+    /// How the places of that object become pixels of the root window.
+    [[nodiscard]] Placement placementOf(const ObjectReference& object) const {
+        return topLevels_.placementOf(object);
     }
     [[nodiscard]] std::vector<BareText> bareTextsIn(const ObjectReference& object,
                                                     Deadline deadline) {
-        return bareTexts_.in(object, topLevels_.toolkitOf(object), deadline);
+        return bareTexts_.in(object, deadline);
     }
 
 private:
-    [[nodiscard]] std::optional<ObjectReference> objectIn(const DesktopWindow& window,
-                                                          const Rect& bounds, pid_t pid,
+    [[nodiscard]] std::optional<ObjectReference> objectIn(const DesktopWindow& window, pid_t pid,
                                                           Point point, Deadline deadline);
     [[nodiscard]] std::optional<ObjectReference> contentOfHollowPopup(pid_t pid, Pixel at,
                                                                       Deadline deadline);
     void askAboutLastWay(Inquiry& inquiry);
-    void keepWhatHelps(const Inquiry& inquiry, const TopLevel& topLevel,
-                       const ObjectReference& object);
+    void keepWhatHelps(const Inquiry& inquiry, const TopLevel& topLevel);
 
     DesktopWindows& windows_;
     AtspiBus& bus_;
     Answers& answers_;
+    Toolkits& toolkits_;
     TopLevels topLevels_;
     Popovers popovers_;
     BareTexts bareTexts_;

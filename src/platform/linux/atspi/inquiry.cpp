@@ -9,31 +9,40 @@
 namespace lumetry::atspi {
 namespace {
 
-Message requestFor(const Inquiry::Query& query, Pixel at) {
-    switch (query.about) {
-    case Inquiry::About::childAtPoint:
-        return getAccessibleAtPoint(query.object, at.x, at.y);
+Question questionOf(Inquiry::About about) {
+    switch (about) {
     case Inquiry::About::children:
-        return getChildren(query.object);
+        return Question::children;
     case Inquiry::About::extents:
-        return getExtents(query.object);
+        return Question::extents;
+    case Inquiry::About::interfaces:
+        return Question::interfaces;
     case Inquiry::About::parent:
-        return getParent(query.object);
+        return Question::parent;
+    case Inquiry::About::role:
+        return Question::role;
+    case Inquiry::About::childAtPoint: // of no object alone
     case Inquiry::About::states:
-        return getState(query.object);
+        break;
     }
-    return nullptr;
+    return Question::states;
 }
 
 } // namespace
+
+Message Inquiry::request(const Query& query) const {
+    return query.about == About::childAtPoint
+               ? getAccessibleAtPoint(query.object, at_.x, at_.y, habits_.coordinates)
+               : requestFor({query.object, questionOf(query.about)}, habits_.coordinates);
+}
 
 void Inquiry::ask(std::span<const Query> queries) {
     std::vector<Query> missing;
     std::vector<Message> requests;
     for (const Query& query : queries) {
-        if (!asked_.contains(query)) {
+        if (!known_.contains(query)) {
             missing.push_back(query);
-            requests.push_back(requestFor(query, at_));
+            requests.push_back(request(query));
         }
     }
     if (requests.empty()) {
@@ -41,22 +50,22 @@ void Inquiry::ask(std::span<const Query> queries) {
     }
     auto replies = bus_.exchange(std::move(requests), deadline_);
     for (std::size_t index = 0; index < missing.size(); ++index) {
-        asked_.insert_or_assign(std::move(missing[index]), Asked{std::move(replies[index]), false});
+        known_.insert_or_assign(std::move(missing[index]), Known{std::move(replies[index]), false});
     }
 }
 
 const Reply& Inquiry::reply(const Query& query) {
     ask(std::span(&query, 1));
-    Asked& asked = asked_.at(query);
-    if (!std::exchange(asked.used, true)) {
+    Known& known = known_.at(query);
+    if (!std::exchange(known.used, true)) {
         used_.push_back(query);
     }
-    return asked.reply;
+    return known.reply;
 }
 
 const Reply* Inquiry::known(const Query& query) const {
-    const auto asked = asked_.find(query);
-    return asked == asked_.end() ? nullptr : &asked->second.reply;
+    const auto known = known_.find(query);
+    return known == known_.end() ? nullptr : &known->second.reply;
 }
 
 bool Inquiry::isAtPoint(const ObjectReference& object) {
@@ -65,7 +74,26 @@ bool Inquiry::isAtPoint(const ObjectReference& object) {
 }
 
 bool Inquiry::isShowing(const ObjectReference& object) {
-    return hasState(statesOf(reply({object, About::states})).value_or(0), ATSPI_STATE_SHOWING);
+    return hasState(statesOf(reply({object, About::states})).value_or(0), habits_.shown);
+}
+
+void Inquiry::use(const ObjectReference& object, std::initializer_list<About> about) {
+    std::vector<Query> queries;
+    for (const About each : about) {
+        queries.push_back({object, each});
+    }
+    ask(queries);
+    for (const Query& query : queries) {
+        static_cast<void>(reply(query));
+    }
+}
+
+void Inquiry::tell(Answers& answers) const {
+    for (const auto& [query, known] : known_) {
+        if (query.about != About::childAtPoint) {
+            answers.remember({query.object, questionOf(query.about)}, known.reply);
+        }
+    }
 }
 
 } // namespace lumetry::atspi

@@ -1,23 +1,21 @@
 #pragma once
 
+#include "platform/linux/atspi/answers.h"
 #include "platform/linux/atspi/atspi_bus.h"
 #include "platform/linux/atspi/deadline.h"
 #include "platform/linux/atspi/message.h"
 #include "platform/linux/atspi/object_reference.h"
+#include "platform/linux/atspi/pixel.h"
+#include "platform/linux/atspi/toolkits.h"
 
 #include <cstdint>
+#include <initializer_list>
 #include <map>
 #include <span>
 #include <tuple>
 #include <vector>
 
 namespace lumetry::atspi {
-
-/// A point in the units in which an application reports places.
-struct Pixel {
-    std::int32_t x = 0;
-    std::int32_t y = 0;
-};
 
 /// All that is asked about one point, nothing twice.
 class Inquiry {
@@ -26,7 +24,9 @@ public:
         childAtPoint,
         children,
         extents,
+        interfaces,
         parent,
+        role,
         states,
     };
     struct Query {
@@ -39,7 +39,9 @@ public:
         }
     };
 
-    Inquiry(AtspiBus& bus, Pixel at, Deadline deadline) : bus_(bus), at_(at), deadline_(deadline) {}
+    /// @param at in the coordinates that the toolkit's applications are asked in
+    Inquiry(AtspiBus& bus, Pixel at, Toolkit toolkit, Deadline deadline)
+        : bus_(bus), at_(at), habits_(habitsOf(toolkit)), deadline_(deadline) {}
 
     [[nodiscard]] Pixel at() const { return at_; }
     [[nodiscard]] Deadline deadline() const { return deadline_; }
@@ -55,20 +57,27 @@ public:
     /// Whether the object reports a place that covers the point.
     [[nodiscard]] bool isAtPoint(const ObjectReference& object);
     [[nodiscard]] bool isShowing(const ObjectReference& object);
+    /// Asks together whatever of that has not been asked yet, as what the answer rests on.
+    void use(const ObjectReference& object, std::initializer_list<About> about);
 
     /// The queries whose replies were used, in the order they were first used.
     [[nodiscard]] const std::vector<Query>& used() const { return used_; }
+    /// Keeps there whatever is known of objects by now.
+    void tell(Answers& answers) const;
 
 private:
-    AtspiBus& bus_;
-    Pixel at_;
-    Deadline deadline_;
-    struct Asked {
+    struct Known {
         Reply reply;
         bool used = false;
     };
 
-    std::map<Query, Asked> asked_;
+    [[nodiscard]] Message request(const Query& query) const;
+
+    AtspiBus& bus_;
+    Pixel at_;
+    const Habits& habits_;
+    Deadline deadline_;
+    std::map<Query, Known> known_;
     std::vector<Query> used_;
 };
 

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <string_view>
+#include <utility>
 
 namespace lumetry::atspi {
 namespace {
@@ -185,6 +186,27 @@ std::optional<TextAttributes> attributesOf(const Reply& reply) {
         }
     }
     return attributes;
+}
+
+std::optional<Interfaces> interfacesOf(const Reply& reply) {
+    constexpr std::array<std::pair<std::string_view, Interface>, 3> names = {
+        {{"org.a11y.atspi.Component", Interface::component},
+         {"org.a11y.atspi.Text", Interface::text},
+         {"org.a11y.atspi.Value", Interface::value}}};
+    Values values(reply);
+    if (values.type() != DBUS_TYPE_ARRAY) {
+        return std::nullopt;
+    }
+    Interfaces interfaces;
+    for (Values item = values.inside(); item.type() == DBUS_TYPE_STRING; item.next()) {
+        const auto name = item.text();
+        for (const auto& [known, interface] : names) {
+            if (name == known) {
+                interfaces.insert(interface);
+            }
+        }
+    }
+    return interfaces;
 }
 
 std::optional<std::uint64_t> statesOf(const Reply& reply) {

@@ -42,6 +42,21 @@ struct Extents {
     [[nodiscard]] bool contains(std::int32_t pointX, std::int32_t pointY) const;
 };
 
+/// What an object can be asked besides what all objects can.
+enum class Interface : std::uint8_t { component, text, value };
+
+struct Interfaces {
+    std::uint8_t bits = 0;
+
+    void insert(Interface interface) { bits |= bit(interface); }
+    [[nodiscard]] bool contains(Interface interface) const { return (bits & bit(interface)) != 0; }
+
+private:
+    static constexpr std::uint8_t bit(Interface interface) {
+        return static_cast<std::uint8_t>(1U << static_cast<unsigned>(interface));
+    }
+};
+
 /// @{ What a reply carries. Absent when there is none or it is of another type; texts are made
 /// well-formed UTF-8; a variant is looked into.
 [[nodiscard]] std::optional<std::string> textOf(const Reply& reply);
@@ -56,6 +71,7 @@ struct Extents {
 [[nodiscard]] std::optional<Extents> extentsOf(const Reply& reply);
 /// Names to values, of which the last one of a name counts.
 [[nodiscard]] std::optional<TextAttributes> attributesOf(const Reply& reply);
+[[nodiscard]] std::optional<Interfaces> interfacesOf(const Reply& reply);
 /// The bits of an object's states.
 [[nodiscard]] std::optional<std::uint64_t> statesOf(const Reply& reply);
 /// @}

@@ -1,11 +1,31 @@
 #include "platform/linux/atspi/placement.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 namespace lumetry::atspi {
 
-Rect placeOf(const Extents& extents, double scale) {
-    return {extents.x * scale, extents.y * scale, extents.width * scale, extents.height * scale};
+namespace {
+
+std::int32_t unit(double coordinate) {
+    constexpr double farthest = 1 << 30;
+    // Not a number comes out as a place where nothing is.
+    return static_cast<std::int32_t>(
+        coordinate > -farthest ? std::min(std::floor(coordinate), farthest) : -farthest);
+}
+
+} // namespace
+
+Rect placeOf(const Extents& extents, const Placement& placement) {
+    const double scale = placement.scale;
+    return {placement.origin.x + extents.x * scale, placement.origin.y + extents.y * scale,
+            extents.width * scale, extents.height * scale};
+}
+
+Pixel unitAt(Point point, const Placement& placement) {
+    return {unit((point.x - placement.origin.x) / placement.scale),
+            unit((point.y - placement.origin.y) / placement.scale)};
 }
 
 double likeness(const Rect& a, const Rect& b) {
@@ -29,10 +49,26 @@ double scaleBetween(const Extents& reported, const Rect& bounds) {
     if (!(scale > 1 && scale <= largestScale)) {
         return 1;
     }
-    const double scaled = likeness(placeOf(reported, scale), bounds);
-    return scaled >= leastLikeness && scaled - likeness(placeOf(reported, 1), bounds) >= leastGain
+    const double scaled = likeness(placeOf(reported, {scale, {}}), bounds);
+    return scaled >= leastLikeness && scaled - likeness(placeOf(reported, {}), bounds) >= leastGain
                ? scale
                : 1;
+}
+
+Placement placementInside(const Extents& reported, const Rect& client) {
+    const double scale =
+        scaleBetween({0, 0, reported.width, reported.height}, {0, 0, client.width, client.height});
+    return {scale,
+            {client.x + (client.width - reported.width * scale) / 2,
+             client.y + (client.height - reported.height * scale) / 2}};
+}
+
+bool lieAlike(const Rect& a, const Rect& b) {
+    constexpr double widestShadow = 64;
+    return std::abs(a.minX() - b.minX()) <= widestShadow &&
+           std::abs(a.minY() - b.minY()) <= widestShadow &&
+           std::abs(a.maxX() - b.maxX()) <= widestShadow &&
+           std::abs(a.maxY() - b.maxY()) <= widestShadow;
 }
 
 } // namespace lumetry::atspi

@@ -37,7 +37,7 @@ void Popovers::look(const ObjectReference& topLevel, Deadline deadline) {
     std::vector<Message> requests;
     requests.reserve(children.size());
     for (const ObjectReference& child : children) {
-        requests.push_back(getExtents(child));
+        requests.push_back(getExtents(child, ATSPI_COORD_TYPE_SCREEN));
     }
     const auto replies = bus_.exchange(std::move(requests), deadline);
     for (std::size_t i = 0; i < children.size(); ++i) {

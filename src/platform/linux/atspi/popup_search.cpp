@@ -42,10 +42,11 @@ struct Place {
     bool showing = false;
 };
 
-std::vector<Place> placesOf(AtspiBus& bus, std::vector<ObjectReference> level, Deadline deadline) {
+std::vector<Place> placesOf(AtspiBus& bus, std::vector<ObjectReference> level, const Habits& habits,
+                            Deadline deadline) {
     std::vector<Message> requests;
     for (const ObjectReference& object : level) {
-        requests.push_back(getExtents(object));
+        requests.push_back(getExtents(object, habits.coordinates));
         requests.push_back(getState(object));
     }
     const auto replies = bus.exchange(std::move(requests), deadline);
@@ -53,7 +54,7 @@ std::vector<Place> placesOf(AtspiBus& bus, std::vector<ObjectReference> level, D
     for (std::size_t index = 0; index < level.size(); ++index) {
         const std::uint64_t states = statesOf(replies[2 * index + 1]).value_or(0);
         places.push_back({std::move(level[index]), extentsOf(replies[2 * index]),
-                          hasState(states, ATSPI_STATE_SHOWING)});
+                          hasState(states, habits.shown)});
     }
     return places;
 }
@@ -61,12 +62,13 @@ std::vector<Place> placesOf(AtspiBus& bus, std::vector<ObjectReference> level, D
 } // namespace
 
 std::optional<ObjectReference> firstShowingBelow(AtspiBus& bus, std::vector<ObjectReference> starts,
+                                                 const Habits& habits,
                                                  const std::function<bool(const Extents&)>& fits,
                                                  Deadline deadline) {
     std::set<ObjectReference> seen;
     std::vector<ObjectReference> level = std::move(starts);
     while (!level.empty() && Clock::now() < deadline) {
-        auto places = placesOf(bus, childrenOf(bus, level, seen, deadline), deadline);
+        auto places = placesOf(bus, childrenOf(bus, level, seen, deadline), habits, deadline);
         level.clear();
         for (Place& place : places) {
             if (place.showing && place.extents && fits(*place.extents)) {

@@ -4,6 +4,7 @@
 #include "platform/linux/atspi/deadline.h"
 #include "platform/linux/atspi/message.h"
 #include "platform/linux/atspi/object_reference.h"
+#include "platform/linux/atspi/toolkits.h"
 
 #include <functional>
 #include <optional>
@@ -15,10 +16,11 @@ namespace lumetry::atspi {
 /// lies somewhere below what has opened the popup. Goes down level by level, each level in two
 /// exchanges.
 /// @param starts where to look below
+/// @param habits of the application that they are all in
 /// @param fits says from the place of an object that is on screen whether it is the one
 /// @return absent when there is none, or not where one can look in time
 [[nodiscard]] std::optional<ObjectReference>
-firstShowingBelow(AtspiBus& bus, std::vector<ObjectReference> starts,
+firstShowingBelow(AtspiBus& bus, std::vector<ObjectReference> starts, const Habits& habits,
                   const std::function<bool(const Extents&)>& fits, Deadline deadline);
 
 } // namespace lumetry::atspi

@@ -1,7 +1,5 @@
 #include "platform/linux/atspi/requests.h"
 
-#include <atspi/atspi.h>
-
 namespace lumetry::atspi {
 namespace {
 
@@ -70,6 +68,10 @@ Message setProperty(const ObjectReference& object, const char* interface, const 
     return message;
 }
 
+Message getInterfaces(const ObjectReference& object) {
+    return methodCall(object, accessible, "GetInterfaces");
+}
+
 Message getRole(const ObjectReference& object) {
     return methodCall(object, accessible, "GetRole");
 }
@@ -94,23 +96,24 @@ Message getState(const ObjectReference& object) {
     return methodCall(object, accessible, "GetState");
 }
 
-Message getExtents(const ObjectReference& object) {
-    return methodCallWith(object, component, "GetExtents",
-                          static_cast<std::uint32_t>(ATSPI_COORD_TYPE_SCREEN));
+Message getExtents(const ObjectReference& object, AtspiCoordType coordinates) {
+    return methodCallWith(object, component, "GetExtents", static_cast<std::uint32_t>(coordinates));
 }
 
-Message getAccessibleAtPoint(const ObjectReference& object, std::int32_t x, std::int32_t y) {
+Message getAccessibleAtPoint(const ObjectReference& object, std::int32_t x, std::int32_t y,
+                             AtspiCoordType coordinates) {
     return methodCallWith(object, component, "GetAccessibleAtPoint", x, y,
-                          static_cast<std::uint32_t>(ATSPI_COORD_TYPE_SCREEN));
+                          static_cast<std::uint32_t>(coordinates));
 }
 
 Message getText(const ObjectReference& object, std::int32_t start, std::int32_t end) {
     return methodCallWith(object, text, "GetText", start, end);
 }
 
-Message getRangeExtents(const ObjectReference& object, std::int32_t start, std::int32_t end) {
+Message getRangeExtents(const ObjectReference& object, std::int32_t start, std::int32_t end,
+                        AtspiCoordType coordinates) {
     return methodCallWith(object, text, "GetRangeExtents", start, end,
-                          static_cast<std::uint32_t>(ATSPI_COORD_TYPE_SCREEN));
+                          static_cast<std::uint32_t>(coordinates));
 }
 
 Message getAttributeRun(const ObjectReference& object, std::int32_t offset) {

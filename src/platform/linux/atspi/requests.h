@@ -3,25 +3,29 @@
 #include "platform/linux/atspi/message.h"
 #include "platform/linux/atspi/object_reference.h"
 
+#include <atspi/atspi.h>
+
 #include <cstdint>
 #include <string>
 
 namespace lumetry::atspi {
 
-/// @{ The requests that are put to accessible objects. Coordinates are pixels of the root window.
+/// @{ The requests that are put to accessible objects. Places and points are in the application's
+/// own units, from the origin that the coordinates name.
+[[nodiscard]] Message getInterfaces(const ObjectReference& object);
 [[nodiscard]] Message getRole(const ObjectReference& object);
 [[nodiscard]] Message getName(const ObjectReference& object);
 [[nodiscard]] Message getParent(const ObjectReference& object);
 [[nodiscard]] Message getChildren(const ObjectReference& object);
 [[nodiscard]] Message getAttributes(const ObjectReference& object);
 [[nodiscard]] Message getState(const ObjectReference& object);
-[[nodiscard]] Message getExtents(const ObjectReference& object);
+[[nodiscard]] Message getExtents(const ObjectReference& object, AtspiCoordType coordinates);
 [[nodiscard]] Message getAccessibleAtPoint(const ObjectReference& object, std::int32_t x,
-                                           std::int32_t y);
+                                           std::int32_t y, AtspiCoordType coordinates);
 [[nodiscard]] Message getText(const ObjectReference& object, std::int32_t start, std::int32_t end);
 /// Around the characters from start to before end.
 [[nodiscard]] Message getRangeExtents(const ObjectReference& object, std::int32_t start,
-                                      std::int32_t end);
+                                      std::int32_t end, AtspiCoordType coordinates);
 /// How the run of text around a character is set, including what holds for the whole text.
 [[nodiscard]] Message getAttributeRun(const ObjectReference& object, std::int32_t offset);
 [[nodiscard]] Message getCharacterCount(const ObjectReference& object);

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <string_view>
 #include <tuple>
 #include <utility>
 
@@ -25,35 +24,31 @@ constexpr int mostSearches = 3;
 /// Windows as alike as this cannot be told apart by their places.
 constexpr double ambiguity = 0.02;
 
-Toolkit toolkitNamed(std::string_view name) {
-    if (name == "gtk") {
-        return Toolkit::gtk;
-    }
-    if (name == "Gecko") {
-        return Toolkit::gecko;
-    }
-    if (name == "Qt") {
-        return Toolkit::qt;
-    }
-    return name == "Chromium" ? Toolkit::chromium : Toolkit::other;
+bool countsFromWindow(Toolkit toolkit) {
+    return habitsOf(toolkit).coordinates == ATSPI_COORD_TYPE_WINDOW;
 }
 
 } // namespace
 
-std::optional<TopLevel> TopLevels::of(const DesktopWindow& window, const Rect& bounds, pid_t pid,
-                                      Deadline deadline) {
+std::optional<TopLevel> TopLevels::of(const DesktopWindow& window, pid_t pid, Deadline deadline) {
     Known& known = entry(window.id);
+    if (known.insideWindow) {
+        const auto& [scale, inset] = *known.insideWindow;
+        placements_.insert_or_assign(
+            known.topLevel->object.name,
+            Placement{scale, {window.client.x + inset.x, window.client.y + inset.y}});
+    }
     if (known.topLevel || known.searches >= mostSearches) {
         return known.topLevel;
     }
     const auto topLevels = topLevelsOf(pid, deadline);
-    auto candidates = rate(topLevels, bounds, deadline);
+    auto candidates = rate(topLevels, window, deadline);
     const double least = window.popup ? leastPopupLikeness : leastWindowLikeness;
     std::erase_if(candidates,
                   [&](const Candidate& candidate) { return candidate.likeness < least; });
     if (candidates.empty()) {
         known.topLevel =
-            window.popup ? searchPopup(topLevels, bounds, pid, deadline) : std::nullopt;
+            window.popup ? searchPopup(topLevels, window.bounds, pid, deadline) : std::nullopt;
         known.searches += window.popup && !known.topLevel ? 1 : 0;
         return known.topLevel;
     }
@@ -65,12 +60,23 @@ std::optional<TopLevel> TopLevels::of(const DesktopWindow& window, const Rect& b
         return rank(a) > rank(b);
     });
     const Candidate& best = candidates.front();
-    const bool certain = candidates.size() == 1 || best.active ||
-                         best.showing != candidates[1].showing ||
-                         best.likeness - candidates[1].likeness > ambiguity;
+    const bool fits = best.showing && lieAlike(best.place, window.bounds);
+    const bool distinct = candidates.size() == 1 || best.active ||
+                          best.showing != candidates[1].showing ||
+                          best.likeness - candidates[1].likeness > ambiguity;
+    // The object of a new window may not be listed yet: another one's is not to be kept for it.
+    const bool certain = fits && distinct;
+    const bool countsFromHere = countsFromWindow(best.topLevel.toolkit);
+    if (certain || countsFromHere) {
+        learnPlacement(best);
+    }
     if (certain) {
         known.topLevel = best.topLevel;
-        learnScale(best);
+        if (countsFromHere) {
+            known.insideWindow = Placement{best.placement.scale,
+                                           {best.placement.origin.x - window.client.x,
+                                            best.placement.origin.y - window.client.y}};
+        }
     }
     return best.topLevel;
 }
@@ -80,8 +86,8 @@ TopLevels::Known& TopLevels::entry(std::uint32_t window) {
         generation_ = bus_.generation();
         known_.clear();
         lastHits_.clear();
-        scales_.clear();
-        toolkits_.clear();
+        placements_.clear();
+        toolkits_.forgetAll();
         windowScales_.clear();
     }
     return known_[window];
@@ -103,7 +109,7 @@ std::vector<TopLevel> TopLevels::topLevelsOf(pid_t pid, Deadline deadline) {
             processes_.forget(roots[index].name);
         }
         const Toolkit toolkit = toolkitNamed(textOf(replies[2 * index + 1]).value_or(""));
-        toolkits_.insert_or_assign(roots[index].name, toolkit);
+        toolkits_.remember(roots[index].name, toolkit);
         for (ObjectReference& child :
              referencesOf(children).value_or(std::vector<ObjectReference>())) {
             topLevels.push_back({std::move(child), toolkit});
@@ -114,28 +120,42 @@ std::vector<TopLevel> TopLevels::topLevelsOf(pid_t pid, Deadline deadline) {
 }
 
 std::vector<TopLevels::Candidate> TopLevels::rate(const std::vector<TopLevel>& topLevels,
-                                                  const Rect& bounds, Deadline deadline) {
+                                                  const DesktopWindow& window, Deadline deadline) {
     std::vector<Message> requests;
-    for (const TopLevel& topLevel : topLevels) {
-        requests.push_back(getExtents(topLevel.object));
-        requests.push_back(getState(topLevel.object));
+    for (const auto& [object, toolkit] : topLevels) {
+        requests.push_back(getExtents(object, habitsOf(toolkit).coordinates));
+        requests.push_back(getState(object));
     }
     const auto replies = bus_.exchange(std::move(requests), deadline);
     std::vector<Candidate> candidates;
     for (std::size_t index = 0; index < topLevels.size(); ++index) {
+        const TopLevel& topLevel = topLevels[index];
         const Extents extents = extentsOf(replies[2 * index]).value_or(Extents());
-        const auto known = scales_.find(topLevels[index].object.name);
-        const double scale = known != scales_.end() ? known->second : scaleBetween(extents, bounds);
         const std::uint64_t states = statesOf(replies[2 * index + 1]).value_or(0);
-        candidates.push_back({topLevels[index], hasState(states, ATSPI_STATE_SHOWING),
-                              hasState(states, ATSPI_STATE_ACTIVE),
-                              likeness(placeOf(extents, scale), bounds), scale});
+        Candidate candidate;
+        candidate.topLevel = topLevel;
+        candidate.showing = hasState(states, ATSPI_STATE_SHOWING);
+        candidate.active = hasState(states, ATSPI_STATE_ACTIVE);
+        if (countsFromWindow(topLevel.toolkit)) {
+            candidate.placement = placementInside(extents, window.client);
+        } else {
+            const auto known = placements_.find(topLevel.object.name);
+            candidate.placement = known != placements_.end()
+                                      ? known->second
+                                      : Placement{scaleBetween(extents, window.bounds), {}};
+        }
+        candidate.place = placeOf(extents, candidate.placement);
+        candidate.likeness = likeness(candidate.place, window.bounds);
+        candidates.push_back(std::move(candidate));
     }
     return candidates;
 }
 
 std::optional<TopLevel> TopLevels::searchPopup(const std::vector<TopLevel>& topLevels,
                                                const Rect& bounds, pid_t pid, Deadline deadline) {
+    if (topLevels.empty()) {
+        return std::nullopt;
+    }
     std::vector<ObjectReference> starts;
     if (auto opener = lastHit(pid)) {
         starts.push_back(std::move(*opener));
@@ -143,35 +163,37 @@ std::optional<TopLevel> TopLevels::searchPopup(const std::vector<TopLevel>& topL
     for (const TopLevel& topLevel : topLevels) {
         starts.push_back(topLevel.object);
     }
-    const double scale = topLevels.empty() ? 1 : scaleOf(topLevels.front().object);
-    const auto fills = [&bounds, scale](const Extents& extents) {
-        return likeness(placeOf(extents, scale), bounds) >= leastPopupLikeness;
+    const Placement placement = placementOf(topLevels.front().object);
+    const auto fills = [&bounds, &placement](const Extents& extents) {
+        return likeness(placeOf(extents, placement), bounds) >= leastPopupLikeness;
     };
-    auto found = firstShowingBelow(bus_, std::move(starts), fills, deadline);
-    return found ? std::optional(TopLevel{std::move(*found), Toolkit::other}) : std::nullopt;
+    const Toolkit toolkit = topLevels.front().toolkit;
+    auto found = firstShowingBelow(bus_, std::move(starts), habitsOf(toolkit), fills, deadline);
+    // Inside of it, most answer like any toolkit.
+    return found ? std::optional(TopLevel{std::move(*found),
+                                          toolkit == Toolkit::gtk4 ? toolkit : Toolkit::other})
+                 : std::nullopt;
 }
 
 /// Chromium reports its windows in the toolkit's units, but takes points and reports what is on its
 /// pages in pixels.
-void TopLevels::learnScale(const Candidate& candidate) {
-    if (candidate.topLevel.toolkit == Toolkit::chromium) {
-        windowScales_[candidate.topLevel.object] = candidate.scale;
+void TopLevels::learnPlacement(const Candidate& candidate) {
+    const auto& [object, toolkit] = candidate.topLevel;
+    if (toolkit == Toolkit::chromium) {
+        windowScales_[object] = candidate.placement.scale;
+    } else if (countsFromWindow(toolkit)) {
+        placements_.insert_or_assign(object.name, candidate.placement);
     } else {
-        scales_.emplace(candidate.topLevel.object.name, candidate.scale);
+        placements_.emplace(object.name, candidate.placement);
     }
 }
 
-double TopLevels::scaleOf(const ObjectReference& object) const {
+Placement TopLevels::placementOf(const ObjectReference& object) const {
     if (const auto scale = windowScales_.find(object); scale != windowScales_.end()) {
-        return scale->second;
+        return {scale->second, {}};
     }
-    const auto scale = scales_.find(object.name);
-    return scale == scales_.end() ? 1 : scale->second;
-}
-
-Toolkit TopLevels::toolkitOf(const ObjectReference& object) const {
-    const auto toolkit = toolkits_.find(object.name);
-    return toolkit == toolkits_.end() ? Toolkit::other : toolkit->second;
+    const auto placement = placements_.find(object.name);
+    return placement == placements_.end() ? Placement() : placement->second;
 }
 
 std::optional<ObjectReference> TopLevels::lastHit(pid_t pid) const {

@@ -39,6 +39,17 @@ Rect expanded(const Rect& rect, const Margins& margins) {
     return shrunk(rect, {-margins.left, -margins.right, -margins.top, -margins.bottom});
 }
 
+/// In root coordinates.
+Rect clientRectOf(const WindowRecord& window) {
+    if (!window.client || *window.client == window.id) {
+        return window.rect;
+    }
+    Rect client = window.clientRect;
+    client.x += window.rect.x;
+    client.y += window.rect.y;
+    return client;
+}
+
 } // namespace
 
 bool WindowTraits::hasState(const WindowRecord& window, Atom state) const {
@@ -117,15 +128,18 @@ Rect boundsOf(const WindowRecord& window) {
     const WindowProperties& properties = window.properties;
     Rect bounds = window.rect;
     if (window.client && *window.client != window.id && properties.frameExtents) {
-        Rect inside = window.clientRect;
-        inside.x += window.rect.x;
-        inside.y += window.rect.y;
-        const Rect decorated = expanded(inside, *properties.frameExtents);
+        const Rect decorated = expanded(clientRectOf(window), *properties.frameExtents);
         // A rolled-up window keeps the size of what it has rolled up.
         const Rect visible = intersect(decorated, window.rect);
         bounds = visible.isNull() ? window.rect : visible;
     }
     return properties.shadowExtents ? shrunk(bounds, *properties.shadowExtents) : bounds;
+}
+
+Rect clientBoundsOf(const WindowRecord& window) {
+    const Rect client = clientRectOf(window);
+    const auto& shadow = window.properties.shadowExtents;
+    return shadow ? shrunk(client, *shadow) : client;
 }
 
 } // namespace lumetry::x11

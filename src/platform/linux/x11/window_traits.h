@@ -39,4 +39,7 @@ private:
 /// In root coordinates: with its decorations, without its shadow.
 [[nodiscard]] Rect boundsOf(const WindowRecord& window);
 
+/// In root coordinates: what the application itself draws of it, without its shadow.
+[[nodiscard]] Rect clientBoundsOf(const WindowRecord& window);
+
 } // namespace lumetry::x11

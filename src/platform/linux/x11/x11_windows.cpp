@@ -108,7 +108,8 @@ std::optional<DesktopWindow> X11Windows::windowAt(Point point, std::optional<pid
             return false;
         }
         found = DesktopWindow{window.client.value_or(window.id), window.pid, bounds,
-                              traits_.kindOf(window) == WindowKind::popup};
+                              traits_.kindOf(window) == WindowKind::popup,
+                              layout.toAccessibilitySpace(clientBoundsOf(window))};
         return true;
     });
     return found;

@@ -77,6 +77,12 @@ private:
 /// One or more scripted applications on a bus, and the backend under test.
 class AtspiTest : public ::testing::Test {
 protected:
+    void TearDown() override {
+        for (const auto& application : applications) {
+            EXPECT_EQ(application->faults(), 0) << "asked what is not an object's to answer";
+        }
+    }
+
     /// Starts an application and tells the registry of it.
     ScriptedApplication& start(ScriptedTree tree) {
         applications.push_back(std::make_unique<ScriptedApplication>(bus, std::move(tree)));
@@ -152,6 +158,10 @@ protected:
     root.children = {{"", "/window"}};
     root.answers["ToolkitName"] = text(toolkit);
     tree[rootPath] = root;
+    for (auto& [path, each] : tree) {
+        each.lenientAboutText = toolkit == "gtk" || toolkit == "Chromium";
+        each.knowsOnlyItsWindow = toolkit == "GTK";
+    }
     return tree;
 }
 

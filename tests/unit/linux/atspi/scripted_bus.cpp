@@ -3,6 +3,7 @@
 #include "support/processes/file_descriptor.h"
 
 #include <glib.h>
+#include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -11,6 +12,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
+#include <initializer_list>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -31,6 +33,9 @@ std::string charactersOf(const std::string& text, dbus_int32_t start, dbus_int32
     return {first, last};
 }
 
+constexpr const char* componentInterface = "org.a11y.atspi.Component";
+constexpr const char* textInterface = "org.a11y.atspi.Text";
+constexpr const char* valueInterface = "org.a11y.atspi.Value";
 constexpr const char* nullPath = "/org/a11y/atspi/null";
 
 /// As lenient as a session's bus.
@@ -75,6 +80,17 @@ void appendArray(DBusMessageIter& at, const char* signature,
     dbus_message_iter_close_container(&at, &array);
 }
 
+Answer texts(std::vector<std::string> values) {
+    return [values = std::move(values)](DBusMessageIter& at) {
+        appendArray(at, "s", [&](DBusMessageIter& array) {
+            for (const std::string& value : values) {
+                const char* letters = value.c_str();
+                append(array, DBUS_TYPE_STRING, &letters);
+            }
+        });
+    };
+}
+
 /// The signature of what an answer appends, for the variant around a property.
 std::string signatureOf(const Answer& answer) {
     DBusMessage* message = dbus_message_new(DBUS_MESSAGE_TYPE_METHOD_RETURN);
@@ -90,8 +106,8 @@ std::string signatureOf(const Answer& answer) {
 class Server {
 public:
     Server(const std::string& address, ScriptedTree tree,
-           const std::vector<std::string>& wellKnownNames)
-        : tree_(std::move(tree)),
+           const std::vector<std::string>& wellKnownNames, int& faults)
+        : faults_(faults), tree_(std::move(tree)),
           connection_(dbus_connection_open_private(address.c_str(), nullptr)) {
         if (connection_ == nullptr || dbus_bus_register(connection_, nullptr) == FALSE) {
             _exit(EXIT_FAILURE);
@@ -118,6 +134,7 @@ public:
 private:
     void handle(DBusMessage& request) {
         std::string member = dbus_message_get_member(&request);
+        std::string interfaceName = dbus_message_get_interface(&request);
         const bool property = member == "Get" || member == "Set";
         if (property) {
             const char* interface = nullptr;
@@ -128,10 +145,14 @@ private:
             dbus_message_iter_next(&arguments);
             dbus_message_iter_get_basic(&arguments, &name);
             member = name;
+            interfaceName = interface;
         }
         const auto object = tree_.find(dbus_message_get_path(&request));
         if (object != tree_.end() && object->second.silent.contains(member)) {
             return;
+        }
+        if (object != tree_.end() && !implements(object->second, interfaceName)) {
+            ++faults_;
         }
         const Answer answer =
             object == tree_.end() ? Answer() : answerOf(object->second, member, request);
@@ -153,6 +174,33 @@ private:
         }
         dbus_connection_send(connection_, reply, nullptr);
         dbus_message_unref(reply);
+    }
+
+    /// Of those that only some have.
+    static bool implements(const ScriptedObject& object, const std::string& interface) {
+        const auto answersOneOf = [&object](std::initializer_list<const char*> members) {
+            return std::ranges::any_of(members, [&object](const char* member) {
+                return object.answers.contains(member) || object.silent.contains(member);
+            });
+        };
+        if (interface == componentInterface) {
+            return object.extents || answersOneOf({"GetExtents", "GetAccessibleAtPoint"});
+        }
+        if (interface == textInterface) {
+            return object.textContent || answersOneOf({"GetText", "CharacterCount",
+                                                       "GetRangeExtents", "GetAttributeRun"});
+        }
+        return interface != valueInterface || object.value || answersOneOf({"CurrentValue"});
+    }
+
+    [[nodiscard]] static std::vector<std::string> interfacesOf(const ScriptedObject& object) {
+        std::vector<std::string> interfaces = {"org.a11y.atspi.Accessible"};
+        for (const char* name : {componentInterface, textInterface, valueInterface}) {
+            if (implements(object, name)) {
+                interfaces.emplace_back(name);
+            }
+        }
+        return interfaces;
     }
 
     [[nodiscard]] Reference own(Reference value) const {
@@ -183,6 +231,9 @@ private:
                                   DBusMessage& request) const {
         if (const auto answer = object.answers.find(member); answer != object.answers.end()) {
             return answer->second;
+        }
+        if (member == "GetInterfaces") {
+            return texts(interfacesOf(object));
         }
         if (member == "GetRole" && object.role) {
             return unsignedNumber(*object.role);
@@ -217,7 +268,11 @@ private:
                                                  DBusMessage& request) const {
         dbus_int32_t first = 0;
         dbus_int32_t second = 0;
+        dbus_uint32_t coordinates = 0;
         if (member == "GetExtents" && object.extents) {
+            dbus_message_get_args(&request, nullptr, DBUS_TYPE_UINT32, &coordinates,
+                                  DBUS_TYPE_INVALID);
+            expectCoordinates(object, coordinates);
             return [extents = *object.extents](DBusMessageIter& at) {
                 DBusMessageIter fields;
                 dbus_message_iter_open_container(&at, DBUS_TYPE_STRUCT, nullptr, &fields);
@@ -229,7 +284,9 @@ private:
         }
         if (member == "GetAccessibleAtPoint" && object.extents &&
             dbus_message_get_args(&request, nullptr, DBUS_TYPE_INT32, &first, DBUS_TYPE_INT32,
-                                  &second, DBUS_TYPE_INVALID) != FALSE) {
+                                  &second, DBUS_TYPE_UINT32, &coordinates,
+                                  DBUS_TYPE_INVALID) != FALSE) {
+            expectCoordinates(object, coordinates);
             const std::string path = childAt(object, first, second);
             return reference(path.empty() ? Reference{"", nullPath} : own({"", path}));
         }
@@ -241,7 +298,8 @@ private:
         if (member == "GetText" && object.textContent &&
             dbus_message_get_args(&request, nullptr, DBUS_TYPE_INT32, &first, DBUS_TYPE_INT32,
                                   &second, DBUS_TYPE_INVALID) != FALSE) {
-            if (object.strictAboutText && second > charactersIn(*object.textContent)) {
+            if (!object.lenientAboutText && second > charactersIn(*object.textContent)) {
+                ++faults_;
                 return text("");
             }
             return text(charactersOf(*object.textContent, first, second));
@@ -249,6 +307,13 @@ private:
         return {};
     }
 
+    void expectCoordinates(const ScriptedObject& object, dbus_uint32_t coordinates) const {
+        constexpr dbus_uint32_t ofTheScreen = 0;
+        constexpr dbus_uint32_t ofTheWindow = 1;
+        faults_ += coordinates == (object.knowsOnlyItsWindow ? ofTheWindow : ofTheScreen) ? 0 : 1;
+    }
+
+    int& faults_;
     ScriptedTree tree_;
     DBusConnection* connection_;
 };
@@ -335,7 +400,9 @@ void ScriptedBus::restart() {
 }
 
 ScriptedApplication::ScriptedApplication(const ScriptedBus& bus, ScriptedTree tree,
-                                         const std::vector<std::string>& wellKnownNames) {
+                                         const std::vector<std::string>& wellKnownNames)
+    : faults_(static_cast<int*>(
+          mmap(nullptr, sizeof(int), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0))) {
     desktop::Pipe pipe = desktop::makePipe();
     pid_ = fork();
     if (pid_ < 0) {
@@ -343,7 +410,7 @@ ScriptedApplication::ScriptedApplication(const ScriptedBus& bus, ScriptedTree tr
     }
     if (pid_ == 0) {
         prctl(PR_SET_PDEATHSIG, SIGKILL);
-        Server server(bus.address(), std::move(tree), wellKnownNames);
+        Server server(bus.address(), std::move(tree), wellKnownNames, *faults_);
         const std::string line = server.name() + "\n";
         if (write(pipe.writeEnd.get(), line.data(), line.size()) > 0) {
             server.run();
@@ -359,6 +426,7 @@ ScriptedApplication::ScriptedApplication(const ScriptedBus& bus, ScriptedTree tr
 
 ScriptedApplication::~ScriptedApplication() {
     end();
+    munmap(faults_, sizeof(int));
 }
 
 void ScriptedApplication::freeze() const {

@@ -62,8 +62,10 @@ struct ScriptedObject {
     std::optional<std::uint32_t> role;
     std::optional<std::string> name;
     std::optional<std::string> textContent;
-    /// Asked for more text than there is, it gives none.
-    bool strictAboutText = false;
+    /// Text is asked for beyond its end without fault.
+    bool lenientAboutText = false;
+    /// Places are asked for in the window's coordinates only.
+    bool knowsOnlyItsWindow = false;
     std::optional<double> value;
     std::optional<Reference> parent;
     std::vector<Reference> children;
@@ -93,11 +95,15 @@ public:
     [[nodiscard]] pid_t pid() const { return pid_; }
     [[nodiscard]] const std::string& name() const { return name_; }
     [[nodiscard]] Reference root() const { return {name_, rootPath}; }
+    /// How often it has been asked what is not its to answer: for an interface that an object does
+    /// not have, for text beyond its end, for places in coordinates that it does not know.
+    [[nodiscard]] int faults() const { return *faults_; }
     void freeze() const;
     void thaw() const;
     void end();
 
 private:
+    int* faults_; ///< in memory that it shares
     pid_t pid_ = -1;
     std::string name_;
 };

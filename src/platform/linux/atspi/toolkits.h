@@ -1,0 +1,55 @@
+#pragma once
+
+#include "platform/linux/atspi/object_reference.h"
+
+#include <atspi/atspi.h>
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace lumetry::atspi {
+
+/// What an application is built with, as far as its answers differ.
+enum class Toolkit : std::uint8_t { gtk, gtk4, chromium, gecko, qt, other };
+
+/// By the name that an application's root gives.
+[[nodiscard]] Toolkit toolkitNamed(std::string_view name);
+
+/// What applications of a toolkit are used to.
+struct Habits {
+    /// In which coordinates they are asked for places: the screen's or, where they know nothing of
+    /// that, the window's.
+    AtspiCoordType coordinates = ATSPI_COORD_TYPE_SCREEN;
+    /// The state of what is to be seen.
+    AtspiStateType shown = ATSPI_STATE_SHOWING;
+    /// Asked for more text than there is they give what there is, without a word in their logs.
+    bool clipsText = false;
+    /// Some texts have no objects of their own.
+    bool bareTexts = false;
+};
+
+[[nodiscard]] const Habits& habitsOf(Toolkit toolkit);
+
+/// What the applications on the bus are built with.
+class Toolkits {
+public:
+    void remember(const std::string& application, Toolkit toolkit) {
+        toolkits_.insert_or_assign(application, toolkit);
+    }
+    void forgetAll() { toolkits_.clear(); }
+    /// What the object's application is built with, once its root has been asked.
+    [[nodiscard]] Toolkit of(const ObjectReference& object) const {
+        const auto toolkit = toolkits_.find(object.name);
+        return toolkit == toolkits_.end() ? Toolkit::other : toolkit->second;
+    }
+    [[nodiscard]] const Habits& habitsFor(const ObjectReference& object) const {
+        return habitsOf(of(object));
+    }
+
+private:
+    std::map<std::string, Toolkit> toolkits_; ///< by the connection's name
+};
+
+} // namespace lumetry::atspi
