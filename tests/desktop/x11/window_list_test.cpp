@@ -106,7 +106,7 @@ INSTANTIATE_TEST_SUITE_P(
                   {"_KDE_NET_WM_WINDOW_TYPE_OVERRIDE", "_NET_WM_WINDOW_TYPE_NORMAL"},
                   {},
                   0},
-        LayerCase{"Above", false, {"_NET_WM_WINDOW_TYPE_NORMAL"}, {"_NET_WM_STATE_ABOVE"}, 3},
+        LayerCase{"Above", false, {"_NET_WM_WINDOW_TYPE_DIALOG"}, {"_NET_WM_STATE_ABOVE"}, 0},
         LayerCase{"Utility", false, {"_NET_WM_WINDOW_TYPE_UTILITY"}, {}, 3},
         LayerCase{"Dock", false, {"_NET_WM_WINDOW_TYPE_DOCK"}, {"_NET_WM_STATE_ABOVE"}, 25},
         LayerCase{"ManagedTooltip", false, {"_NET_WM_WINDOW_TYPE_TOOLTIP"}, {}, 101},

@@ -17,7 +17,7 @@ namespace lumetry::x11 {
 enum class WindowKind {
     desktop, ///< the desktop itself, below everything
     normal,
-    floating, ///< kept above normal ones, tool windows
+    floating, ///< tool windows
     dock,     ///< panels and docks
     popup,    ///< menus, drop-downs, tooltips, everything that no window manager looks after
 };

@@ -73,13 +73,9 @@ std::optional<WindowKind> WindowTraits::kindByType(const WindowRecord& window) c
 
 WindowKind WindowTraits::kindOf(const WindowRecord& window) const {
     const WindowKind kind = kindByType(window).value_or(WindowKind::normal);
-    if (!window.client) {
-        // Nobody keeps a window in its place that no window manager looks after.
-        return kind == WindowKind::desktop || kind == WindowKind::dock ? kind : WindowKind::popup;
-    }
-    return kind == WindowKind::normal && hasState(window, Atom::netWmStateAbove)
-               ? WindowKind::floating
-               : kind;
+    // Nobody keeps a window in its place that no window manager looks after.
+    const bool inPlace = window.client || kind == WindowKind::desktop || kind == WindowKind::dock;
+    return inPlace ? kind : WindowKind::popup;
 }
 
 bool WindowTraits::isVisible(const WindowRecord& window,
