@@ -3,6 +3,7 @@
 
 #include "platform/linux/x11/reply.h"
 #include "platform/overlay_window.h"
+#include "support/real_desktop/monitors.h"
 #include "support/real_desktop/screenshot.h"
 
 #include <gmock/gmock.h>
@@ -252,6 +253,10 @@ TEST(X11OverlayWindow, FollowsItsFrame) {
         return screenshot(rig.desktop.server(), {333, 360, 1, 1}).at(0, 0) == pink &&
                screenshot(rig.desktop.server(), {33, 560, 1, 1}).at(0, 0) != pink;
     }));
+    // The window stays where it is when another screen becomes the primary one, whose lower left
+    // is now at (0, 600).
+    arrangeMonitors(rig.desktop.server(), {{0, 0, 300, 600}, {300, 0, 500, 400}});
+    EXPECT_TRUE(rig.loop.runUntil([&] { return window->frame() == Rect{300, 200, 500, 400}; }));
 }
 
 TEST(X11OverlayWindow, LeavesNothingInTheServer) {

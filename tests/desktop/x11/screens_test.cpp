@@ -17,13 +17,6 @@ namespace {
 
 using testing::ElementsAre;
 
-TEST(X11Screens, AreOneWhenTheServerSaysNothingElse) {
-    X11Rig rig;
-    const Screen whole = {{0, 0, 800, 600}, {0, 0, 800, 600}};
-    EXPECT_THAT(rig.x11().windowServer().screens(), ElementsAre(whole));
-    EXPECT_EQ(rig.x11().windowServer().mainScreen(), whole);
-}
-
 TEST(X11Screens, StandAroundThePrimaryOne) {
     // The primary screen is the right one and hangs lower.
     X11Rig rig({.windowManager = false,

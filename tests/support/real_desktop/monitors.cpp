@@ -65,6 +65,8 @@ void arrangeMonitors(const XConnection& server, const std::vector<Rect>& monitor
     const auto output = onlyOutput(server);
     for (std::size_t index = 0; index < monitors.size(); ++index) {
         const auto name = "monitor-" + std::to_string(index);
+        // What is there already by that name is not replaced.
+        xcb_randr_delete_monitor(server.get(), server.root(), server.atom(name));
         SetMonitorRequest request = {};
         request.head.window = server.root();
         request.monitor = monitorInfo(monitors[index], server.atom(name), index == 0);

@@ -41,7 +41,8 @@ void setNumber(Connection& connection, xcb_window_t window, Atom property, xcb_a
 X11OverlayWindow::X11OverlayWindow(const OverlaySurroundings& surroundings, const Rect& contentRect,
                                    const OverlayWindowStyle& style)
     : surroundings_(surroundings), connection_(surroundings.connection),
-      format_(bestFormat(connection_)), frame_(contentRect) {
+      format_(bestFormat(connection_)),
+      onRoot_(surroundings.windows.layout().fromScreenSpace(contentRect)) {
     createWindow();
     describeWindow(style);
     surface_.emplace(connection_, window_, format_);
@@ -67,7 +68,7 @@ void X11OverlayWindow::createWindow() {
     window_ = xcb_generate_id(c);
     colormap_ = xcb_generate_id(c);
     xcb_create_colormap(c, XCB_COLORMAP_ALLOC_NONE, colormap_, connection_.root(), format_.visual);
-    const Rect rect = frameOnRoot();
+    const Rect rect = wholePixels();
     xcb_create_window_value_list_t values{};
     values.border_pixel = 0;
     values.override_redirect = 1;
@@ -107,10 +108,9 @@ void X11OverlayWindow::describeWindow(const OverlayWindowStyle& style) {
     }
 }
 
-Rect X11OverlayWindow::frameOnRoot() const {
+Rect X11OverlayWindow::wholePixels() const {
     constexpr double largest = 0x7FFF;
-    const Rect rect = surroundings_.windows.layout().fromScreenSpace(
-        frame_.isEmpty() ? Rect{0, 0, 1, 1} : frame_);
+    const Rect rect = onRoot_.isEmpty() ? Rect{0, 0, 1, 1} : onRoot_;
     return {std::round(rect.x), std::round(rect.y), std::clamp(std::round(rect.width), 1., largest),
             std::clamp(std::round(rect.height), 1., largest)};
 }
@@ -125,9 +125,13 @@ void X11OverlayWindow::setContentView(ContentView& view) {
     setNeedsDisplay();
 }
 
+Rect X11OverlayWindow::frame() const {
+    return surroundings_.windows.layout().toScreenSpace(onRoot_);
+}
+
 void X11OverlayWindow::setFrame(const Rect& frame) {
-    frame_ = frame;
-    const Rect rect = frameOnRoot();
+    onRoot_ = surroundings_.windows.layout().fromScreenSpace(frame);
+    const Rect rect = wholePixels();
     const std::array<std::uint32_t, 4> values = {
         static_cast<std::uint32_t>(static_cast<std::int32_t>(rect.x)),
         static_cast<std::uint32_t>(static_cast<std::int32_t>(rect.y)),
@@ -174,7 +178,7 @@ void X11OverlayWindow::setNeedsDisplay() {
 }
 
 void X11OverlayWindow::repaintEverything() {
-    uncovered_ = {{0, 0, frame_.width, frame_.height}};
+    uncovered_ = {{0, 0, onRoot_.width, onRoot_.height}};
     scheduleRepaint();
 }
 
@@ -203,7 +207,7 @@ void X11OverlayWindow::repaint() {
         const auto changed = changedAreas(before, shown_);
         areas.insert(areas.end(), changed.begin(), changed.end());
     }
-    surface_->paint({shown_, areas, frame_.size(), intact ? &before : nullptr},
+    surface_->paint({shown_, areas, onRoot_.size(), intact ? &before : nullptr},
                     surroundings_.rasterizer);
     if (drawn) {
         publishTexts();
@@ -214,7 +218,7 @@ void X11OverlayWindow::repaint() {
 DisplayList X11OverlayWindow::drawView() {
     RecordingCanvas canvas(surroundings_.rasterizer);
     if (view_) {
-        view_->draw(canvas, frame_);
+        view_->draw(canvas, frame());
     }
     return canvas.take();
 }
@@ -244,7 +248,7 @@ void X11OverlayWindow::handle(const xcb_generic_event_t& event) {
     }
     const Rect rect = {static_cast<double>(expose.x), static_cast<double>(expose.y),
                        static_cast<double>(expose.width), static_cast<double>(expose.height)};
-    uncovered_.push_back(flipped(rect, frame_.height));
+    uncovered_.push_back(flipped(rect, onRoot_.height));
     scheduleRepaint();
 }
 

@@ -35,7 +35,7 @@ public:
     ~X11OverlayWindow() override;
 
     void setContentView(ContentView& view) override;
-    [[nodiscard]] Rect frame() const override { return frame_; }
+    [[nodiscard]] Rect frame() const override;
     void setFrame(const Rect& frame) override;
     [[nodiscard]] std::uint32_t windowNumber() const override { return window_; }
     void orderFrontRegardless() override;
@@ -45,7 +45,7 @@ public:
 private:
     void createWindow();
     void describeWindow(const OverlayWindowStyle& style);
-    [[nodiscard]] Rect frameOnRoot() const;
+    [[nodiscard]] Rect wholePixels() const;
     [[nodiscard]] Edges wantedEdges() const;
     void handle(const xcb_generic_event_t& event);
     void repaintEverything();
@@ -57,7 +57,7 @@ private:
     OverlaySurroundings surroundings_;
     Connection& connection_;
     PixelFormat format_;
-    Rect frame_; ///< screen space
+    Rect onRoot_; ///< its frame in root coordinates: there it stays when the screens move
     xcb_window_t window_ = XCB_WINDOW_NONE;
     xcb_colormap_t colormap_ = XCB_COLORMAP_NONE;
     std::optional<OverlaySurface> surface_;

@@ -66,16 +66,6 @@ TEST(ScreenLayout, PanelsTakeFromTheScreenTheyAreOn) {
     }
 }
 
-TEST(ScreenLayout, TurnsCoordinatesAroundThePrimaryScreen) {
-    const ScreenLayout layout = {{0, 0, 2000, 1000}, {{800, 100, 1200, 900}, {0, 0, 800, 600}}};
-    const Rect onRoot = {820, 130, 40, 50};
-    EXPECT_EQ(layout.toAccessibilitySpace(onRoot), (Rect{20, 30, 40, 50}));
-    EXPECT_EQ(layout.toScreenSpace(onRoot), (Rect{20, 820, 40, 50}));
-    EXPECT_EQ(layout.toScreenSpace(onRoot), flipped(layout.toAccessibilitySpace(onRoot), 900));
-    EXPECT_EQ(layout.fromScreenSpace(layout.toScreenSpace(onRoot)), onRoot);
-    EXPECT_EQ(layout.toScreenSpace(Point{0, 0}), (Point{-800, 1000}));
-}
-
 TEST(ScreenLayout, TheWorkAreaCountsOnlyForOneScreenWithoutPanels) {
     const Rect workArea = {0, 25, 1000, 775};
     const ScreenLayout one = {{0, 0, 1000, 800}, {{0, 0, 1000, 800}}};
