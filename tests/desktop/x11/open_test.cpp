@@ -2,13 +2,17 @@
 #include "x11_rig.h"
 
 #include "platform/overlay_window.h"
+#include "support/processes/programs.h"
 
 #include <gmock/gmock.h>
 #include <unistd.h>
 
 #include <cstdlib>
+#include <sstream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace lumetry::desktop {
@@ -50,16 +54,44 @@ TEST(X11Desktop, SaysWhatToDoWithoutADisplay) {
     unsetenv("WAYLAND_DISPLAY");
 }
 
-TEST(X11Desktop, NamesTheExtensionThatIsMissing) {
-    try {
-        X11Rig rig({.windowManager = false,
-                    .compositor = false,
-                    .screens = {},
-                    .serverArguments = {"-extension", "XFIXES"}});
-        FAIL() << "connected";
-    } catch (const std::runtime_error& error) {
-        EXPECT_THAT(error.what(), HasSubstr("XFIXES"));
+TEST(X11Desktop, SaysWhyItCannotUseAServer) {
+    const std::vector<std::pair<std::vector<std::string>, const char*>> cases = {
+        {{"-extension", "XFIXES"}, "XFIXES"},
+        {{"-screen", "0", "800x600x8"}, "24-bit colours"},
+    };
+    for (const auto& [arguments, said] : cases) {
+        try {
+            const X11Rig rig({.windowManager = false,
+                              .compositor = false,
+                              .screens = {},
+                              .serverArguments = arguments});
+            ADD_FAILURE() << "connected in spite of " << said;
+        } catch (const std::runtime_error& error) {
+            EXPECT_THAT(error.what(), HasSubstr(said));
+        }
     }
+}
+
+TEST(X11Desktop, IsNotTheXServerOfAWaylandSession) {
+    for (const char* const program : {"weston", "Xwayland"}) {
+        if (!findProgram(program)) {
+            GTEST_SKIP() << program << " is not installed";
+        }
+    }
+    X11Rig rig;
+    const auto weston =
+        rig.desktop.start({"weston", "--backend=headless-backend.so", "--xwayland", "--no-config"});
+    constexpr std::string_view announcement = "listening on display ";
+    const auto said = [&] { return weston.standardOutput() + weston.standardError(); };
+    requireUntil("Xwayland's display", [&] { return said().find(announcement) != said().npos; });
+    const std::string text = said();
+    std::string display;
+    std::istringstream(text.substr(text.find(announcement) + announcement.size())) >> display;
+    setenv("DISPLAY", display.c_str(), 1);
+    PollLoop loop;
+    std::string problem;
+    EXPECT_FALSE(X11Desktop::open(loop, loop, problem)) << display;
+    EXPECT_THAT(problem, HasSubstr("Wayland session"));
 }
 
 TEST(X11Desktop, DoesWithoutTheExtensionsThatItCanDoWithout) {
@@ -144,11 +176,6 @@ TEST(X11Desktop, SleepsWhileNothingHappens) {
     static_cast<void>(rig.foreignList());
     rig.loop.settle();
     EXPECT_EQ(rig.loop.settle(std::chrono::milliseconds(500)), 0U);
-}
-
-TEST(X11Desktop, KnowsThatScreensMayBeCaptured) {
-    X11Rig rig;
-    EXPECT_TRUE(rig.x11().windowServer().preflightScreenCaptureAccess());
 }
 
 } // namespace

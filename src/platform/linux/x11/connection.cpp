@@ -4,6 +4,7 @@
 #include <xcb/randr.h>
 #include <xcb/render.h>
 #include <xcb/res.h>
+#include <xcb/screensaver.h>
 #include <xcb/shape.h>
 #include <xcb/shm.h>
 #include <xcb/xcbext.h>
@@ -12,7 +13,9 @@
 
 #include <sys/socket.h>
 
+#include <string_view>
 #include <utility>
+#include <vector>
 
 namespace lumetry::x11 {
 namespace {
@@ -37,6 +40,27 @@ const xcb_screen_t* screenOf(const xcb_setup_t* setup, int number) {
         }
     }
     return nullptr;
+}
+
+/// Whether each pixel holds its own red, green and blue rather than a place in a palette.
+bool hasTrueColors(const xcb_screen_t& screen) {
+    for (auto depth = xcb_screen_allowed_depths_iterator(&screen); depth.rem > 0;
+         xcb_depth_next(&depth)) {
+        for (auto visual = xcb_depth_visuals_iterator(depth.data); visual.rem > 0;
+             xcb_visualtype_next(&visual)) {
+            if (visual.data->visual_id == screen.root_visual) {
+                return visual.data->_class == XCB_VISUAL_CLASS_TRUE_COLOR ||
+                       visual.data->_class == XCB_VISUAL_CLASS_DIRECT_COLOR;
+            }
+        }
+    }
+    return false;
+}
+
+std::string_view nameOf(const xcb_randr_get_output_info_reply_t& output) {
+    // NOLINTNEXTLINE(*-reinterpret-cast): a text of bytes
+    return {reinterpret_cast<const char*>(xcb_randr_get_output_info_name(&output)),
+            output.name_len};
 }
 
 /// Whether the connection ends on this machine, so that file descriptors can go through it.
@@ -81,13 +105,55 @@ bool Connection::connect(const std::string& display, std::string& problem) {
                   ": use a server that has it switched on.";
         return false;
     }
-    return true;
+    problem = screenProblem();
+    return problem.empty();
+}
+
+std::string Connection::screenProblem() {
+    if (isWaylandsServer()) {
+        return std::string(waylandProblem);
+    }
+    if (!hasTrueColors(*screen_)) {
+        return "The screen has only " + std::to_string(screen_->root_depth) +
+               "-bit colours from a palette: start the X server with 24-bit colours.";
+    }
+    return "";
+}
+
+bool Connection::isWaylandsServer() {
+    auto* const c = get();
+    constexpr std::string_view name = "XWAYLAND";
+    const auto extension = xcb_query_extension(c, name.size(), name.data());
+    const bool hasOutputs = presentExtension(c, xcb_randr_id) != nullptr;
+    const auto resources = hasOutputs ? xcb_randr_get_screen_resources_current(c, root())
+                                      : xcb_randr_get_screen_resources_current_cookie_t{};
+    const auto answer = reply(xcb_query_extension_reply, extension);
+    const auto outputs =
+        hasOutputs ? reply(xcb_randr_get_screen_resources_current_reply, resources) : nullptr;
+    if ((answer && answer->present != 0) || !outputs) {
+        return answer && answer->present != 0;
+    }
+    // Older ones lack the extension and are known by their screens' names.
+    std::vector<xcb_randr_get_output_info_cookie_t> requests;
+    const auto* const ids = xcb_randr_get_screen_resources_current_outputs(outputs.get());
+    const int count = xcb_randr_get_screen_resources_current_outputs_length(outputs.get());
+    requests.reserve(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i) {
+        requests.push_back(xcb_randr_get_output_info(c, ids[i], outputs->config_timestamp));
+    }
+    bool found = false;
+    for (const auto& request : requests) {
+        const auto output = reply(xcb_randr_get_output_info_reply, request);
+        found = found || (output && nameOf(*output).starts_with(name));
+    }
+    return found;
 }
 
 std::string Connection::queryExtensions() {
     auto* const c = get();
-    for (auto* const extension : {&xcb_input_id, &xcb_shape_id, &xcb_xfixes_id, &xcb_randr_id,
-                                  &xcb_res_id, &xcb_composite_id, &xcb_render_id, &xcb_shm_id}) {
+    for (auto* const extension :
+         {&xcb_input_id, &xcb_shape_id, &xcb_xfixes_id, &xcb_randr_id, &xcb_res_id,
+          &xcb_composite_id, &xcb_render_id, &xcb_shm_id, &xcb_screensaver_id}) {
         xcb_prefetch_extension_data(c, extension);
     }
     xcb_prefetch_maximum_request_length(c);
@@ -126,7 +192,10 @@ std::string Connection::queryNeededExtensions() {
 void Connection::queryWelcomeExtensions() {
     auto* const c = get();
     const auto* const randr = presentExtension(c, xcb_randr_id);
+    const auto* const screenSaver = presentExtension(c, xcb_screensaver_id);
     const bool hasResource = presentExtension(c, xcb_res_id) != nullptr;
+    extensions_.screenSaver = screenSaver != nullptr;
+    extensions_.saverEvent = screenSaver ? screenSaver->first_event : std::uint8_t{0};
     const auto randrCookie =
         randr ? xcb_randr_query_version(c, 1, 5) : xcb_randr_query_version_cookie_t{};
     const auto resourceCookie =
@@ -186,12 +255,15 @@ void Connection::internAtoms() {
 }
 
 bool Connection::isOwnResource(std::uint32_t id) const {
-    const auto* const setup = xcb_get_setup(get());
-    return (id & ~setup->resource_id_mask) == setup->resource_id_base;
+    return makerOf(id) == xcb_get_setup(get())->resource_id_base;
 }
 
 bool Connection::isLost() const {
     return xcb_connection_has_error(get()) != 0;
+}
+
+std::uint32_t Connection::makerOf(std::uint32_t id) const {
+    return id & ~xcb_get_setup(get())->resource_id_mask;
 }
 
 void* Connection::waitForReply(unsigned sequence) {

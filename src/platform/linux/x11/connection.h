@@ -15,6 +15,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace lumetry::x11 {
@@ -24,13 +25,20 @@ struct Extensions {
     bool resource = false;          ///< X-Resource 1.2: a client's process
     bool monitors = false;          ///< RandR 1.5
     bool composite = false;         ///< Composite 0.4: windows' own pixels
+    bool screenSaver = false;       ///< MIT-SCREEN-SAVER
     bool render = false;            ///< RENDER 0.10: transformed and padded pictures
     bool sharedMemory = false;      ///< MIT-SHM 1.2: memory handed over as a file descriptor
     std::uint8_t inputOpcode = 0;   ///< of XInput events
     std::uint8_t shapeEvent = 0;    ///< first event of SHAPE
     std::uint8_t fixesEvent = 0;    ///< first event of XFIXES
     std::uint8_t monitorsEvent = 0; ///< first event of RandR
+    std::uint8_t saverEvent = 0;    ///< first event of MIT-SCREEN-SAVER
 };
+
+/// What to say where the windows of a Wayland session are what there is.
+inline constexpr std::string_view waylandProblem =
+    "This is a Wayland session, in which Lumetry cannot look at other applications: log in to an "
+    "X11 session instead.";
 
 /// The connection to the X server. Once it is lost, requests do nothing and replies are empty.
 class Connection {
@@ -56,6 +64,9 @@ public:
     }
     /// Whether this very connection has made the window.
     [[nodiscard]] bool isOwnResource(std::uint32_t id) const;
+    /// The same for the windows and so on that one connection to the server has made; 0 for those
+    /// of the server itself.
+    [[nodiscard]] std::uint32_t makerOf(std::uint32_t id) const;
     /// In bytes, the request's own fields included.
     [[nodiscard]] std::size_t maximumRequestSize() const { return maximumRequestSize_; }
     [[nodiscard]] bool isLost() const;
@@ -108,6 +119,9 @@ private:
     [[nodiscard]] std::string queryNeededExtensions();
     void queryWelcomeExtensions();
     void queryCaptureExtensions();
+    /// @return why this server's screen cannot be looked at; else empty
+    [[nodiscard]] std::string screenProblem();
+    [[nodiscard]] bool isWaylandsServer();
     void internAtoms();
     [[nodiscard]] void* waitForReply(unsigned sequence);
     void keepQueuedEvents();

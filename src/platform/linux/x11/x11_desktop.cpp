@@ -74,8 +74,7 @@ std::unique_ptr<X11Desktop> X11Desktop::open(FileDescriptorWatcher& watcher, Run
         problem = environmentText("WAYLAND_DISPLAY").empty()
                       ? "There is no display: start Lumetry inside a desktop session, or set "
                         "DISPLAY to an X server."
-                      : "This Wayland session has no X server: log in to an X11 session, which "
-                        "is where Lumetry can look at other applications.";
+                      : std::string(x11::waylandProblem);
         return nullptr;
     }
     auto connection = x11::Connection::open(watcher, runLoop, display, problem);
