@@ -11,6 +11,7 @@ class OverlayWindows;
 class Pointer;
 class RunLoop;
 class ScreenCapture;
+class ScreenLock;
 class WindowServer;
 
 /// The desktop, as far as the engine sees it. The entry point makes one, and it outlives all that
@@ -26,6 +27,7 @@ struct Platform {
     Defaults& defaults;
     OverlayWindows& overlayWindows;
     ScreenCapture& screenCapture;
+    ScreenLock& screenLock;
 };
 
 } // namespace lumetry

@@ -2,6 +2,7 @@
 #include "platform/accessibility.h"
 #include "platform/input.h"
 #include "platform/run_loop.h"
+#include "platform/screen_lock.h"
 #include "platform/window_server.h"
 #include "probe/ax_access.h"
 #include "probe/electron.h"
@@ -23,6 +24,9 @@ std::string truncatedSize(const std::optional<Rect>& rect) {
 } // namespace
 
 void Overlay::update() {
+    if (platform_.screenLock.isLocked()) {
+        return;
+    }
     constexpr double samplingIntervalSeconds = 0.025;
     const double now = platform_.runLoop.now();
     if (now - lastSample_ < samplingIntervalSeconds) {
@@ -48,7 +52,7 @@ void Overlay::update() {
         log(outcome, sample);
     }
     inspector_.addLiveColor(outcome, sample, window_->windowNumber());
-    show(std::move(outcome), pointer);
+    handOver(std::move(outcome), pointer);
 }
 
 std::optional<Rect> Overlay::pinnedRect(const PointerSample& sample) {
@@ -91,7 +95,7 @@ void Overlay::log(const HoverOutcome& outcome, const PointerSample& sample) {
         " box=" + truncatedSize(outcome.box) + " win=" + truncatedSize(bounds) + "\n");
 }
 
-void Overlay::show(HoverOutcome outcome, Point pointer) {
+void Overlay::handOver(HoverOutcome outcome, Point pointer) {
     view_.targetRect = outcome.box ? inView(*outcome.box) : Rect();
     view_.header = std::move(outcome.header);
     view_.rows = std::move(outcome.rows);

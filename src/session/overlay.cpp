@@ -3,6 +3,7 @@
 #include "platform/accessibility.h"
 #include "platform/input.h"
 #include "platform/run_loop.h"
+#include "platform/screen_lock.h"
 #include "platform/window_server.h"
 #include "probe/electron.h"
 
@@ -37,6 +38,23 @@ void Overlay::start() {
         platform_.windowServer.requestScreenCaptureAccess();
     }
     window_->setFrame(unionFrame(platform_.windowServer));
+    lockWatch_ = platform_.screenLock.onChange([weak = std::weak_ptr(self_)] {
+        if (const auto session = weak.lock()) {
+            session->followLock();
+        }
+    });
+    followLock();
+}
+
+void Overlay::followLock() {
+    if (platform_.screenLock.isLocked()) {
+        hide();
+    } else {
+        show();
+    }
+}
+
+void Overlay::show() {
     window_->orderFrontRegardless();
     keyMonitor_ = platform_.eventMonitors.addGlobalMonitorForEvents(
         eventMask(EventType::keyDown),
@@ -75,6 +93,11 @@ void Overlay::stop() {
     inspector_.forget();
     view_.exitTag = false;
     releaseElectronEnhancements(platform_, state_);
+    lockWatch_.reset();
+    hide();
+}
+
+void Overlay::hide() {
     monitor_.reset();
     keyMonitor_.reset();
     window_->orderOut();

@@ -34,7 +34,7 @@ public:
     [[nodiscard]] bool active() const { return active_; }
 
     /// Takes one pointer sample: finds what is under the pointer and hands the view what to draw.
-    /// Does nothing within 25 ms of the last sample taken.
+    /// Does nothing within 25 ms of the last sample taken, nor while the screen is locked.
     void update();
 
     /// The frame that covers all screens, in screen space; null without screens.
@@ -46,12 +46,16 @@ public:
     std::function<void()> onNeedsPermissions;
 
 private:
+    /// Shows the window and follows the pointer, but neither over a locked screen.
+    void followLock();
+    void show();
+    void hide();
     void beginTracking();
     [[nodiscard]] std::optional<Rect> pinnedRect(const PointerSample& sample);
     void measure(const Rect& pinned, const PointerSample& sample);
     void log(const HoverOutcome& outcome, const PointerSample& sample);
     /// @param pointer screen space
-    void show(HoverOutcome outcome, Point pointer);
+    void handOver(HoverOutcome outcome, Point pointer);
     [[nodiscard]] Rect inView(const Rect& accessibilityRect) const;
 
     const Platform& platform_;
@@ -61,6 +65,7 @@ private:
     std::unique_ptr<OverlayWindow> window_;
     Token monitor_;    ///< of pointer, modifier and scroll events
     Token keyMonitor_; ///< of key presses
+    Token lockWatch_;  ///< while inspect mode is on
     double lastSample_ = 0;
     std::optional<Rect> pinnedFrame_;
     bool active_ = false;

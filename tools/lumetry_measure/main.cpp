@@ -5,6 +5,7 @@
 #include "base/number_text.h"
 #include "platform/accessibility.h"
 #include "platform/input.h"
+#include "platform/screen_lock.h"
 #include "platform/window_server.h"
 #include "probe/ax_access.h"
 #include "probe/electron.h"
@@ -15,6 +16,8 @@
 
 #include <algorithm>
 #include <iostream>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -24,6 +27,9 @@ using namespace lumetry;
 constexpr int measured = 0;
 constexpr int nothingThere = 1;
 constexpr int cannotMeasure = 2;
+
+constexpr std::string_view lockedProblem =
+    "The screen is locked or its screen saver is on: unlock it, and measure again.";
 
 int refuse(const std::string& problem) {
     std::cerr << "lumetry-measure: " << problem << '\n';
@@ -58,9 +64,31 @@ bool found(const Measurement& measurement) {
     return measurement.outcome.box || !measurement.outcome.rows.empty();
 }
 
-int measureScreen(const Request& request, int& argc, char** argv) {
+/// What is said of one point, or of two and their distance.
+struct ScreenReport {
+    std::string text;
+    int status = nothingThere;
+};
+
+ScreenReport reportOn(NativeDesktop& desktop, const Request& request,
+                      const std::vector<Point>& points) {
     ProbeState state;
     state.lumetryPID = getpid();
+    const Measurement first = measurePoint(desktop, state, points.front());
+    ScreenReport report;
+    if (points.size() == 1) {
+        report.text = request.json ? jsonReport(first) : textReport(first);
+        report.status = found(first) ? measured : nothingThere;
+    } else {
+        const Measurement second = measurePoint(desktop, state, points.back());
+        report.text = request.json ? jsonReport(first, second) : textReport(first, second);
+        report.status = first.outcome.box && second.outcome.box ? measured : nothingThere;
+    }
+    releaseElectronEnhancements(desktop.platform(), state);
+    return report;
+}
+
+int measureScreen(const Request& request, int& argc, char** argv) {
     std::string problem;
     const auto desktop = NativeDesktop::open(argc, argv, problem);
     if (!desktop) {
@@ -69,6 +97,10 @@ int measureScreen(const Request& request, int& argc, char** argv) {
     const Platform& platform = desktop->platform();
     if (!platform.accessibility.isProcessTrusted()) {
         return refuse(desktop->trustProblem());
+    }
+    const Token lockWatch = platform.screenLock.onChange([] {});
+    if (platform.screenLock.isLocked()) {
+        return refuse(std::string(lockedProblem));
     }
     platform.accessibility.createSystemWide().setMessagingTimeout(messagingTimeoutSeconds);
     const Point at = request.point.empty() ? flipped(platform.pointer.location(),
@@ -83,18 +115,12 @@ int measureScreen(const Request& request, int& argc, char** argv) {
         std::cerr << "lumetry-measure: " << problem << '\n';
         return nothingThere;
     }
-    const Measurement first = measurePoint(*desktop, state, at);
-    int status = nothingThere;
-    if (request.to.empty()) {
-        std::cout << (request.json ? jsonReport(first) : textReport(first));
-        status = found(first) ? measured : nothingThere;
-    } else {
-        const Measurement second = measurePoint(*desktop, state, points[1]);
-        std::cout << (request.json ? jsonReport(first, second) : textReport(first, second));
-        status = first.outcome.box && second.outcome.box ? measured : nothingThere;
+    const ScreenReport report = reportOn(*desktop, request, points);
+    if (platform.screenLock.isLocked()) {
+        return refuse(std::string(lockedProblem));
     }
-    releaseElectronEnhancements(platform, state);
-    return status;
+    std::cout << report.text;
+    return report.status;
 }
 
 int measureImage(const Request& request) {

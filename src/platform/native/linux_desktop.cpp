@@ -1,6 +1,7 @@
 #include "platform/native/linux_desktop.h"
 
 #include "platform/linux/idle_loop.h"
+#include "platform/linux/lock/lock_services.h"
 
 #include <cstdlib>
 #include <iostream>
@@ -57,9 +58,16 @@ bool LinuxDesktop::connect(std::string& problem) {
     });
     applications_.emplace(x11_->desktopWindows());
     accessibility_.emplace(x11_->desktopWindows(), loop_);
+    screenLock_.emplace(loop_, [this] {
+        LinuxScreenLock::Watches watches;
+        watches.push_back(x11_->watchLock());
+        watches.push_back(watchLockServices(loop_));
+        return watches;
+    });
     platform_.emplace(Platform{*accessibility_, x11_->windowServer(), x11_->pointer(),
                                x11_->eventMonitors(), *applications_, fileSystem_, loop_, defaults_,
-                               x11_->overlayWindows(rasterizer_), x11_->screenCapture()});
+                               x11_->overlayWindows(rasterizer_), x11_->screenCapture(),
+                               *screenLock_});
     return true;
 }
 

@@ -4,6 +4,7 @@
 #include "platform/linux/linux_applications.h"
 #include "platform/linux/linux_file_system.h"
 #include "platform/linux/x11/x11_desktop.h"
+#include "platform/native/linux_screen_lock.h"
 #include "platform/native/native_desktop.h"
 #include "platform/native/termination_signals.h"
 #include "platform/qt/painter_rasterizer.h"
@@ -50,6 +51,7 @@ private:
     std::unique_ptr<X11Desktop> x11_;
     std::optional<LinuxApplications> applications_;
     std::optional<AtspiAccessibility> accessibility_;
+    std::optional<LinuxScreenLock> screenLock_;
     std::optional<Platform> platform_;
 };
 

@@ -2,6 +2,7 @@
 
 #include "support/real_desktop/desktop_windows.h"
 
+#include <X11/keysym.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -62,6 +63,30 @@ TEST_F(Withstands, AnApplicationThatIsKilledUnderThePointer) {
     });
     EXPECT_TRUE(lumetry.running());
     EXPECT_EQ(lumetry.standardError(), "");
+}
+
+TEST_F(Withstands, AScreenLockerOverIt) {
+    const auto application = inspected.startWidgetFactory();
+    const auto button = inspected.tree.waitFor(factory, "push button", "link button");
+    auto lumetry = inspected.startLumetry();
+    inspected.hover(button, "Button · link button");
+    const auto& server = desktop().server();
+    const xcb_window_t locker = xcb_generate_id(server.get());
+    const std::uint32_t unmanaged = 1;
+    xcb_create_window(server.get(), XCB_COPY_FROM_PARENT, locker, server.root(), 0, 0, 1280, 800, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT,
+                      &unmanaged);
+    xcb_map_window(server.get(), locker);
+    server.sync();
+    requireUntil("a hidden overlay", [&] { return !inspected.overlay.window(); });
+    desktop().input().typeKey(XK_Escape);
+    desktop().input().glidePointer(300, 300);
+    EXPECT_FALSE(inspected.overlay.window());
+    xcb_destroy_window(server.get(), locker);
+    server.sync();
+    (void)inspected.overlay.waitFor("the overlay by itself", [](const OverlayReadout& shown) {
+        return shown.exitTag && shown.header.find("link button") == std::string::npos;
+    });
 }
 
 /// What a process holds.

@@ -69,6 +69,9 @@ TEST(MeasureUsage, SaysWhyADesktopCannotBeRead) {
     EXPECT_NE(outside.error.find("on no screen"), std::string::npos) << outside.error;
     // Of an empty desktop there is its colour.
     EXPECT_EQ(empty.measure({"20", "20"}).status.code, 0);
+    xcb_force_screen_saver(empty.desktop.server().get(), XCB_SCREEN_SAVER_ACTIVE);
+    empty.desktop.server().sync();
+    expectRefusal(empty.measure({"20", "20"}), "unlock it");
 }
 
 TEST(MeasureImage, MeasuresAPictureWithoutAnyDesktop) {

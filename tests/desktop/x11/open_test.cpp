@@ -173,6 +173,7 @@ TEST(X11Desktop, SleepsWhileNothingHappens) {
     window->orderFrontRegardless();
     const auto token =
         rig.x11().eventMonitors().addGlobalMonitorForEvents(0xFFFFFFFF, [](const Event&) {});
+    const auto lock = rig.x11().watchLock();
     static_cast<void>(rig.foreignList());
     rig.loop.settle();
     EXPECT_EQ(rig.loop.settle(std::chrono::milliseconds(500)), 0U);

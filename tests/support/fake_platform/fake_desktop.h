@@ -42,8 +42,10 @@ public:
     FakeDefaults defaults;
     FakeOverlayWindows overlayWindows;
     FakeScreenCapture screenCapture;
-    Platform platform = {accessibility, windowServer, pointer,  eventMonitors,  applications,
-                         fileSystem,    runLoop,      defaults, overlayWindows, screenCapture};
+    FakeScreenLock screenLock;
+    Platform platform = {accessibility,  windowServer,  pointer,   eventMonitors,
+                         applications,   fileSystem,    runLoop,   defaults,
+                         overlayWindows, screenCapture, screenLock};
     ProbeState state;
 };
 

@@ -2,6 +2,7 @@
 
 #include "platform/display_list.h"
 #include "platform/overlay_window.h"
+#include "platform/screen_lock.h"
 #include "platform/window_server.h"
 
 #include <functional>
@@ -34,6 +35,25 @@ public:
     bool captureAllowed = true;
     int captureRequests = 0;
     std::vector<std::function<void()>> shareableContentRequests; ///< their completions
+};
+
+class FakeScreenLock final : public ScreenLock {
+public:
+    [[nodiscard]] bool isLocked() override { return locked; }
+    [[nodiscard]] Token onChange(std::function<void()> handler) override {
+        handler_ = std::move(handler);
+        return Token([this] { handler_ = nullptr; });
+    }
+    [[nodiscard]] bool isWatched() const { return static_cast<bool>(handler_); }
+    void change(bool nowLocked) {
+        locked = nowLocked;
+        handler_();
+    }
+
+    bool locked = false;
+
+private:
+    std::function<void()> handler_;
 };
 
 /// Text of 7 points a code point, 3 points higher than its font.

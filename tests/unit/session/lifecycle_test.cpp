@@ -82,6 +82,33 @@ TEST_F(Lifecycle, CoversTheScreensThatThereAreAtEveryStart) {
     EXPECT_TRUE(Overlay::unionFrame(desktop.windowServer).isNull());
 }
 
+TEST_F(Lifecycle, NothingIsShownOrReadOverALockedScreen) {
+    desktop.screenLock.locked = true;
+    overlay->start();
+    EXPECT_TRUE(overlay->active());
+    EXPECT_FALSE(window().shown);
+    EXPECT_EQ(desktop.accessibility.totalReads(), 0);
+    desktop.screenLock.change(false);
+    EXPECT_TRUE(window().shown);
+    EXPECT_EQ(view().targetRect, inView(buttonFrame)) << "without waiting for the pointer";
+
+    desktop.screenLock.change(true);
+    EXPECT_FALSE(window().shown);
+    EXPECT_THAT(desktop.eventMonitors.masks(), IsEmpty()) << "what is typed is the locker's";
+    const int reads = desktop.accessibility.totalReads();
+    desktop.runLoop.advance(1);
+    desktop.pointAt(onField);
+    overlay->update();
+    EXPECT_EQ(desktop.accessibility.totalReads(), reads);
+    desktop.screenLock.change(false);
+    EXPECT_TRUE(window().shown);
+    EXPECT_EQ(view().targetRect, inView(fieldFrame));
+
+    desktop.screenLock.change(true);
+    overlay->stop();
+    EXPECT_FALSE(desktop.screenLock.isWatched());
+}
+
 TEST_F(Lifecycle, StartingTwiceMonitorsOnce) {
     overlay->start();
     desktop.runLoop.advance(1);

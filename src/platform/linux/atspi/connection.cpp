@@ -1,9 +1,9 @@
 #include "platform/linux/atspi/connection.h"
 
 #include "platform/linux/atspi/requests.h"
+#include "platform/linux/bus_addresses.h"
 
 #include <atspi/atspi.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <string>
@@ -19,24 +19,6 @@ constexpr const char* enabledProperty = "IsEnabled";
 const ObjectReference& accessibilityService() {
     static const ObjectReference service{"org.a11y.Bus", "/org/a11y/bus"};
     return service;
-}
-
-/// Empty when it is not set.
-std::string variable(const char* name) {
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing changes the environment meanwhile
-    const char* value = std::getenv(name);
-    return value != nullptr ? value : "";
-}
-
-/// Where the session bus is; empty when nothing says so. Without an address libdbus would start a
-/// bus of its own, which no application is on.
-std::string sessionBusAddress() {
-    std::string address = variable("DBUS_SESSION_BUS_ADDRESS");
-    const std::string socket = variable("XDG_RUNTIME_DIR") + "/bus";
-    if (address.empty() && access(socket.c_str(), F_OK) == 0) {
-        address = "unix:path=" + socket;
-    }
-    return address;
 }
 
 /// libatspi complains on standard error about a bus that is not there; here that is no fault.
@@ -115,7 +97,9 @@ bool SessionBus::knowsAccessibilityBus() {
 
 Connection openAccessibilityBus(SessionBus& session) {
     // The library asks the same of the session bus, but would wait for half a minute.
-    if (variable("AT_SPI_BUS_ADDRESS").empty() && !session.knowsAccessibilityBus()) {
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing changes the environment meanwhile
+    const char* const given = std::getenv("AT_SPI_BUS_ADDRESS");
+    if ((given == nullptr || *given == '\0') && !session.knowsAccessibilityBus()) {
         return nullptr;
     }
     const QuietLibrary quiet;

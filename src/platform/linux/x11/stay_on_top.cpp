@@ -1,6 +1,7 @@
 #include "platform/linux/x11/stay_on_top.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace lumetry::x11 {
 namespace {
@@ -15,7 +16,8 @@ constexpr double longestPauseSeconds = 2;
 StayOnTop::StayOnTop(Connection& connection, xcb_window_t window)
     : connection_(connection), window_(window),
       rootEvents_(connection.selectOnRoot(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY)),
-      events_(connection.onEvent([this](const auto& event) { handle(event); })) {
+      events_(connection.onEvent([this](const auto& event) { handle(event); })),
+      batches_(connection.onEventsHandled([this] { eventsHandled(); })) {
     raise();
 }
 
@@ -75,7 +77,11 @@ void StayOnTop::isAbove(xcb_window_t other, bool mapped) {
         return;
     }
     above_.insert(other);
-    if (mapped) {
+    covered_ = covered_ || mapped;
+}
+
+void StayOnTop::eventsHandled() {
+    if (std::exchange(covered_, false)) {
         raiseSoon();
     }
 }

@@ -141,12 +141,14 @@ std::optional<RootFacts> WindowReader::readRoot() {
     const auto tree = xcb_query_tree(c, root);
     const auto attributes = xcb_get_window_attributes(c, root);
     const auto desktop = requestProperty(connection_, root, Atom::netCurrentDesktop, 1);
+    const auto manager = requestProperty(connection_, root, Atom::netSupportingWmCheck, 1);
     const auto workArea = requestProperty(connection_, root, Atom::netWorkarea, workAreaWords);
 
     RootFacts facts;
     const auto children = connection_.reply(xcb_query_tree_reply, tree);
     const auto rootAttributes = connection_.reply(xcb_get_window_attributes_reply, attributes);
     facts.currentDesktop = firstNumber(connection_, desktop);
+    facts.windowManager = firstNumber(connection_, manager);
     const auto areas = numbers(connection_, workArea);
     if (!children || !rootAttributes) {
         return std::nullopt;

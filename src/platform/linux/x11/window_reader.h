@@ -13,6 +13,7 @@ namespace lumetry::x11 {
 struct RootFacts {
     std::vector<xcb_window_t> children; ///< the lowest first
     bool windowManagerRuns = false;
+    std::optional<xcb_window_t> windowManager; ///< a window of its own, where it names one
     std::optional<std::uint32_t> currentDesktop;
     std::optional<Rect> workArea; ///< root coordinates; of the current desktop
 };

@@ -294,6 +294,7 @@ bool WindowTable::isRelevant(xcb_atom_t property) const {
 void WindowTable::propertyChanged(const xcb_property_notify_event_t& event) {
     if (event.window == connection_.root()) {
         treeDirty_ = treeDirty_ || event.atom == connection_.atom(Atom::netCurrentDesktop) ||
+                     event.atom == connection_.atom(Atom::netSupportingWmCheck) ||
                      event.atom == connection_.atom(Atom::netWorkarea);
         return;
     }

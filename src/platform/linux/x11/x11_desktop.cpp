@@ -7,6 +7,7 @@
 #include "platform/linux/x11/screen_manager.h"
 #include "platform/linux/x11/x11_event_monitors.h"
 #include "platform/linux/x11/x11_hot_keys.h"
+#include "platform/linux/x11/x11_lock_watch.h"
 #include "platform/linux/x11/x11_overlay_window.h"
 #include "platform/linux/x11/x11_pointer.h"
 #include "platform/linux/x11/x11_windows.h"
@@ -110,6 +111,10 @@ HotKeys& X11Desktop::hotKeys() {
         parts_->hotKeys.emplace(*parts_->connection, parts_->keyboard);
     }
     return *parts_->hotKeys;
+}
+
+std::unique_ptr<LockWatch> X11Desktop::watchLock() {
+    return std::make_unique<x11::X11LockWatch>(*parts_->connection, parts_->windows);
 }
 
 std::uint16_t X11Desktop::keyCode(std::uint32_t key) {

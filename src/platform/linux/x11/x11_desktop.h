@@ -3,6 +3,7 @@
 #include "base/color.h"
 #include "platform/linux/desktop_windows.h"
 #include "platform/linux/file_descriptor_watcher.h"
+#include "platform/linux/lock_watch.h"
 #include "platform/rasterizer.h"
 #include "platform/run_loop.h"
 
@@ -43,6 +44,8 @@ public:
     /// counts
     [[nodiscard]] OverlayWindows& overlayWindows(const Rasterizer& rasterizer);
 
+    /// Watches for a locker's window, and the server's screen saver.
+    [[nodiscard]] std::unique_ptr<LockWatch> watchLock();
     /// The platform's code of a key.
     /// @param key the server's code
     [[nodiscard]] std::uint16_t keyCode(std::uint32_t key);

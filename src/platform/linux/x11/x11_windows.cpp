@@ -152,6 +152,41 @@ std::vector<const WindowRecord*> X11Windows::visibleBelow(xcb_window_t above) {
     return visible;
 }
 
+bool X11Windows::isLocker(const WindowRecord& window) {
+    // The server makes the window that compositing managers draw into. Window managers have one
+    // that catches the pointer where no other window is, and frames.
+    const std::uint32_t maker = connection_.makerOf(window.id);
+    const auto manager = table_.root().windowManager;
+    const bool ofTheDesktop = maker == 0 || (manager && maker == connection_.makerOf(*manager)) ||
+                              traits_.kindOf(window) == WindowKind::desktop;
+    return window.viewable && window.overrideRedirect && !window.client && !window.clickThrough &&
+           !ofTheDesktop && !isOwn(window) &&
+           std::ranges::any_of(screens_.layout().screens, [&](const Rect& screen) {
+               return intersect(window.rect, screen) == screen;
+           });
+}
+
+bool X11Windows::isLocker(xcb_window_t topLevel) {
+    table_.refresh();
+    const WindowRecord* const window = table_.find(topLevel);
+    return window != nullptr && isLocker(*window);
+}
+
+xcb_window_t X11Windows::lockerOnTop() {
+    table_.refresh();
+    const auto& stacking = table_.stacking();
+    for (auto id = stacking.rbegin(); id != stacking.rend(); ++id) {
+        const WindowRecord* const window = table_.find(*id);
+        if (window && isLocker(*window)) {
+            return *id;
+        }
+        if (window && window->client && !isOwn(*window) && isOnScreen(*window)) {
+            return XCB_WINDOW_NONE;
+        }
+    }
+    return XCB_WINDOW_NONE;
+}
+
 bool X11Windows::hasOwnOnScreen() {
     return visitOnScreen([&](const WindowRecord& window) { return isOwn(window); });
 }

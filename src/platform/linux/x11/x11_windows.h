@@ -38,12 +38,19 @@ public:
     [[nodiscard]] std::vector<const WindowRecord*> visibleBelow(xcb_window_t above);
     /// Whether this program has a window on the screen, other than the overlay.
     [[nodiscard]] bool hasOwnOnScreen();
+    /// The window that hides at least one screen with nothing but menus and the like above it, the
+    /// way a screen locker's does: no window manager looks after it, and it takes the pointer.
+    /// Never one of this program's. None when there is no such window.
+    [[nodiscard]] xcb_window_t lockerOnTop();
+    /// Whether the window hides a screen in that way, be it on top or not.
+    [[nodiscard]] bool isLocker(xcb_window_t topLevel);
     /// Whether a child of the root, as such, belongs to this program.
     [[nodiscard]] bool isOwn(xcb_window_t topLevel);
 
 private:
     [[nodiscard]] bool isOnScreen(const WindowRecord& window) const;
     [[nodiscard]] bool isOwn(const WindowRecord& window) const;
+    [[nodiscard]] bool isLocker(const WindowRecord& window);
     /// From the topmost down, until the visitor returns true.
     /// @return whether it has
     bool visitOnScreen(const std::function<bool(const WindowRecord&)>& visitor);
