@@ -47,7 +47,8 @@ struct TimedPorts {
                                                        ports.pointer,        monitors,
                                                        ports.applications,   ports.fileSystem,
                                                        ports.runLoop,        ports.defaults,
-                                                       ports.overlayWindows, screenCapture} {}
+                                                       ports.overlayWindows, screenCapture,
+                                                       ports.screenLock} {}
 
     DeafMonitors monitors;
     TimedAccessibility accessibility;
