@@ -84,9 +84,8 @@ Size RecordingCanvas::measure(std::string_view text, const Font& font) const {
 void RecordingCanvas::drawText(std::string_view text, Point lowerLeft, const Font& font,
                                const Color& color) {
     const Size size = measure(text, font);
-    list_.emplace_back(
-        DrawText{std::string(text), {lowerLeft.x, lowerLeft.y, size.width, size.height}, font,
-                 color});
+    list_.emplace_back(DrawText{
+        std::string(text), {lowerLeft.x, lowerLeft.y, size.width, size.height}, font, color});
 }
 
 } // namespace lumetry
