@@ -148,23 +148,12 @@ TEST_F(Install, PutsTheIconInTheThemeAtEverySize) {
     ASSERT_NO_FATAL_FAILURE(install(folder()));
     const fs::path theme = folder() / "share/icons/hicolor";
     EXPECT_THAT(contents(theme / "scalable/apps" / (applicationId + ".svg")), HasSubstr("<svg"));
+    EXPECT_THAT(contents(theme / "symbolic/apps" / (applicationId + "-symbolic.svg")),
+                HasSubstr("<svg"));
     for (const unsigned size : {16U, 22U, 24U, 32U, 48U, 64U, 128U, 256U}) {
         const std::string name = std::to_string(size) + "x" + std::to_string(size);
         const fs::path icon = theme / name / "apps" / (applicationId + ".png");
         EXPECT_EQ(pngSize(icon), (std::array{size, size})) << icon;
-    }
-}
-
-TEST_F(Install, DescribesItselfForSoftwareCentresAndReaders) {
-    ASSERT_NO_FATAL_FAILURE(install(folder()));
-    const fs::path share = folder() / "share";
-    const std::string metainfo = contents(share / "metainfo" / (applicationId + ".metainfo.xml"));
-    EXPECT_THAT(metainfo, HasSubstr("<id>" + applicationId + "</id>"));
-    EXPECT_THAT(metainfo,
-                HasSubstr("<launchable type=\"desktop-id\">" + applicationId + ".desktop<"));
-    for (const std::string program : {"lumetry", "lumetry-measure"}) {
-        EXPECT_THAT(metainfo, HasSubstr("<binary>" + program + "</binary>"));
-        EXPECT_THAT(contents(share / "man/man1" / (program + ".1")), HasSubstr(".SH NAME\n"));
     }
 }
 

@@ -4,6 +4,9 @@
 #include <X11/keysym.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
+
 namespace lumetry::desktop {
 namespace {
 
@@ -42,6 +45,11 @@ TEST_F(FirstStart, LeadsFromNothingToInspecting) {
     auto lumetry = user.startLumetry();
     user.waitForWindow(onboardingTitle);
     EXPECT_TRUE(waitUntil([&] { return user.isInFront(onboardingTitle); }));
+    // A dock knows by its class which application a window belongs to.
+    std::ifstream entry(LUMETRY_DESKTOP_ENTRY);
+    const std::string keys{std::istreambuf_iterator<char>(entry), {}};
+    const std::string className = user.window(onboardingTitle)->className;
+    EXPECT_NE(keys.find("\nStartupWMClass=" + className + "\n"), std::string::npos) << className;
     user.clickButton("Get Started");
     const auto grant = user.waitFor("push button", "Grant Accessibility");
     EXPECT_TRUE(user.sees("push button", "Grant Accessibility to continue"));

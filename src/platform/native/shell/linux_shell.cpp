@@ -60,6 +60,7 @@ std::unique_ptr<NativeShell> NativeShell::open(int& argc, char** argv, std::stri
     if (!desktop) {
         return nullptr;
     }
+    QGuiApplication::setDesktopFileName("app.lumetry.Lumetry");
     auto instance = std::make_unique<RunningInstance>();
     switch (instance->role()) {
     case RunningInstance::Role::later:
