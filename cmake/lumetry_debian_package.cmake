@@ -2,7 +2,7 @@
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME lumetry)
 set(CPACK_PACKAGE_VENDOR Lumetry)
-set(CPACK_PACKAGE_CONTACT "Lumetry <lumetry@localhost>")
+set(CPACK_PACKAGE_CONTACT "The Lumetry authors <authors@lumetry.app>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Measures the user interface of any application on the screen")
 set(CPACK_PACKAGE_DESCRIPTION
 "Inspect mode outlines the element under the pointer and says what it is: size,
@@ -24,8 +24,10 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION devel)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "at-spi2-core, fonts-inter")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS at-spi2-core)
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS fonts-inter)
+set(CPACK_DEBIAN_PACKAGE_HOMEPAGE https://lumetry.app)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
-install(FILES debian/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES debian/copyright debian/changelog DESTINATION ${CMAKE_INSTALL_DOCDIR})
 include(CPack)

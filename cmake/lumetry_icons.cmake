@@ -1,8 +1,8 @@
 # lumetry_install_icons(ID SIZES pixels...)
 #
 # Renders the icon of an application for the sizes named and installs it, as drawn and rendered, in
-# the hicolor theme. The drawings are icons/ID.svg and, for sizes at which its strokes would blur,
-# icons/ID-SIZE.svg. The target lumetry_icons renders them.
+# the hicolor theme. The drawings are icons/ID.svg, icons/ID-symbolic.svg and, for sizes at which the
+# strokes of the first would blur, icons/ID-SIZE.svg. The target lumetry_icons renders them.
 find_program(LUMETRY_RSVG_CONVERT rsvg-convert)
 if(NOT LUMETRY_RSVG_CONVERT)
   message(FATAL_ERROR "The icons cannot be rendered without rsvg-convert: install librsvg2-bin.")
@@ -13,6 +13,7 @@ function(lumetry_install_icons id)
   set(drawings ${CMAKE_CURRENT_SOURCE_DIR}/icons)
   set(theme ${CMAKE_INSTALL_DATADIR}/icons/hicolor)
   install(FILES ${drawings}/${id}.svg DESTINATION ${theme}/scalable/apps)
+  install(FILES ${drawings}/${id}-symbolic.svg DESTINATION ${theme}/symbolic/apps)
   set(pictures)
   foreach(size IN LISTS arg_SIZES)
     set(drawing ${drawings}/${id}-${size}.svg)
