@@ -9,8 +9,8 @@
 
 namespace lumetry {
 
-/// One shortcut that calls an action whichever application is in front. Another program may hold
-/// it: then presses never arrive.
+/// One shortcut that calls an action whichever application is in front. While another program holds
+/// it, presses do not arrive.
 class HotKey {
 public:
     /// Registers at once.

@@ -43,8 +43,8 @@ public:
     /// handler first, until one of them answers noErr (InstallEventHandler). It lasts as long as
     /// the token.
     [[nodiscard]] virtual Token installEventHandler(Handler handler) = 0;
-    /// Takes a key for the program for as long as the token lives (RegisterEventHotKey). Empty
-    /// when another program holds it.
+    /// Takes a key for the program for as long as the token lives (RegisterEventHotKey). While
+    /// another program holds it presses do not arrive; they do once that program lets go of it.
     /// @param keyCode of the platform's virtual keys
     /// @param modifiers exactly those that must be down; locks do not matter
     [[nodiscard]] virtual Token registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers,

@@ -15,9 +15,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr EventMask everything = 0xFFFFFFFF;
-constexpr std::uint16_t keyCodeLeftShift = 56;
-constexpr std::uint16_t keyCodeLeftAlt = 58;
-
 struct InputRig : X11Rig {
     InputRig() {
         // Over no window, and away from where the tests go.
@@ -43,6 +40,8 @@ struct InputRig : X11Rig {
 
 const Event moved = {EventType::mouseMoved};
 const Event scrolled = {EventType::scrollWheel};
+const Event flagsChanged = {EventType::flagsChanged};
+const Event otherKey = {EventType::keyDown};
 
 TEST(X11EventMonitors, TellWhatIsDone) {
     InputRig rig;
@@ -59,9 +58,8 @@ TEST(X11EventMonitors, TellWhatIsDone) {
     input.pressKey(XK_Shift_L);
     input.typeKey(XK_m);
     input.releaseKey(XK_Shift_L);
-    EXPECT_THAT(rig.take(), ElementsAre(Event{EventType::flagsChanged, keyCodeLeftShift},
-                                        Event{EventType::keyDown, keyCodeM},
-                                        Event{EventType::flagsChanged, keyCodeLeftShift}));
+    EXPECT_THAT(rig.take(),
+                ElementsAre(flagsChanged, Event{EventType::keyDown, keyCodeM}, flagsChanged));
     // Many movements at once are told once.
     for (int x = 0; x < 50; ++x) {
         input.movePointer(200 + x, 200);
@@ -75,7 +73,7 @@ TEST(X11EventMonitors, HearOnlyWhatTheyAskForWhileTheyLast) {
     auto& input = rig.desktop.input();
     input.movePointer(100, 100);
     input.typeKey(XK_Tab);
-    EXPECT_THAT(rig.take(), ElementsAre(Event{EventType::keyDown, 48}));
+    EXPECT_THAT(rig.take(), ElementsAre(otherKey));
     rig.token.reset();
     rig.awaitServer();
     input.typeKey(XK_Tab);
@@ -198,7 +196,7 @@ TEST(X11Pointer, FollowsTheModifierMap) {
     rig.watch();
     auto& input = rig.desktop.input();
     static_cast<void>(rig.x11().pointer().modifierFlags());
-    // Alt goes from Mod1 to Mod5, a bit that no other key has.
+    // Alt goes from Mod1 to Mod4, and what stands there to Mod1.
     const Reply<xcb_get_modifier_mapping_reply_t> old(
         xcb_get_modifier_mapping_reply(rig.xcb(), xcb_get_modifier_mapping(rig.xcb()), nullptr));
     const std::size_t width = old->keycodes_per_modifier;
@@ -206,7 +204,7 @@ TEST(X11Pointer, FollowsTheModifierMap) {
     std::vector<xcb_keycode_t> map(keys, keys + 8 * width);
     std::swap_ranges(map.begin() + 3 * static_cast<std::ptrdiff_t>(width),
                      map.begin() + 4 * static_cast<std::ptrdiff_t>(width),
-                     map.begin() + 7 * static_cast<std::ptrdiff_t>(width));
+                     map.begin() + 6 * static_cast<std::ptrdiff_t>(width));
     const Reply<xcb_set_modifier_mapping_reply_t> done(xcb_set_modifier_mapping_reply(
         rig.xcb(),
         xcb_set_modifier_mapping(rig.xcb(), static_cast<std::uint8_t>(width), map.data()),
@@ -215,7 +213,7 @@ TEST(X11Pointer, FollowsTheModifierMap) {
     rig.loop.settle();
     input.pressKey(XK_Alt_L);
     EXPECT_EQ(rig.x11().pointer().modifierFlags(), modifierOption);
-    EXPECT_THAT(rig.take(), ElementsAre(Event{EventType::flagsChanged, keyCodeLeftAlt}));
+    EXPECT_THAT(rig.take(), ElementsAre(flagsChanged));
 }
 
 } // namespace

@@ -77,8 +77,8 @@ bool isLocal(int fileDescriptor) {
 
 std::unique_ptr<Connection> Connection::open(FileDescriptorWatcher& watcher, RunLoop& runLoop,
                                              const std::string& display, std::string& problem) {
-    std::unique_ptr<Connection> connection(new Connection(runLoop));
-    if (!connection->connect(display, problem)) {
+    std::unique_ptr<Connection> connection(new Connection(watcher, runLoop, display));
+    if (!connection->connect(problem)) {
         return nullptr;
     }
     connection->readable_ =
@@ -87,13 +87,13 @@ std::unique_ptr<Connection> Connection::open(FileDescriptorWatcher& watcher, Run
     return connection;
 }
 
-bool Connection::connect(const std::string& display, std::string& problem) {
-    connection_.reset(xcb_connect(display.c_str(), &screenNumber_));
+bool Connection::connect(std::string& problem) {
+    connection_.reset(xcb_connect(display_.c_str(), &screenNumber_));
     if (xcb_connection_has_error(get()) == 0) {
         screen_ = screenOf(xcb_get_setup(get()), screenNumber_);
     }
     if (!screen_) {
-        problem = "The display " + display +
+        problem = "The display " + display_ +
                   " cannot be reached: check that DISPLAY names a running X server that this "
                   "user may use.";
         return false;
@@ -101,7 +101,7 @@ bool Connection::connect(const std::string& display, std::string& problem) {
     internAtoms();
     const std::string missing = queryExtensions();
     if (!missing.empty()) {
-        problem = "The X server of the display " + display + " lacks " + missing +
+        problem = "The X server of the display " + display_ + " lacks " + missing +
                   ": use a server that has it switched on.";
         return false;
     }

@@ -16,6 +16,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace lumetry::x11 {
@@ -55,6 +56,9 @@ public:
 
     [[nodiscard]] xcb_connection_t* get() const { return connection_.get(); }
     [[nodiscard]] RunLoop& runLoop() const { return runLoop_; }
+    [[nodiscard]] FileDescriptorWatcher& watcher() const { return watcher_; }
+    /// As in $DISPLAY.
+    [[nodiscard]] const std::string& display() const { return display_; }
     [[nodiscard]] int screenNumber() const { return screenNumber_; }
     [[nodiscard]] const xcb_screen_t& screen() const { return *screen_; }
     [[nodiscard]] xcb_window_t root() const { return screen_->root; }
@@ -112,8 +116,9 @@ private:
         std::uint32_t eventMask;
     };
 
-    explicit Connection(RunLoop& runLoop) : runLoop_(runLoop) {}
-    [[nodiscard]] bool connect(const std::string& display, std::string& problem);
+    Connection(FileDescriptorWatcher& watcher, RunLoop& runLoop, std::string display)
+        : watcher_(watcher), runLoop_(runLoop), display_(std::move(display)) {}
+    [[nodiscard]] bool connect(std::string& problem);
     /// @return what the program cannot do without and the server does not have; else empty
     [[nodiscard]] std::string queryExtensions();
     [[nodiscard]] std::string queryNeededExtensions();
@@ -130,7 +135,9 @@ private:
     void applyRootWishes();
     void lose();
 
+    FileDescriptorWatcher& watcher_;
     RunLoop& runLoop_;
+    std::string display_;
     std::unique_ptr<xcb_connection_t, Disconnect> connection_;
     int screenNumber_ = 0;
     const xcb_screen_t* screen_ = nullptr;

@@ -5,33 +5,55 @@
 #define explicit explicit_
 #include <xcb/xkb.h>
 #undef explicit
+#include <xkbcommon/xkbcommon-x11.h>
 
 #include <algorithm>
 
 namespace lumetry::x11 {
 
-Keyboard::Keyboard(Connection& connection)
-    : connection_(connection),
-      events_(connection.onEvent([this](const auto& event) { handle(event); })) {}
+Keyboard::Keyboard(Connection& connection) : connection_(connection) {}
 
-void Keyboard::watch() {
+const KeyRoles& Keyboard::roles() {
+    if (!opened_) {
+        opened_ = true;
+        open();
+    }
+    if (context_ && std::exchange(keymapIsOld_, false)) {
+        readKeymap();
+    }
+    if (keymap_ && std::exchange(rolesAreOld_, false)) {
+        roles_ = readKeyRoles(*keymap_, group_);
+    }
+    return roles_;
+}
+
+void Keyboard::open() {
+    if (xkb_x11_setup_xkb_extension(connection_.get(), XKB_X11_MIN_MAJOR_XKB_VERSION,
+                                    XKB_X11_MIN_MINOR_XKB_VERSION,
+                                    XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr,
+                                    &extensionEvent_, nullptr) == 0) {
+        return;
+    }
+    // Nothing is compiled from files, which is all that these leave out.
+    context_.reset(xkb_context_new(static_cast<xkb_context_flags>(
+        XKB_CONTEXT_NO_DEFAULT_INCLUDES | XKB_CONTEXT_NO_ENVIRONMENT_NAMES)));
+    selectEvents();
+}
+
+void Keyboard::selectEvents() {
     auto* const c = connection_.get();
-    const auto* const extension = xcb_get_extension_data(c, &xcb_xkb_id);
-    if (extensionEvent_ != 0 || extension == nullptr || extension->present == 0) {
-        return;
-    }
-    const auto used =
-        connection_.reply(xcb_xkb_use_extension_reply,
-                          xcb_xkb_use_extension(c, XCB_XKB_MAJOR_VERSION, XCB_XKB_MINOR_VERSION));
-    if (!used || used->supported == 0) {
-        return;
-    }
-    extensionEvent_ = extension->first_event;
-    // Who uses the extension is told of other keys by it alone.
+    events_ = connection_.onEvent([this](const auto& event) { handle(event); });
+    // Changes come in swarms.
+    batches_ = connection_.onEventsHandled([this] {
+        if (std::exchange(changeUntold_, false)) {
+            handlers_.call();
+        }
+    });
     constexpr std::uint16_t whole =
         XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY;
-    constexpr std::uint16_t maps =
-        XCB_XKB_MAP_PART_KEY_TYPES | XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART_MODIFIER_MAP;
+    constexpr std::uint16_t maps = XCB_XKB_MAP_PART_KEY_TYPES | XCB_XKB_MAP_PART_KEY_SYMS |
+                                   XCB_XKB_MAP_PART_MODIFIER_MAP | XCB_XKB_MAP_PART_KEY_ACTIONS |
+                                   XCB_XKB_MAP_PART_VIRTUAL_MODS | XCB_XKB_MAP_PART_VIRTUAL_MOD_MAP;
     xcb_xkb_select_events_details_t details{};
     details.affectState = details.stateDetails = XCB_XKB_STATE_PART_GROUP_STATE;
     xcb_xkb_select_events_aux(c, XCB_XKB_ID_USE_CORE_KBD, whole | XCB_XKB_EVENT_TYPE_STATE_NOTIFY,
@@ -39,148 +61,72 @@ void Keyboard::watch() {
     const auto flags = xcb_xkb_per_client_flags(
         c, XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT,
         XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT, 0, 0, 0);
-    const auto stateRequest = xcb_xkb_get_state(c, XCB_XKB_ID_USE_CORE_KBD);
     static_cast<void>(connection_.reply(xcb_xkb_per_client_flags_reply, flags));
-    const auto state = connection_.reply(xcb_xkb_get_state_reply, stateRequest);
-    group_ = state ? state->group : 0;
-    dirty_ = true;
 }
 
 void Keyboard::handle(const xcb_generic_event_t& event) {
-    if (typeOf(event) == XCB_MAPPING_NOTIFY) {
-        changed(true);
-    } else if (extensionEvent_ != 0 && typeOf(event) == extensionEvent_) {
-        const auto& state = eventAs<xcb_xkb_state_notify_event_t>(event);
-        if (state.xkbType != XCB_XKB_STATE_NOTIFY) {
-            changed(true);
-        } else if (state.group != group_) {
-            group_ = state.group;
-            changed(false);
-        }
-    }
-}
-
-void Keyboard::changed(bool symbols) {
-    dirty_ = dirty_ || symbols;
-    handlers_.call();
-}
-
-void Keyboard::refresh() {
-    if (dirty_) {
-        dirty_ = false;
-        readSymbols();
-        readModifiers();
-    }
-}
-
-void Keyboard::readSymbols() {
-    const auto* const setup = xcb_get_setup(connection_.get());
-    firstKey_ = setup->min_keycode;
-    const auto count = static_cast<std::uint8_t>(setup->max_keycode - setup->min_keycode + 1);
-    const auto mapping =
-        connection_.reply(xcb_get_keyboard_mapping_reply,
-                          xcb_get_keyboard_mapping(connection_.get(), setup->min_keycode, count));
-    symbols_.clear();
-    symbolsPerKey_ = 0;
-    if (mapping) {
-        const auto* const first = xcb_get_keyboard_mapping_keysyms(mapping.get());
-        symbolsPerKey_ = mapping->keysyms_per_keycode;
-        symbols_.assign(first, first + xcb_get_keyboard_mapping_keysyms_length(mapping.get()));
-    }
-}
-
-void Keyboard::readModifiers() {
-    modifiers_ = {modifierShift, 0, modifierControl};
-    lockBits_ = XCB_MOD_MASK_LOCK;
-    const auto mapping = connection_.reply(xcb_get_modifier_mapping_reply,
-                                           xcb_get_modifier_mapping(connection_.get()));
-    if (!mapping) {
+    if (typeOf(event) != extensionEvent_) {
         return;
     }
-    const auto* const keys = xcb_get_modifier_mapping_keycodes(mapping.get());
-    const std::size_t keysPerModifier = mapping->keycodes_per_modifier;
-    // The first three bits are Shift, Lock and Control by definition.
-    for (std::size_t bit = 3; bit < modifierCount; ++bit) {
-        for (std::size_t i = 0; i < keysPerModifier; ++i) {
-            for (const Keysym symbol : symbolsOf(keys[bit * keysPerModifier + i])) {
-                modifiers_[bit] |= modifierOf(symbol);
-                if (isLockKey(symbol)) {
-                    lockBits_ = static_cast<std::uint16_t>(lockBits_ | (1U << bit));
-                }
-            }
-        }
+    const auto& state = eventAs<xcb_xkb_state_notify_event_t>(event);
+    if (state.xkbType != XCB_XKB_STATE_NOTIFY) {
+        keymapIsOld_ = true;
+    } else if (std::exchange(group_, state.group) == state.group) {
+        return;
     }
+    rolesAreOld_ = changeUntold_ = true;
 }
 
-std::vector<Keysym> Keyboard::symbolsOf(std::uint32_t key) const {
-    const std::size_t first = (key - firstKey_) * symbolsPerKey_;
-    if (key < firstKey_ || first + symbolsPerKey_ > symbols_.size()) {
-        return {};
+void Keyboard::readKeymap() {
+    auto* const c = connection_.get();
+    const auto device = xkb_x11_get_core_keyboard_device_id(c);
+    Owned<xkb_keymap> keymap(device < 0
+                                 ? nullptr
+                                 : xkb_x11_keymap_new_from_device(context_.get(), c, device,
+                                                                  XKB_KEYMAP_COMPILE_NO_FLAGS));
+    const Owned<xkb_state> state(keymap ? xkb_x11_state_new_from_device(keymap.get(), c, device)
+                                        : nullptr);
+    if (state) {
+        group_ = xkb_state_serialize_layout(state.get(), XKB_STATE_LAYOUT_EFFECTIVE);
+        keymap_ = std::move(keymap);
     }
-    const auto begin = symbols_.begin() + static_cast<std::ptrdiff_t>(first);
-    return {begin, begin + static_cast<std::ptrdiff_t>(symbolsPerKey_)};
+    // The library has waited for the server: events may have come meanwhile.
+    connection_.flush();
 }
 
 ModifierFlags Keyboard::flags(std::uint16_t state) {
-    refresh();
+    const auto& meanings = roles().flags;
     ModifierFlags flags = 0;
-    for (std::size_t bit = 0; bit < modifierCount; ++bit) {
-        if ((state & (1U << bit)) != 0) {
-            flags |= modifiers_[bit];
-        }
+    for (std::size_t bit = 0; bit < meanings.size(); ++bit) {
+        flags |= (state & (1U << bit)) != 0 ? meanings.at(bit) : 0;
     }
     return flags;
 }
 
 bool Keyboard::isModifier(std::uint32_t key) {
-    refresh();
-    const auto symbols = symbolsOf(key);
-    return !symbols.empty() && isModifierKey(symbols.front());
+    const auto& keys = roles().modifierKeys;
+    return key < keys.size() && keys[key];
 }
 
 std::uint16_t Keyboard::keyCode(std::uint32_t key) {
-    refresh();
-    // On a layout of another script the Latin letter stands in one of the later columns.
-    for (const Keysym symbol : symbolsOf(key)) {
-        if (const auto code = keyCodeOf(symbol)) {
-            return *code;
+    for (const std::uint16_t code : {keyCodeEscape, keyCodeM}) {
+        const auto keys = keysOf(code);
+        if (std::ranges::find(keys, key) != keys.end()) {
+            return code;
         }
     }
     return keyCodeUnknown;
 }
 
-std::vector<std::uint8_t> Keyboard::keysOf(std::uint16_t keyCode, std::uint8_t group) {
-    refresh();
-    std::vector<std::uint8_t> inGroup;
-    std::vector<std::uint8_t> inAny;
-    const std::size_t keyCount = symbolsPerKey_ == 0 ? 0 : symbols_.size() / symbolsPerKey_;
-    for (std::size_t i = 0; i < keyCount; ++i) {
-        const auto key = static_cast<std::uint8_t>(firstKey_ + i);
-        const auto symbols = symbolsOf(key);
-        for (std::size_t column = 0; column < symbols.size(); ++column) {
-            if (keyCodeOf(symbols[column]) != keyCode) {
-                continue;
-            }
-            // The first four columns are two of the first group and two of the second.
-            auto& found = column / 2 == group ? inGroup : inAny;
-            if (found.empty() || found.back() != key) {
-                found.push_back(key);
-            }
-        }
+std::vector<xcb_keycode_t> Keyboard::keysOf(std::uint16_t keyCode) {
+    switch (keyCode) {
+    case keyCodeEscape:
+        return roles().escape;
+    case keyCodeM:
+        return roles().m;
+    default:
+        return {};
     }
-    if (!inGroup.empty()) {
-        return inGroup;
-    }
-    if (inAny.empty() && keyCode == keyCodeM) {
-        constexpr std::uint8_t keyOfM = 58; // of evdev, which all X servers on Linux use
-        return {keyOfM};
-    }
-    return inAny;
-}
-
-std::uint16_t Keyboard::lockBits() {
-    refresh();
-    return lockBits_;
 }
 
 } // namespace lumetry::x11

@@ -3,9 +3,10 @@
 #include "platform/input.h"
 #include "platform/linux/x11/connection.h"
 #include "platform/linux/x11/handler_list.h"
-#include "platform/linux/x11/key_codes.h"
+#include "platform/linux/x11/key_roles.h"
 
-#include <array>
+#include <xkbcommon/xkbcommon.h>
+
 #include <cstdint>
 #include <functional>
 #include <utility>
@@ -13,8 +14,8 @@
 
 namespace lumetry::x11 {
 
-/// Knows which symbols the keys carry and which modifier bits stand for what. It reads that with
-/// the first question, and again after it has changed.
+/// Knows what the keys are for in the active group of the layout. It reads that with the first
+/// question, and again after it has changed. From then on a key that is held down is pressed once.
 class Keyboard {
 public:
     explicit Keyboard(Connection& connection);
@@ -22,50 +23,43 @@ public:
     Keyboard& operator=(const Keyboard&) = delete;
     ~Keyboard() = default;
 
-    /// From now on follows what changes beyond the core protocol's reach: the active group, and
-    /// that a key which is held down is pressed once.
-    void watch();
-    /// Calls the handler whenever the symbols, the modifiers or, once it is watched, the active
-    /// group have changed.
+    /// Calls the handler whenever an answer below may have become another one.
     [[nodiscard]] Token onChange(std::function<void()> handler) {
         return handlers_.add(std::move(handler));
     }
-    /// The active group of the layout, from 0.
-    [[nodiscard]] std::uint8_t group() const { return group_; }
 
     /// @param state modifier bits as the pointer and key events carry them
     [[nodiscard]] ModifierFlags flags(std::uint16_t state);
     [[nodiscard]] bool isModifier(std::uint32_t key);
-    /// keyCodeUnknown for a key that the platform has no code for.
+    /// Escape's and M's; keyCodeUnknown for every other key. M is the key that says so without a
+    /// modifier: in the active group, where it has such a key, else in any, else the one in its
+    /// place on a US keyboard.
     [[nodiscard]] std::uint16_t keyCode(std::uint32_t key);
-    /// The keys that the platform gives that code, by the symbols they carry: in the group, where
-    /// it has such a key, else in any, else the one in its place on a US keyboard.
-    /// @param group of the layout, from 0
-    [[nodiscard]] std::vector<std::uint8_t> keysOf(std::uint16_t keyCode, std::uint8_t group);
-    /// The modifier bits that are locks: Caps Lock, Num Lock and Scroll Lock.
-    [[nodiscard]] std::uint16_t lockBits();
+    /// The keys that the platform gives that code.
+    [[nodiscard]] std::vector<xcb_keycode_t> keysOf(std::uint16_t keyCode);
+    /// The modifier bits that are locks.
+    [[nodiscard]] std::uint16_t lockBits() { return roles().lockBits; }
 
 private:
-    static constexpr std::size_t modifierCount = 8;
-
+    [[nodiscard]] const KeyRoles& roles();
+    void open();
+    void selectEvents();
     void handle(const xcb_generic_event_t& event);
-    void changed(bool symbols);
-    void refresh();
-    void readSymbols();
-    void readModifiers();
-    [[nodiscard]] std::vector<Keysym> symbolsOf(std::uint32_t key) const;
+    void readKeymap();
 
     Connection& connection_;
-    Token events_;
     HandlerList<> handlers_;
-    std::uint8_t extensionEvent_ = 0; ///< the one event of XKEYBOARD; 0 while it is not watched
-    std::uint8_t group_ = 0;
-    bool dirty_ = true;
-    std::uint32_t firstKey_ = 0;
-    std::size_t symbolsPerKey_ = 0;
-    std::vector<Keysym> symbols_;
-    std::array<ModifierFlags, modifierCount> modifiers_{};
-    std::uint16_t lockBits_ = 0;
+    bool opened_ = false;
+    std::uint8_t extensionEvent_ = 0; ///< the one event of XKEYBOARD; 0 without the extension
+    Owned<xkb_context> context_;
+    Owned<xkb_keymap> keymap_;
+    xkb_layout_index_t group_ = 0;
+    bool keymapIsOld_ = true;
+    bool rolesAreOld_ = true;
+    bool changeUntold_ = false;
+    KeyRoles roles_;
+    Token events_;
+    Token batches_;
 };
 
 } // namespace lumetry::x11

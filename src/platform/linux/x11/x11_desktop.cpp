@@ -46,6 +46,10 @@ struct X11Desktop::Parts {
           pointer(*connection, windows, keyboard), eventMonitors(*connection, windows, keyboard),
           captureRedirection(*connection) {}
 
+    x11::X11HotKeys& usedHotKeys() {
+        return hotKeys ? *hotKeys : hotKeys.emplace(*connection, keyboard);
+    }
+
     /// From the first use on.
     x11::CompositingManager& watchedCompositingManager() {
         return compositingManager ? *compositingManager : compositingManager.emplace(*connection);
@@ -107,10 +111,11 @@ EventMonitors& X11Desktop::eventMonitors() {
 }
 
 HotKeys& X11Desktop::hotKeys() {
-    if (!parts_->hotKeys) {
-        parts_->hotKeys.emplace(*parts_->connection, parts_->keyboard);
-    }
-    return *parts_->hotKeys;
+    return parts_->usedHotKeys();
+}
+
+void X11Desktop::onHotKeyTaken(std::function<void()> handler) {
+    parts_->usedHotKeys().onTaken(std::move(handler));
 }
 
 std::unique_ptr<LockWatch> X11Desktop::watchLock() {
@@ -119,6 +124,10 @@ std::unique_ptr<LockWatch> X11Desktop::watchLock() {
 
 std::uint16_t X11Desktop::keyCode(std::uint32_t key) {
     return parts_->keyboard.keyCode(key);
+}
+
+bool X11Desktop::isModifier(std::uint32_t key) {
+    return parts_->keyboard.isModifier(key);
 }
 
 bool X11Desktop::hasSystemTray() {

@@ -40,15 +40,20 @@ public:
     [[nodiscard]] EventMonitors& eventMonitors();
     [[nodiscard]] ScreenCapture& screenCapture();
     [[nodiscard]] HotKeys& hotKeys();
+    /// Calls the handler when a hot key that was registered turns out to be another program's,
+    /// once.
+    void onHotKeyTaken(std::function<void()> handler);
     /// @param rasterizer draws the windows' contents, and outlives them; that of the first call
     /// counts
     [[nodiscard]] OverlayWindows& overlayWindows(const Rasterizer& rasterizer);
 
     /// Watches for a locker's window, and the server's screen saver.
     [[nodiscard]] std::unique_ptr<LockWatch> watchLock();
-    /// The platform's code of a key.
+    /// The platform's code of a key: that of Escape or M, else keyCodeUnknown.
     /// @param key the server's code
     [[nodiscard]] std::uint16_t keyCode(std::uint32_t key);
+    /// Whether a key changes the modifiers when it is pressed.
+    [[nodiscard]] bool isModifier(std::uint32_t key);
     /// Whether a tray takes in icons (the XEmbed kind).
     [[nodiscard]] bool hasSystemTray();
     /// The colour that it wants icons to be drawn in; absent where it does not say.

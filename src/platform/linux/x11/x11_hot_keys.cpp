@@ -53,16 +53,14 @@ Token X11HotKeys::registerEventHotKey(std::uint32_t keyCode, std::uint32_t modif
     }
     if (!events_) {
         events_ = connection_.onEvent([this](const auto& event) { handle(event); });
-        keyboard_.watch();
         keyboardChange_ = keyboard_.onChange([this] { grabAnew(); });
     }
     HotKey hotKey{
         ++lastNumber_, static_cast<std::uint16_t>(keyCode), nativeModifiers(modifiers), id, {}};
-    if (!grab(hotKey)) {
-        return {};
-    }
+    grab(hotKey);
     const int number = hotKey.number;
     hotKeys_.push_back(std::move(hotKey));
+    awaitOthers();
     return Token([self = std::weak_ptr(self_), number] {
         const auto keys = self.lock();
         if (!keys) {
@@ -75,10 +73,11 @@ Token X11HotKeys::registerEventHotKey(std::uint32_t keyCode, std::uint32_t modif
         }
         (*keys)->connection_.flush();
         all.erase(found);
+        (*keys)->awaitOthers();
     });
 }
 
-bool X11HotKeys::grab(HotKey& hotKey) {
+void X11HotKeys::grab(HotKey& hotKey) {
     const auto wanted = combinationsOf(hotKey);
     const auto had = std::exchange(hotKey.grabbed, {});
     std::vector<std::pair<Combination, xcb_void_cookie_t>> requests;
@@ -103,12 +102,12 @@ bool X11HotKeys::grab(HotKey& hotKey) {
         }
     }
     connection_.flush();
-    return !hotKey.grabbed.empty();
+    hotKey.isWhole = hotKey.grabbed.size() == wanted.size();
 }
 
 std::vector<X11HotKeys::Combination> X11HotKeys::combinationsOf(const HotKey& hotKey) {
     std::vector<Combination> combinations;
-    for (const xcb_keycode_t key : keyboard_.keysOf(hotKey.keyCode, keyboard_.group())) {
+    for (const xcb_keycode_t key : keyboard_.keysOf(hotKey.keyCode)) {
         for (const std::uint16_t locks : subsetsOf(keyboard_.lockBits())) {
             combinations.push_back({key, static_cast<std::uint16_t>(hotKey.modifiers | locks)});
         }
@@ -126,19 +125,34 @@ void X11HotKeys::grabAnew() {
     for (HotKey& hotKey : hotKeys_) {
         grab(hotKey);
     }
+    awaitOthers();
+}
+
+void X11HotKeys::awaitOthers() {
+    if (std::ranges::all_of(hotKeys_, &HotKey::isWhole)) {
+        freedGrabs_.reset();
+        return;
+    }
+    if (!freedGrabs_) {
+        freedGrabs_.emplace(connection_, [this] { grabAnew(); });
+    }
+    if (const auto tell = std::exchange(onTaken_, nullptr)) {
+        tell();
+    }
 }
 
 void X11HotKeys::handle(const xcb_generic_event_t& event) {
     if (typeOf(event) == XCB_KEY_PRESS) {
         press(eventAs<xcb_key_press_event_t>(event));
-    } else if (typeOf(event) == XCB_KEY_RELEASE) {
+    } else if (typeOf(event) == XCB_KEY_RELEASE &&
+               eventAs<xcb_key_release_event_t>(event).detail == heldKey_) {
         heldKey_.reset();
     }
 }
 
 void X11HotKeys::press(const xcb_key_press_event_t& event) {
     // A key that is held down is pressed again and again.
-    if (std::exchange(heldKey_, event.detail) == event.detail) {
+    if (heldKey_ == event.detail) {
         return;
     }
     const auto modifiers =
@@ -149,6 +163,7 @@ void X11HotKeys::press(const xcb_key_press_event_t& event) {
                    hotKey.grabbed.end();
     });
     if (found != hotKeys_.end()) {
+        heldKey_ = event.detail;
         deliver(found->id);
     }
 }

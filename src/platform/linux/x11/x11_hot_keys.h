@@ -2,11 +2,13 @@
 
 #include "platform/hot_keys.h"
 #include "platform/linux/x11/connection.h"
+#include "platform/linux/x11/freed_grabs.h"
 #include "platform/linux/x11/keyboard.h"
 
 #include <xcb/xcb.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -15,7 +17,8 @@
 namespace lumetry::x11 {
 
 /// Hot keys as passive grabs of the root window. They are taken anew whenever the keyboard's layout
-/// or its active group changes, and in every state of the locks.
+/// or its active group changes, and in every state of the locks. What another client has grabbed is
+/// taken when that client lets go of it or ends.
 class X11HotKeys final : public HotKeys {
 public:
     X11HotKeys(Connection& connection, Keyboard& keyboard);
@@ -23,6 +26,8 @@ public:
     [[nodiscard]] Token installEventHandler(Handler handler) override;
     [[nodiscard]] Token registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
                                             HotKeyID id) override;
+    /// Calls the handler when a hot key turns out to be another client's, once.
+    void onTaken(std::function<void()> handler) { onTaken_ = std::move(handler); }
 
 private:
     struct Combination {
@@ -37,26 +42,29 @@ private:
         std::uint16_t modifiers = 0; ///< X11's bits
         HotKeyID id;
         std::vector<Combination> grabbed;
+        bool isWhole = false; ///< nothing of it is another client's
     };
 
     void handle(const xcb_generic_event_t& event);
     void press(const xcb_key_press_event_t& event);
     void deliver(HotKeyID id);
     /// Grabs what is to be grabbed and is not, then lets go what is grabbed and need not be.
-    /// Whether the server has given at least one combination.
-    bool grab(HotKey& hotKey);
+    void grab(HotKey& hotKey);
     [[nodiscard]] std::vector<Combination> combinationsOf(const HotKey& hotKey);
     void ungrab(const Combination& combination);
     void grabAnew();
+    void awaitOthers();
 
     Connection& connection_;
     Keyboard& keyboard_;
-    std::optional<xcb_keycode_t> heldKey_;
+    std::optional<xcb_keycode_t> heldKey_; ///< of the hot key that was pressed last
     int lastNumber_ = 0;
     std::vector<std::pair<int, std::shared_ptr<Handler>>> handlers_;
     std::vector<HotKey> hotKeys_;
     Token events_;
     Token keyboardChange_;
+    std::optional<FreedGrabs> freedGrabs_; ///< while something is missing
+    std::function<void()> onTaken_;
     /// Empty once this object is gone: tokens may outlive it.
     std::shared_ptr<X11HotKeys*> self_ = std::make_shared<X11HotKeys*>(this);
 };

@@ -11,6 +11,7 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <iostream>
 #include <utility>
 
 namespace lumetry {
@@ -35,6 +36,10 @@ public:
     [[nodiscard]] int run(ApplicationDelegate& delegate) override {
         instance_->onReopen(
             [&delegate] { delegate.applicationShouldHandleReopen(hasVisibleWindows()); });
+        desktop_->x11().onHotKeyTaken([] {
+            std::cerr << "lumetry: another program has taken Control-Shift-M; until it lets go of "
+                         "it, inspect mode is in the tray's menu\n";
+        });
         delegate.applicationDidFinishLaunching();
         const int status = desktop_->run();
         instance_->onReopen({});

@@ -1,11 +1,11 @@
 #include "platform/linux/x11/handler_list.h"
-#include "platform/linux/x11/key_codes.h"
+#include "platform/linux/x11/key_roles.h"
 
-#include <X11/keysym.h>
 #include <gmock/gmock.h>
 
+#include <bit>
 #include <memory>
-#include <optional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -55,49 +55,64 @@ TEST(HandlerList, MayBeCalledWithinACall) {
     EXPECT_EQ(calls, "aa01");
 }
 
-TEST(KeyCodes, AreThoseOfThePlatform) {
-    struct KeyCase {
-        Keysym symbol;
-        std::optional<std::uint16_t> code;
-    };
-    const std::vector<KeyCase> cases = {
-        {XK_Escape, 53},
-        {XK_m, 46},
-        {XK_M, 46},
-        {XK_a, 0},
-        {XK_Return, 36},
-        {XK_KP_Enter, 76},
-        {XK_space, 49},
-        {XK_Tab, 48},
-        {XK_5, 23},
-        {XK_Left, 123},
-        {XK_Delete, 117},
-        {XK_Cyrillic_em, std::nullopt},
-        {XK_F35, std::nullopt},
-        {0, std::nullopt},
-    };
-    for (const auto& one : cases) {
-        EXPECT_EQ(keyCodeOf(one.symbol), one.code) << one.symbol;
+/// A keyboard layout, and where keys are in a group of it (evdev's codes).
+struct Layout {
+    const char* layouts;
+    const char* variants;
+    xkb_layout_index_t group;
+    std::vector<xcb_keycode_t> m;
+    std::vector<xcb_keycode_t> option;
+    std::string name;
+
+    friend void PrintTo(const Layout& layout, std::ostream* out) { *out << layout.name; }
+};
+
+constexpr xcb_keycode_t escape = 9;
+constexpr xcb_keycode_t capsLock = 66;
+constexpr xcb_keycode_t leftAlt = 64;
+constexpr xcb_keycode_t rightAlt = 108;
+
+class KeyRolesOf : public testing::TestWithParam<Layout> {};
+
+TEST_P(KeyRolesOf, FindTheKeysByTheirOwnSymbols) {
+    const Layout& layout = GetParam();
+    const xkb_rule_names names{"evdev", "pc105", layout.layouts, layout.variants, ""};
+    const Owned<xkb_context> context(xkb_context_new(XKB_CONTEXT_NO_FLAGS));
+    const Owned<xkb_keymap> keymap(
+        xkb_keymap_new_from_names(context.get(), &names, XKB_KEYMAP_COMPILE_NO_FLAGS));
+    ASSERT_TRUE(keymap);
+    const KeyRoles roles = readKeyRoles(*keymap, layout.group);
+    EXPECT_EQ(roles.m, layout.m);
+    EXPECT_EQ(roles.escape, (std::vector{escape}));
+    EXPECT_FALSE(roles.modifierKeys[escape]);
+    // The locks have bits of their own, which make the shortcut none other.
+    EXPECT_TRUE(roles.modifierKeys[capsLock]);
+    EXPECT_EQ(roles.lockBits, XCB_MOD_MASK_LOCK | XCB_MOD_MASK_2);
+    for (const xcb_keycode_t key : layout.option) {
+        EXPECT_TRUE(roles.modifierKeys[key]);
+        const Owned<xkb_state> state(xkb_state_new(keymap.get()));
+        xkb_state_update_mask(state.get(), 0, 0, 0, 0, 0, layout.group);
+        xkb_state_update_key(state.get(), key, XKB_KEY_DOWN);
+        const auto bits = xkb_state_serialize_mods(state.get(), XKB_STATE_MODS_EFFECTIVE) & 0xFF;
+        ASSERT_TRUE(std::has_single_bit(bits));
+        EXPECT_EQ(roles.flags.at(std::countr_zero(bits)), modifierOption) << int{key};
     }
 }
 
-TEST(KeyCodes, KnowTheModifiers) {
-    struct ModifierCase {
-        Keysym symbol;
-        ModifierFlags flag;
-        bool modifierKey;
-    };
-    const std::vector<ModifierCase> cases = {
-        {XK_Alt_L, modifierOption, true},    {XK_Alt_R, modifierOption, true},
-        {XK_Shift_R, modifierShift, true},   {XK_Control_L, modifierControl, true},
-        {XK_Super_R, modifierCommand, true}, {XK_Caps_Lock, 0, true},
-        {XK_ISO_Level3_Shift, 0, false},     {XK_Escape, 0, false},
-    };
-    for (const auto& one : cases) {
-        EXPECT_EQ(modifierOf(one.symbol), one.flag) << one.symbol;
-        EXPECT_EQ(isModifierKey(one.symbol), one.modifierKey) << one.symbol;
-    }
-}
+INSTANTIATE_TEST_SUITE_P(
+    Layouts, KeyRolesOf,
+    testing::Values(Layout{"us", "", 0, {58}, {leftAlt, rightAlt}, "us"},
+                    Layout{"us", "altgr-intl", 0, {58}, {leftAlt, rightAlt}, "altgr"},
+                    Layout{"us", "dvorak", 0, {58}, {leftAlt, rightAlt}, "dvorak"},
+                    Layout{"fr", "bepo", 0, {48}, {leftAlt, rightAlt}, "bepo"},
+                    // ü says Escape on its fourth level. Caps Lock's key chooses third levels.
+                    Layout{"de", "neo", 0, {58}, {leftAlt, capsLock}, "neo"},
+                    // No Latin letter anywhere: where the US have M.
+                    Layout{"ru", "", 0, {58}, {leftAlt, rightAlt}, "ru"},
+                    Layout{"ru,us,fr", "", 0, {58}, {leftAlt}, "ruThenLatin"},
+                    Layout{"us,ru,de,fr", "", 2, {58}, {leftAlt, rightAlt}, "third"},
+                    Layout{"us,ru,de,fr", "", 3, {47}, {leftAlt, rightAlt}, "fourth"}),
+    testing::PrintToStringParamName());
 
 } // namespace
 } // namespace lumetry::x11
