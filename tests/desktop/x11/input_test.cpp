@@ -65,6 +65,8 @@ TEST(X11EventMonitors, TellWhatIsDone) {
         input.movePointer(200 + x, 200);
     }
     EXPECT_LT(rig.take().size(), 10U);
+    rig.closeX11();
+    rig.token.reset(); // tokens may outlive the desktop
 }
 
 TEST(X11EventMonitors, HearOnlyWhatTheyAskForWhileTheyLast) {
@@ -87,22 +89,16 @@ TEST(X11EventMonitors, HearDuringAnotherProgramsGrab) {
     rig.watch();
     const auto window = rig.ownWindow({700, 0, 10, 10});
     rig.map(window);
-    for (const bool keyboard : {false, true}) {
-        if (keyboard) {
-            const auto cookie = xcb_grab_keyboard(rig.xcb(), 0, window, XCB_CURRENT_TIME,
-                                                  XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
-            const Reply<xcb_grab_keyboard_reply_t> grab(
-                xcb_grab_keyboard_reply(rig.xcb(), cookie, nullptr));
-            ASSERT_EQ(grab->status, XCB_GRAB_STATUS_SUCCESS);
-        } else {
-            const auto cookie = xcb_grab_pointer(
-                rig.xcb(), 0, window, XCB_EVENT_MASK_BUTTON_PRESS, XCB_GRAB_MODE_ASYNC,
-                XCB_GRAB_MODE_ASYNC, XCB_WINDOW_NONE, XCB_CURSOR_NONE, XCB_CURRENT_TIME);
-            const Reply<xcb_grab_pointer_reply_t> grab(
-                xcb_grab_pointer_reply(rig.xcb(), cookie, nullptr));
-            ASSERT_EQ(grab->status, XCB_GRAB_STATUS_SUCCESS);
-        }
-    }
+    const auto pointer = xcb_grab_pointer(rig.xcb(), 0, window, XCB_EVENT_MASK_BUTTON_PRESS,
+                                          XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, 0, 0, 0);
+    const auto keyboard =
+        xcb_grab_keyboard(rig.xcb(), 0, window, 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    const Reply<xcb_grab_pointer_reply_t> pointerGrab(
+        xcb_grab_pointer_reply(rig.xcb(), pointer, nullptr));
+    const Reply<xcb_grab_keyboard_reply_t> keyboardGrab(
+        xcb_grab_keyboard_reply(rig.xcb(), keyboard, nullptr));
+    ASSERT_EQ(pointerGrab->status, XCB_GRAB_STATUS_SUCCESS);
+    ASSERT_EQ(keyboardGrab->status, XCB_GRAB_STATUS_SUCCESS);
     rig.take();
     rig.desktop.input().movePointer(50, 60);
     EXPECT_THAT(rig.take(), ElementsAre(moved));
@@ -141,37 +137,6 @@ TEST(X11EventMonitors, DoNotHearWhatIsMeantForThisProgram) {
     EXPECT_THAT(rig.take(), ElementsAre(moved));
 }
 
-TEST(X11EventMonitors, MayBeRemovedWhileTheyAreCalled) {
-    InputRig rig;
-    int calls = 0;
-    Token first;
-    Token second;
-    auto& monitors = rig.x11().eventMonitors();
-    first = monitors.addGlobalMonitorForEvents(everything, [&](const Event&) {
-        ++calls;
-        second.reset();
-        first.reset();
-    });
-    second = monitors.addGlobalMonitorForEvents(everything, [&](const Event&) { ++calls; });
-    rig.awaitServer();
-    rig.desktop.input().typeKey(XK_Escape);
-    rig.desktop.input().typeKey(XK_Escape);
-    rig.loop.settle();
-    EXPECT_EQ(calls, 1);
-    // And others may come instead.
-    rig.watch();
-    rig.desktop.input().typeKey(XK_Escape);
-    EXPECT_EQ(rig.take().size(), 1U);
-}
-
-TEST(X11EventMonitors, TokensMayOutliveTheDesktop) {
-    InputRig rig;
-    rig.watch();
-    rig.closeX11();
-    rig.token.reset();
-    rig.loop.settle();
-}
-
 TEST(X11Pointer, TellsPlaceAndModifiers) {
     InputRig rig;
     auto& input = rig.desktop.input();
@@ -193,8 +158,6 @@ TEST(X11Pointer, TellsPlaceAndModifiers) {
 
 TEST(X11Pointer, FollowsTheModifierMap) {
     InputRig rig;
-    rig.watch();
-    auto& input = rig.desktop.input();
     static_cast<void>(rig.x11().pointer().modifierFlags());
     // Alt goes from Mod1 to Mod4, and what stands there to Mod1.
     const Reply<xcb_get_modifier_mapping_reply_t> old(
@@ -211,9 +174,8 @@ TEST(X11Pointer, FollowsTheModifierMap) {
         nullptr));
     ASSERT_EQ(done->status, XCB_MAPPING_STATUS_SUCCESS);
     rig.loop.settle();
-    input.pressKey(XK_Alt_L);
+    rig.desktop.input().pressKey(XK_Alt_L);
     EXPECT_EQ(rig.x11().pointer().modifierFlags(), modifierOption);
-    EXPECT_THAT(rig.take(), ElementsAre(flagsChanged));
 }
 
 } // namespace

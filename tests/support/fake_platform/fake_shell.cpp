@@ -36,7 +36,7 @@ std::vector<EventStatus> FakeHotKeys::press(HotKeyID id) {
 
 Token FakeHotKeys::registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
                                        HotKeyID id) {
-    return refused ? Token() : registrations.add({keyCode, modifiers, id});
+    return registrations.add({keyCode, modifiers, id});
 }
 
 EventFate FakeLocalEventMonitors::fire(const Event& event) {

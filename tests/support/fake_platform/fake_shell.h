@@ -56,7 +56,6 @@ public:
     [[nodiscard]] Token registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
                                             HotKeyID id) override;
 
-    bool refused = false; ///< another program holds the key
     FakeInstallations<Handler> handlers;
     FakeInstallations<Registration> registrations;
 };

@@ -15,12 +15,7 @@ TEST(HotKey, CallsItsActionFromTheBeginningToTheEnd) {
     FakeHotKeys hotKeys;
     int calls = 0;
     auto key = std::make_unique<HotKey>(hotKeys, 46, 0x1200, 1, [&] { ++calls; });
-    const auto registrations = hotKeys.registrations.all();
-    ASSERT_EQ(registrations.size(), 1U);
-    EXPECT_EQ(registrations[0].keyCode, 46U);
-    EXPECT_EQ(registrations[0].modifiers, 0x1200U);
-    EXPECT_EQ(registrations[0].id, (HotKeyID{signature, 1}));
-
+    EXPECT_EQ(hotKeys.registrations.all().at(0).id, (HotKeyID{signature, 1}));
     EXPECT_EQ(hotKeys.press({signature, 1}), std::vector<EventStatus>{noErr});
     EXPECT_EQ(calls, 1);
     // The signature does not matter, an unknown identifier is swallowed.

@@ -89,15 +89,6 @@ TEST_F(ShellTest, ShortcutAndMenuToggle) {
     EXPECT_FALSE(inspecting());
     shell.statusBar.made[0]->menu[0].action();
     EXPECT_TRUE(inspecting());
-    // A shortcut that another program holds leaves the menu.
-    FakeShell other;
-    other.hotKeys.refused = true;
-    AppDelegate without(other.platform, other.desktop.state,
-                        {fakeOnboardingWindows(onboardingWindows), {}});
-    other.desktop.defaults.setBool(true, onboardedKey);
-    without.applicationDidFinishLaunching();
-    other.statusBar.made[0]->menu[0].action();
-    EXPECT_TRUE(without.overlay().active());
 }
 
 TEST_F(ShellTest, ShortcutLeavesTheOnboardingAloneButEndsThePractice) {

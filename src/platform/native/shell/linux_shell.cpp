@@ -22,12 +22,18 @@ bool hasVisibleWindows() {
     return std::ranges::any_of(windows, [](const QWindow* window) { return window->isVisible(); });
 }
 
+KeyboardReader keyboardReader(X11Desktop& x11) {
+    return {[&x11](std::uint32_t key) { return x11.keyCode(key); },
+            [&x11](std::uint32_t key) { return x11.isModifier(key); },
+            [&x11] { return x11.pointer().modifierFlags(); }};
+}
+
 class LinuxShell final : public NativeShell {
 public:
     LinuxShell(std::unique_ptr<LinuxDesktop> desktop, std::unique_ptr<RunningInstance> instance)
         : desktop_(std::move(desktop)), instance_(std::move(instance)),
           embeddingTray_(desktop_->x11()), statusBar_(embeddingTray_),
-          localEventMonitors_([this](std::uint32_t key) { return desktop_->x11().keyCode(key); }),
+          localEventMonitors_(keyboardReader(desktop_->x11())), // which outlives them
           platform_{desktop_->platform(), desktop_->x11().hotKeys(), localEventMonitors_,
                     application_, statusBar_} {}
 

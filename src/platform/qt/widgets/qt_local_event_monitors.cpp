@@ -4,27 +4,15 @@
 #include <QKeyEvent>
 
 namespace lumetry {
-namespace {
 
-ModifierFlags flagsOf(Qt::KeyboardModifiers modifiers) {
-    ModifierFlags flags = 0;
-    flags |= modifiers.testFlag(Qt::ShiftModifier) ? modifierShift : 0;
-    flags |= modifiers.testFlag(Qt::ControlModifier) ? modifierControl : 0;
-    flags |= modifiers.testFlag(Qt::AltModifier) ? modifierOption : 0;
-    flags |= modifiers.testFlag(Qt::MetaModifier) ? modifierCommand : 0;
-    return flags;
-}
-
-} // namespace
-
-QtLocalEventMonitors::QtLocalEventMonitors(std::function<std::uint16_t(std::uint32_t)> keyCodeOf)
-    : keyCodeOf_(std::move(keyCodeOf)) {
+QtLocalEventMonitors::QtLocalEventMonitors(KeyboardReader keyboard)
+    : keyboard_(std::move(keyboard)) {
     qGuiApp->installEventFilter(this);
 }
 
 Token QtLocalEventMonitors::addLocalMonitorForEvents(EventMask mask, Handler handler) {
     const int number = ++lastNumber_;
-    flags_ = flagsOf(QGuiApplication::queryKeyboardModifiers());
+    flags_ = keyboard_.modifierFlags();
     monitors_.push_back({number, mask, std::make_shared<Handler>(std::move(handler))});
     return Token([self = std::weak_ptr(self_), number] {
         if (const auto monitors = self.lock()) {
@@ -35,28 +23,45 @@ Token QtLocalEventMonitors::addLocalMonitorForEvents(EventMask mask, Handler han
 }
 
 bool QtLocalEventMonitors::eventFilter(QObject* watched, QEvent* event) {
-    const bool key = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;
     // Windows get a key before the widget in them that has the focus does.
-    if (!key || !watched->isWindowType() || monitors_.empty()) {
+    if (!watched->isWindowType() || monitors_.empty()) {
         return false;
     }
-    return deliver(static_cast<const QKeyEvent&>(*event)) == EventFate::swallow;
+    switch (event->type()) {
+    case QEvent::FocusIn:
+        // Modifiers may have come and gone while another program had the keyboard.
+        deliverFlags(keyCodeUnknown);
+        return false;
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+        return deliverKey(static_cast<const QKeyEvent&>(*event)) == EventFate::swallow;
+    default:
+        return false;
+    }
 }
 
-EventFate QtLocalEventMonitors::deliver(const QKeyEvent& key) {
-    Event event;
-    event.keyCode = keyCodeOf_(key.nativeScanCode());
-    // What the key event carries is the state before it.
-    event.modifierFlags = flagsOf(QGuiApplication::queryKeyboardModifiers());
-    // Layouts may have keys do other things besides: what counts is what they change.
-    const bool changed = std::exchange(flags_, event.modifierFlags) != event.modifierFlags;
-    if (changed) {
-        event.type = EventType::flagsChanged;
-    } else if (key.type() == QEvent::KeyPress) {
-        event.type = EventType::keyDown;
-    } else {
+EventFate QtLocalEventMonitors::deliverKey(const QKeyEvent& key) {
+    const std::uint32_t native = key.nativeScanCode();
+    const std::uint16_t keyCode = keyboard_.keyCode(native);
+    if (deliverFlags(keyCode) == EventFate::swallow) {
+        return EventFate::swallow;
+    }
+    if (key.type() != QEvent::KeyPress || keyboard_.isModifier(native)) {
         return EventFate::passOn;
     }
+    return deliver({EventType::keyDown, keyCode, flags_});
+}
+
+EventFate QtLocalEventMonitors::deliverFlags(std::uint16_t keyCode) {
+    // What a key event carries is the state before it.
+    const ModifierFlags flags = keyboard_.modifierFlags();
+    if (std::exchange(flags_, flags) == flags) {
+        return EventFate::passOn;
+    }
+    return deliver({EventType::flagsChanged, keyCode, flags});
+}
+
+EventFate QtLocalEventMonitors::deliver(const Event& event) const {
     const auto monitors = monitors_;
     for (auto monitor = monitors.rbegin(); monitor != monitors.rend(); ++monitor) {
         if ((monitor->mask & eventMask(event.type)) != 0 &&

@@ -14,12 +14,17 @@ class QKeyEvent;
 
 namespace lumetry {
 
+/// What the window system knows of the keyboard.
+struct KeyboardReader {
+    std::function<std::uint16_t(std::uint32_t key)> keyCode; ///< of a key that it has a code for
+    std::function<bool(std::uint32_t key)> isModifier;
+    std::function<ModifierFlags()> modifierFlags; ///< at this moment
+};
+
 /// Keys on their way to the program's own windows. Needs a QGuiApplication.
 class QtLocalEventMonitors final : public QObject, public LocalEventMonitors {
 public:
-    /// @param keyCodeOf the platform's code of a key that the window system has a code of its own
-    /// for
-    explicit QtLocalEventMonitors(std::function<std::uint16_t(std::uint32_t)> keyCodeOf);
+    explicit QtLocalEventMonitors(KeyboardReader keyboard);
 
     [[nodiscard]] Token addLocalMonitorForEvents(EventMask mask, Handler handler) override;
 
@@ -31,12 +36,15 @@ private:
     };
 
     bool eventFilter(QObject* watched, QEvent* event) override;
-    [[nodiscard]] EventFate deliver(const QKeyEvent& key);
+    /// Tells of the modifiers if they are not the ones that were told last.
+    EventFate deliverFlags(std::uint16_t keyCode);
+    [[nodiscard]] EventFate deliverKey(const QKeyEvent& key);
+    [[nodiscard]] EventFate deliver(const Event& event) const;
 
-    std::function<std::uint16_t(std::uint32_t)> keyCodeOf_;
+    KeyboardReader keyboard_;
     int lastNumber_ = 0;
     std::vector<Monitor> monitors_;
-    ModifierFlags flags_ = 0; ///< as of the last event
+    ModifierFlags flags_ = 0; ///< as told last
     /// Empty once this object is gone: tokens may outlive it.
     std::shared_ptr<QtLocalEventMonitors*> self_ = std::make_shared<QtLocalEventMonitors*>(this);
 };

@@ -102,15 +102,12 @@ TEST_P(KeyRolesOf, FindTheKeysByTheirOwnSymbols) {
 INSTANTIATE_TEST_SUITE_P(
     Layouts, KeyRolesOf,
     testing::Values(Layout{"us", "", 0, {58}, {leftAlt, rightAlt}, "us"},
-                    Layout{"us", "altgr-intl", 0, {58}, {leftAlt, rightAlt}, "altgr"},
-                    Layout{"us", "dvorak", 0, {58}, {leftAlt, rightAlt}, "dvorak"},
                     Layout{"fr", "bepo", 0, {48}, {leftAlt, rightAlt}, "bepo"},
                     // ü says Escape on its fourth level. Caps Lock's key chooses third levels.
                     Layout{"de", "neo", 0, {58}, {leftAlt, capsLock}, "neo"},
                     // No Latin letter anywhere: where the US have M.
                     Layout{"ru", "", 0, {58}, {leftAlt, rightAlt}, "ru"},
                     Layout{"ru,us,fr", "", 0, {58}, {leftAlt}, "ruThenLatin"},
-                    Layout{"us,ru,de,fr", "", 2, {58}, {leftAlt, rightAlt}, "third"},
                     Layout{"us,ru,de,fr", "", 3, {47}, {leftAlt, rightAlt}, "fourth"}),
     testing::PrintToStringParamName());
 
