@@ -3,6 +3,7 @@
 #include <utf8proc.h>
 
 #include <array>
+#include <cstdio>
 #include <optional>
 
 namespace lumetry {
@@ -31,6 +32,27 @@ bool isWhiteSpaceOrNewline(utf8proc_int32_t codePoint) {
     const auto category = utf8proc_category(codePoint);
     return category == UTF8PROC_CATEGORY_ZS || category == UTF8PROC_CATEGORY_ZL ||
            category == UTF8PROC_CATEGORY_ZP;
+}
+
+bool isControl(utf8proc_int32_t codePoint) {
+    const auto category = utf8proc_category(codePoint);
+    return category == UTF8PROC_CATEGORY_CC || category == UTF8PROC_CATEGORY_ZL ||
+           category == UTF8PROC_CATEGORY_ZP;
+}
+
+std::string escaped(utf8proc_int32_t codePoint) {
+    switch (codePoint) {
+    case '\n':
+        return "\\n";
+    case '\r':
+        return "\\r";
+    case '\t':
+        return "\\t";
+    default:
+        std::array<char, sizeof "\\uFFFF"> text{};
+        std::snprintf(text.data(), text.size(), "\\u%04X", static_cast<unsigned>(codePoint));
+        return text.data();
+    }
 }
 
 } // namespace
@@ -81,6 +103,19 @@ std::string firstCharacters(std::string_view text, std::size_t count) {
         at += decoded ? decoded->length : 1;
     }
     return std::string(text.substr(0, at));
+}
+
+std::string onOneLine(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    while (!text.empty()) {
+        const auto decoded = decodeFirst(text);
+        const std::size_t length = decoded ? decoded->length : 1;
+        result += decoded && isControl(decoded->codePoint) ? escaped(decoded->codePoint)
+                                                           : std::string(text.substr(0, length));
+        text.remove_prefix(length);
+    }
+    return result;
 }
 
 std::string lowerCase(std::string_view text) {

@@ -16,6 +16,11 @@ namespace lumetry {
 /// The text with every occurrence of the pattern taken out.
 [[nodiscard]] std::string removingOccurrences(std::string_view text, std::string_view pattern);
 
+/// The text with its line breaks and other control characters (Unicode's) escaped, such as "\\n"
+/// and
+/// "\\u001B", so that it stands on one line.
+[[nodiscard]] std::string onOneLine(std::string_view text);
+
 /// The text with every letter in its lower case, as far as that is a single letter. Takes
 /// well-formed UTF-8.
 [[nodiscard]] std::string lowerCase(std::string_view text);

@@ -1,4 +1,5 @@
 #include "base/number_text.h"
+#include "base/text.h"
 #include "platform/accessibility.h"
 #include "platform/input.h"
 #include "platform/run_loop.h"
@@ -90,8 +91,8 @@ void Overlay::log(const HoverOutcome& outcome, const PointerSample& sample) {
     detectLog_.lastKey = std::move(key);
     const auto bounds = window ? std::optional(window->bounds) : std::nullopt;
     detectLog_.append(
-        "app=" + app + " electron=" + (electron ? "true" : "false") + " path=" + path +
-        " header=" + (outcome.header.empty() ? "-" : outcome.header) +
+        "app=" + onOneLine(app) + " electron=" + (electron ? "true" : "false") + " path=" + path +
+        " header=" + (outcome.header.empty() ? "-" : onOneLine(outcome.header)) +
         " box=" + truncatedSize(outcome.box) + " win=" + truncatedSize(bounds) + "\n");
 }
 

@@ -134,12 +134,36 @@ TEST_F(Detection, RefreshesTheLiveColourNowAndThen) {
     EXPECT_EQ(sampleAt(0.06), first + 1);
 }
 
-TEST(DetectLog, IsSilentUnlessAskedFor) {
-    FakeDesktop desktop;
-    DetectLog log(desktop.defaults, desktop.fileSystem);
-    EXPECT_FALSE(log.on());
+TEST_F(Detection, TellsApplicationsAndPathsApart) {
+    FakeElement& other = desktop.accessibility.makeElement(2, "AXButton");
+    other.set("AXTitle", "Save").setFrame({720, 120, 80, 30});
+    desktop.launch(2, "Mail", "com.example.mail");
+    desktop.openWindow(2, {710, 100, 200, 400});
+    desktop.accessibility.application(2).answerWith({&other});
+    hover(onButton);
+    hover({730, 125});
+    EXPECT_EQ(lastLine(), "app=com.example.mail electron=false path=AX-real header=Button · Save "
+                          "box=80x30 win=200x400");
+    desktop.accessibility.application(pid).answerWith({});
+    hover(onPainted);
+    makeElectron();
+    hover({onPainted.x + 1, onPainted.y});
+    EXPECT_NE(lastLine().find("path=coarse→pixel header=≈ element"), std::string::npos);
+}
+
+TEST_F(Detection, KeepsARecordToOneLineAndSizesToWholePoints) {
+    button.set("AXTitle", "A\napp=x\x1B").setFrame({120, 120, 80.9, 30.9});
+    hover(onButton);
+    EXPECT_EQ(lastLine(), "app=com.example.notes electron=false path=AX-real "
+                          R"(header=Button · A\napp=x\u001B box=80x30 win=600x400)");
+}
+
+TEST_F(SessionTest, LogsNothingUnlessAskedFor) {
+    overlay->start();
+    hover(onButton);
     desktop.defaults.values["lumetry.debug"] = true;
-    EXPECT_FALSE(log.on()) << "the setting counts from the next start";
+    hover(onField);
+    EXPECT_TRUE(desktop.fileSystem.appended.empty()) << "the setting counts from the next start";
 }
 
 } // namespace
