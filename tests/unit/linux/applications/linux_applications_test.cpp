@@ -1,6 +1,10 @@
 #include "platform/linux/linux_applications.h"
 
 #include "linux_tree.h"
+#include "platform/linux/browser_identifiers.h"
+#include "platform/linux/own_bundle.h"
+#include "probe/electron.h"
+#include "support/fake_platform/fake_desktop.h"
 
 #include <gtest/gtest.h>
 
@@ -248,28 +252,21 @@ TEST_F(RunningApplications, AreIdentifiedByWhatIsSurest) {
     }
 }
 
-TEST_F(RunningApplications, BrowsersGoByTheirCommonIdentifiers) {
-    struct Case {
-        std::string id;
-        std::string expected;
-    };
-    for (const auto& [id, expected] : {
-             Case{"firefox-esr", "org.mozilla.firefox"},
-             Case{"firefox_firefox", "org.mozilla.firefox"},
-             Case{"google-chrome", "com.google.Chrome"},
-             Case{"google-chrome-unstable", "com.google.Chrome.dev"},
-             Case{"microsoft-edge-beta", "com.microsoft.edgemac.Beta"},
-             Case{"brave-browser-nightly", "com.brave.Browser.nightly"},
-             Case{"com.vivaldi.Vivaldi", "com.vivaldi.Vivaldi"},
-             Case{"opera", "com.operasoftware.Opera"},
-             Case{"chromium", "chromium"},
-             Case{"Firefox", "Firefox"},
-         }) {
-        const std::string unit = "app-" + id + "-1.scope";
-        tree.entry(id, "Name=" + id);
-        tree.process({100, "", {}, {}, unit});
-        LinuxApplications fresh(windows, tree.places());
-        EXPECT_EQ(fresh.runningApplication(100)->bundleIdentifier, expected);
+TEST(PackagedBrowsers, AreTakenForBrowsers) {
+    FakeDesktop desktop;
+    for (const auto& [id, identifier] : packagedBrowsers()) {
+        desktop.launch(9, "Browser", commonIdentifier(id));
+        EXPECT_TRUE(isBrowser(desktop.platform, 9)) << id << " is " << identifier;
+    }
+}
+
+TEST(OwnBundle, IsTheOneThatTheProgramIsTheMainOneOf) {
+    EXPECT_EQ(bundleOf("/home/me/my.app/Contents/MacOS/lumetry"), "/home/me/my.app");
+    for (const char* const program :
+         {"/usr/bin/lumetry", "/home/me/my.app/build/lumetry", "/home/me/my.app/lumetry",
+          "/my.app/Contents/Resources/lumetry", "/my.app/Contents/MacOS/bin/lumetry",
+          "/home/me/Contents/MacOS/lumetry", "/lumetry"}) {
+        EXPECT_EQ(bundleOf(program), "") << program;
     }
 }
 
