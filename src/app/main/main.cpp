@@ -13,8 +13,11 @@
 #include <string>
 #include <utility>
 
-int main(int /*argc*/, char** argv) {
+int main(int given, char** argv) {
     int argc = 1; // no arguments are read, those of libraries included
+    if (given > argc) {
+        std::cerr << "lumetry: arguments are not read; \"man lumetry\" says how it is used\n";
+    }
     lumetry::ProbeState state;
     state.lumetryPID = getpid();
     std::string problem;

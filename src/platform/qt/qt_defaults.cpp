@@ -11,6 +11,15 @@ QString settingName(std::string_view key) {
     return QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size()));
 }
 
+/// Whether the setting's text means yes: one of two words, or a number other than 0.
+bool meansYes(const QString& value) {
+    const QString text = value.trimmed();
+    const double number = text.toDouble();
+    return text.compare(QLatin1String("yes"), Qt::CaseInsensitive) == 0 ||
+           text.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0 || number < 0 ||
+           number > 0;
+}
+
 } // namespace
 
 QtDefaults::QtDefaults()
@@ -20,8 +29,7 @@ QtDefaults::QtDefaults()
 }
 
 bool QtDefaults::boolForKey(std::string_view key) {
-    const QVariant value = settings_.value(settingName(key));
-    return value.canConvert<bool>() && value.toBool();
+    return meansYes(settings_.value(settingName(key)).toString());
 }
 
 void QtDefaults::setBool(bool value, std::string_view key) {
