@@ -136,6 +136,10 @@ bool AppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/) {
     return true;
 }
 
+bool AppDelegate::applicationShouldTerminateAfterLastWindowClosed() {
+    return !platform_.statusBar.isPresent() && !overlay_.active();
+}
+
 void AppDelegate::applicationWillTerminate() {
     releaseElectronEnhancements(platform_.desktop, state_);
 }

@@ -31,6 +31,8 @@ public:
 
     void applicationDidFinishLaunching() override;
     bool applicationShouldHandleReopen(bool hasVisibleWindows) override;
+    /// Once nothing of it is on screen any more.
+    bool applicationShouldTerminateAfterLastWindowClosed() override;
     void applicationWillTerminate() override;
 
     /// Inspect mode on or off; while the onboarding is on screen only its last step ends by it.

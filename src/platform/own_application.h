@@ -22,6 +22,9 @@ public:
     /// The user has opened the program again while it runs.
     /// @return whether the platform should do what it always does
     virtual bool applicationShouldHandleReopen(bool hasVisibleWindows) = 0;
+    /// The last window of the program has been closed.
+    /// @return whether the program should end with it
+    virtual bool applicationShouldTerminateAfterLastWindowClosed() = 0;
     virtual void applicationWillTerminate() = 0;
 };
 
@@ -33,8 +36,8 @@ public:
     OwnApplication& operator=(const OwnApplication&) = delete;
     virtual ~OwnApplication() = default;
 
-    /// The absolute path of its bundle, or of the folder of its executable where programs are not
-    /// bundled.
+    /// The absolute path of the bundle that it is the main program of (NSBundle.main); where it is
+    /// in none, a path that does not end as a bundle's does, or nothing.
     [[nodiscard]] virtual std::string bundlePath() = 0;
     virtual void setActivationPolicy(ActivationPolicy policy) = 0;
     /// Brings the program's windows to the front, whatever application is there.

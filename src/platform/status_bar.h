@@ -42,6 +42,8 @@ public:
     StatusBar& operator=(const StatusBar&) = delete;
     virtual ~StatusBar() = default;
 
+    /// Whether there is a bar now.
+    [[nodiscard]] virtual bool isPresent() = 0;
     /// A new item as wide as its image. Where there is no bar yet it shows up as soon as there is
     /// one.
     [[nodiscard]] virtual std::unique_ptr<StatusItem> makeStatusItem() = 0;

@@ -1,3 +1,4 @@
+#include "support/real_desktop/bus.h"
 #include "support/real_desktop/lumetry_settings.h"
 #include "support/real_desktop/shell_user.h"
 
@@ -7,6 +8,8 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <string>
+#include <vector>
 
 namespace lumetry::desktop {
 namespace {
@@ -16,18 +19,20 @@ class Running : public testing::Test {
 protected:
     Running() { markOnboarded(desktop); }
 
-    ChildProcess startInspecting() {
-        auto lumetry = user.startLumetry();
+    ChildProcess startInspecting(const Environment& variables = {}) {
+        auto lumetry = user.startLumetry(variables);
         user.waitUntilInspecting(true);
         return lumetry;
     }
     /// Starts the program a second time, which ends at once.
-    void openAgain() {
-        auto second = user.startLumetry();
+    /// @param arguments which it does not read
+    /// @return what it has said
+    std::string openAgain(std::vector<std::string> arguments = {}) {
+        arguments.insert(arguments.begin(), LUMETRY_PROGRAM);
+        auto second = desktop.start(arguments);
         const auto status = second.wait();
-        ASSERT_TRUE(status);
-        EXPECT_EQ(status->code, 0);
-        EXPECT_EQ(second.standardError(), "");
+        EXPECT_TRUE(status && status->code == 0);
+        return second.standardError();
     }
 
     PrivateDesktop desktop;
@@ -35,33 +40,69 @@ protected:
 };
 
 TEST_F(Running, OpenedAgainItShowsItsControlPanel) {
-    auto lumetry = startInspecting();
+    // What a terminal that the bus has started leaves to whatever is started in it.
+    auto lumetry = startInspecting({{"DBUS_STARTER_ADDRESS", desktop.sessionBusAddress()}});
     desktop.input().typeKey(XK_Escape);
     user.waitUntilInspecting(false);
-    openAgain();
+    EXPECT_EQ(openAgain(), "");
     user.waitFor("label", "Lumetry is running");
     EXPECT_TRUE(user.sees("label", "It lives in your menu bar. Press ⌃⇧M anywhere to measure."));
     ASSERT_TRUE(waitUntil([&] { return user.isInFront("Lumetry"); }));
     desktop.input().typeKey(XK_Return);
     user.waitUntilInspecting(true);
     user.waitUntilClosed("Lumetry");
-    openAgain();
+    EXPECT_NE(openAgain({"--help"}).find("man lumetry"), std::string::npos);
     user.clickButton("Quit Lumetry");
     const auto status = lumetry.wait();
     ASSERT_TRUE(status);
     EXPECT_EQ(status->code, 0);
 }
 
-TEST_F(Running, KeepsRunningWhenTheBusGoesAway) {
+TEST_F(Running, StartedByTheBusItOnlyInspects) {
+    std::filesystem::create_directory(desktop.folder() / "services");
+    // Not every bus says in the environment that it has started a program.
+    std::ofstream(desktop.folder() / "services/lumetry.service")
+        << "[D-BUS Service]\nName=app.lumetry.Lumetry\nExec=/usr/bin/env -u DBUS_STARTER_ADDRESS "
+           "QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 DISPLAY="
+        << desktop.display() << " " LUMETRY_PROGRAM "\n";
+    const auto bus = connectToBus(desktop.sessionBusAddress());
+    const BusObject busItself{"org.freedesktop.DBus", "/org/freedesktop/DBus"};
+    ASSERT_TRUE(call(*bus, busItself, busItself.name.c_str(), "ReloadConfig"));
+    const auto activate = [&] {
+        return call(*bus, {"app.lumetry.Lumetry", "/app/lumetry/Lumetry"},
+                    "org.freedesktop.Application", "Activate", g_variant_new("(a{sv})", nullptr));
+    };
+    ASSERT_TRUE(activate());
+    user.waitUntilInspecting(true);
+    EXPECT_FALSE(user.window("Lumetry"));
+    ASSERT_TRUE(activate());
+    user.waitForWindow("Lumetry");
+}
+
+TEST_F(Running, SaysHowToEndOneThatDoesNotAnswer) {
+    auto lumetry = startInspecting();
+    lumetry.stop();
+    auto second = user.startLumetry();
+    const auto status = second.wait();
+    EXPECT_TRUE(status && status->code == 1);
+    EXPECT_NE(second.standardError().find("\"kill -KILL " + std::to_string(lumetry.pid()) + '"'),
+              std::string::npos)
+        << second.standardError();
+}
+
+TEST_F(Running, KeepsRunningWhenTheBusGoesAwayUntilItsLastWindowIsClosed) {
     auto lumetry = startInspecting();
     desktop.stopSessionBus();
     desktop.input().typeKey(XK_Escape);
     user.waitUntilInspecting(false);
     user.pressShortcut();
     user.waitForWindow(onboardingTitle); // nothing can be read any more
-    user.close(onboardingTitle);
-    user.waitUntilClosed(onboardingTitle);
     EXPECT_TRUE(lumetry.running());
+    // With no tray there is nothing left to quit it by.
+    user.close(onboardingTitle);
+    const auto status = lumetry.wait();
+    EXPECT_TRUE(status && status->code == 0);
+    EXPECT_NE(lumetry.standardError().find("no tray"), std::string::npos);
 }
 
 TEST_F(Running, SaysOnceThatSettingsCannotBeKept) {

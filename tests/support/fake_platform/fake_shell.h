@@ -115,8 +115,10 @@ public:
         std::vector<MenuItem> menu;
     };
 
+    [[nodiscard]] bool isPresent() override { return present; }
     [[nodiscard]] std::unique_ptr<StatusItem> makeStatusItem() override;
 
+    bool present = true;
     std::vector<std::shared_ptr<Record>> made;
 };
 

@@ -17,7 +17,6 @@ namespace lumetry::desktop {
 /// Some of AT-SPI's states, by their numbers.
 enum class AccessibleState : std::uint8_t {
     checked = 4,
-    focused = 12,
     sensitive = 24, ///< not greyed out
     showing = 25,   ///< it and all that it stands in
 };

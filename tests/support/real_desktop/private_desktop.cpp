@@ -19,8 +19,8 @@ constexpr const char* accessibilityLauncher = "/usr/libexec/at-spi-bus-launcher"
 const BusObject busItself = {"org.freedesktop.DBus", "/org/freedesktop/DBus"};
 const BusObject accessibilityStatus = {"org.a11y.Bus", "/org/a11y/bus"};
 
-/// A bus without any service to start on demand, so that a desktop holds what it was asked to hold
-/// and nothing that happens to be installed.
+/// A bus that starts on demand only what a test puts into the folder "services", so that a desktop
+/// holds what it was asked to hold and nothing that happens to be installed.
 std::string sessionBusConfiguration(const std::filesystem::path& folder) {
     return R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
@@ -28,6 +28,8 @@ std::string sessionBusConfiguration(const std::filesystem::path& folder) {
   <type>session</type>
   <listen>unix:path=)" +
            (folder / "bus").string() + R"(</listen>
+  <servicedir>)" +
+           (folder / "services").string() + R"(</servicedir>
   <auth>EXTERNAL</auth>
   <policy context="default">
     <allow send_destination="*" eavesdrop="true"/>

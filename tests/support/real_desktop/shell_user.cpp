@@ -40,8 +40,9 @@ ShellUser::ShellUser(PrivateDesktop& desktop, std::string program)
     : desktop_(desktop), program_(std::move(program)), tree_(desktop.accessibilityBusAddress()),
       overlay_(desktop.server()) {}
 
-ChildProcess ShellUser::startLumetry() {
-    return desktop_.start({program_}, {{"QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1"}});
+ChildProcess ShellUser::startLumetry(Environment variables) {
+    variables["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1";
+    return desktop_.start({program_}, variables);
 }
 
 std::optional<DesktopWindow> ShellUser::window(const std::string& title) const {

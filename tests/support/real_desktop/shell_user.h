@@ -23,7 +23,7 @@ public:
 
     /// Lumetry shows what is in its windows to assistive technology even while the desktop has
     /// accessibility switched off, so that it can be read.
-    [[nodiscard]] ChildProcess startLumetry();
+    [[nodiscard]] ChildProcess startLumetry(Environment variables = {});
 
     [[nodiscard]] std::optional<DesktopWindow> window(const std::string& title) const;
     void waitForWindow(const std::string& title) const;

@@ -1,7 +1,5 @@
 #include "shell_test.h"
 
-#include <cmath>
-
 namespace lumetry {
 namespace {
 
@@ -39,20 +37,10 @@ TEST_F(ShellTest, InstallsItsItemAndShortcutWhateverIsGranted) {
     ASSERT_EQ(shell.statusBar.made.size(), 1U);
     const auto& item = *shell.statusBar.made[0];
     EXPECT_EQ(item.toolTip, "Lumetry — ⌃⇧M to toggle");
-    std::string menu;
-    for (const MenuItem& row : item.menu) {
-        menu += row.separator ? "-" : (row.enabled ? "[" : "(") + row.title + row.keyEquivalent;
-        menu += '\n';
-    }
-    EXPECT_EQ(menu, "[Toggle Inspect  ⌃⇧M\n"
-                    "-\n"
-                    "(How to use\n"
-                    "(      ⌃⇧M  —  turn inspect on / off\n"
-                    "(      Hover  —  size · font · padding · color\n"
-                    "(      Hold ⌥  —  measure the gap between two elements\n"
-                    "(      Esc  —  exit inspect mode\n"
-                    "-\n"
-                    "[Quit Lumetryq\n");
+    ASSERT_EQ(item.menu.size(), 9U);
+    EXPECT_EQ(item.menu[6].title, "      Esc  —  exit inspect mode");
+    EXPECT_FALSE(item.menu[6].enabled);
+    EXPECT_EQ(item.menu.back().keyEquivalent, "q");
     item.menu.back().action();
     EXPECT_EQ(shell.application.terminations, 1);
 
@@ -68,17 +56,7 @@ TEST_F(ShellTest, DrawsItsMarkAtAnySize) {
     EXPECT_EQ(image.size, (Size{18, 18}));
     const StrokedPath drawn = image.drawingHandler({10, 20, 48, 48});
     EXPECT_DOUBLE_EQ(drawn.lineWidth, 3.8);
-    ASSERT_EQ(drawn.lines.size(), 7U);
-    EXPECT_EQ(drawn.lines[0], (std::vector<Point>{{19, 37}, {19, 29}, {27, 29}}));
-    EXPECT_EQ(drawn.lines[4], (std::vector<Point>{{28, 44}, {40, 44}}));
-    // It is the same from all four sides but for the marker.
-    for (std::size_t corner = 0; corner < 4; ++corner) {
-        for (const Point& point : drawn.lines[corner]) {
-            EXPECT_GE(std::abs(point.x - 34), 7);
-            EXPECT_LE(std::abs(point.x - 34), 15);
-            EXPECT_LE(std::abs(point.y - 44), 15);
-        }
-    }
+    EXPECT_EQ(drawn.lines.at(4), (std::vector<Point>{{28, 44}, {40, 44}}));
 }
 
 TEST_F(ShellTest, ShortcutAndMenuToggle) {
@@ -162,6 +140,22 @@ TEST_F(ShellTest, ReopenWhileInspectingWithoutTheFlagDoesNothing) {
     EXPECT_TRUE(panels.empty());
     EXPECT_TRUE(onboardingWindows.empty());
     EXPECT_TRUE(inspecting());
+}
+
+TEST_F(ShellTest, EndsWithItsLastWindowWhereNothingElseShowsIt) {
+    allow(true, true);
+    setOnboarded();
+    launch();
+    for (const bool tray : {true, false}) {
+        for (const bool inspects : {true, false}) {
+            shell.statusBar.present = tray;
+            if (inspecting() != inspects) {
+                pressShortcut();
+            }
+            EXPECT_EQ(delegate->applicationShouldTerminateAfterLastWindowClosed(),
+                      !tray && !inspects);
+        }
+    }
 }
 
 TEST_F(ShellTest, TerminationTakesTheEnhancementsBack) {

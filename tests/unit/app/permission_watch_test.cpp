@@ -35,6 +35,15 @@ TEST_F(PermissionWatch, RelaunchesOnAGrantWithNoWindowOnScreen) {
     EXPECT_EQ(relaunches(), 1U);
 }
 
+TEST_F(PermissionWatch, TrustedFromTheStartItStays) {
+    allow(true, true);
+    setOnboarded();
+    launch();
+    advance(10);
+    EXPECT_EQ(relaunches(), 0U) << "each new instance would be relaunched as well";
+    EXPECT_TRUE(inspecting());
+}
+
 TEST_F(PermissionWatch, LeavesTheGrantToAWindowOnScreen) {
     launch();
     allow(true, true);

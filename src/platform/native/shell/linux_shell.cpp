@@ -2,24 +2,26 @@
 
 #include "platform/native/linux_desktop.h"
 #include "platform/native/shell/x11_embedding_tray.h"
+#include "platform/qt/widgets/own_windows.h"
 #include "platform/qt/widgets/qt_local_event_monitors.h"
 #include "platform/qt/widgets/qt_own_application.h"
 #include "platform/qt/widgets/qt_status_bar.h"
 #include "platform/qt/widgets/running_instance.h"
 
 #include <QApplication>
-#include <QWindow>
 
-#include <algorithm>
 #include <iostream>
 #include <utility>
 
 namespace lumetry {
 namespace {
 
-bool hasVisibleWindows() {
-    const auto windows = QGuiApplication::topLevelWindows();
-    return std::ranges::any_of(windows, [](const QWindow* window) { return window->isVisible(); });
+/// A process that does not answer does not end in order either.
+std::string unansweredProblem(pid_t process) {
+    const std::string command =
+        process > 0 ? "kill -KILL " + std::to_string(process) : "pkill -KILL -x lumetry";
+    return "Lumetry runs already and does not answer: end it with \"" + command +
+           "\", and start it again.";
 }
 
 KeyboardReader keyboardReader(X11Desktop& x11) {
@@ -30,12 +32,15 @@ KeyboardReader keyboardReader(X11Desktop& x11) {
 
 class LinuxShell final : public NativeShell {
 public:
-    LinuxShell(std::unique_ptr<LinuxDesktop> desktop, std::unique_ptr<RunningInstance> instance)
+    LinuxShell(std::unique_ptr<LinuxDesktop> desktop, std::unique_ptr<RunningInstance> instance,
+               QProcessEnvironment environment)
         : desktop_(std::move(desktop)), instance_(std::move(instance)),
           embeddingTray_(desktop_->x11()), statusBar_(embeddingTray_),
           localEventMonitors_(keyboardReader(desktop_->x11())), // which outlives them
-          platform_{desktop_->platform(), desktop_->x11().hotKeys(), localEventMonitors_,
-                    application_, statusBar_} {}
+          application_(std::move(environment)), platform_{desktop_->platform(),
+                                                          desktop_->x11().hotKeys(),
+                                                          localEventMonitors_, application_,
+                                                          statusBar_} {}
 
     [[nodiscard]] const ShellPlatform& platform() const override { return platform_; }
 
@@ -45,6 +50,13 @@ public:
         desktop_->x11().onHotKeyTaken([] {
             std::cerr << "lumetry: another program has taken Control-Shift-M; until it lets go of "
                          "it, inspect mode is in the tray's menu\n";
+        });
+        const LastWindowWatch lastWindow([this, &delegate] {
+            if (delegate.applicationShouldTerminateAfterLastWindowClosed()) {
+                std::cerr << "lumetry: there is no tray to stay in, so that it ends with its last "
+                             "window\n";
+                application_.terminate();
+            }
         });
         delegate.applicationDidFinishLaunching();
         const int status = desktop_->run();
@@ -66,6 +78,7 @@ private:
 } // namespace
 
 std::unique_ptr<NativeShell> NativeShell::open(int& argc, char** argv, std::string& problem) {
+    auto environment = environmentForOthers();
     auto desktop =
         LinuxDesktop::open([&] { return std::make_unique<QApplication>(argc, argv); }, problem);
     if (!desktop) {
@@ -77,13 +90,13 @@ std::unique_ptr<NativeShell> NativeShell::open(int& argc, char** argv, std::stri
     case RunningInstance::Role::later:
         return nullptr;
     case RunningInstance::Role::unanswered:
-        problem = "Lumetry runs already and does not answer: end it, for example with \"pkill "
-                  "-x lumetry\", and start it again.";
+        problem = unansweredProblem(instance->owner());
         return nullptr;
     case RunningInstance::Role::first:
         break;
     }
-    return std::make_unique<LinuxShell>(std::move(desktop), std::move(instance));
+    return std::make_unique<LinuxShell>(std::move(desktop), std::move(instance),
+                                        std::move(environment));
 }
 
 } // namespace lumetry

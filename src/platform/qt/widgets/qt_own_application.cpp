@@ -1,9 +1,10 @@
 #include "platform/qt/widgets/qt_own_application.h"
 
+#include "platform/linux/own_bundle.h"
 #include "platform/linux/settings_panes.h"
+#include "platform/qt/widgets/own_windows.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QGuiApplication>
 #include <QPointer>
 #include <QProcess>
@@ -18,19 +19,6 @@
 
 namespace lumetry {
 namespace {
-
-/// The window that stands for the program: the one with the keyboard, else the latest that is open.
-QWindow* frontWindow() {
-    QWindow* front = nullptr;
-    for (QWindow* const window : QGuiApplication::topLevelWindows()) {
-        const bool standsAlone = window->type() == Qt::Window || window->type() == Qt::Dialog ||
-                                 window->type() == Qt::Tool;
-        if (window->isVisible() && standsAlone && window->handle() != nullptr) {
-            front = window;
-        }
-    }
-    return QGuiApplication::focusWindow() != nullptr ? QGuiApplication::focusWindow() : front;
-}
 
 /// Asks the window manager as a pager does, whom it does not suspect of stealing the keyboard.
 void activate(QWindow& window) {
@@ -62,20 +50,6 @@ void activate(QWindow& window) {
     xcb_flush(connection);
 }
 
-/// Starts a program that outlives this one.
-void startDetached(const QString& program, const QStringList& arguments) {
-    QProcess process;
-    process.setProgram(program);
-    process.setArguments(arguments);
-    // This process holds requests to end it back, and a program inherits that.
-    process.setChildProcessModifier([] {
-        sigset_t none;
-        sigemptyset(&none);
-        sigprocmask(SIG_SETMASK, &none, nullptr);
-    });
-    process.startDetached();
-}
-
 QStringList toQt(const std::vector<std::string>& texts) {
     QStringList list;
     for (const std::string& text : texts) {
@@ -86,17 +60,17 @@ QStringList toQt(const std::vector<std::string>& texts) {
 
 } // namespace
 
-std::string QtOwnApplication::bundlePath() {
-    const QString folder = QCoreApplication::applicationDirPath();
-    for (QDir place(folder); !place.isRoot();) {
-        if (place.dirName().endsWith(QStringLiteral(".app"))) {
-            return place.absolutePath().toStdString();
-        }
-        if (!place.cdUp()) {
-            break;
-        }
+QProcessEnvironment environmentForOthers() {
+    auto environment = QProcessEnvironment::systemEnvironment();
+    for (const char* const name : {"DESKTOP_STARTUP_ID", "XDG_ACTIVATION_TOKEN",
+                                   "DBUS_STARTER_ADDRESS", "DBUS_STARTER_BUS_TYPE"}) {
+        environment.remove(QLatin1String(name));
     }
-    return folder.toStdString();
+    return environment;
+}
+
+std::string QtOwnApplication::bundlePath() {
+    return bundleOf(QCoreApplication::applicationFilePath().toStdString()).string();
 }
 
 void QtOwnApplication::activateIgnoringOtherApps() {
@@ -145,6 +119,20 @@ void QtOwnApplication::openAddress(std::string_view address) {
 void QtOwnApplication::startProcess(const std::string& executable,
                                     const std::vector<std::string>& arguments) {
     startDetached(QString::fromStdString(executable), toQt(arguments));
+}
+
+void QtOwnApplication::startDetached(const QString& program, const QStringList& arguments) const {
+    QProcess process;
+    process.setProgram(program);
+    process.setArguments(arguments);
+    process.setProcessEnvironment(environment_);
+    // This process holds requests to end it back, and a program inherits that.
+    process.setChildProcessModifier([] {
+        sigset_t none;
+        sigemptyset(&none);
+        sigprocmask(SIG_SETMASK, &none, nullptr);
+    });
+    process.startDetached();
 }
 
 } // namespace lumetry

@@ -2,11 +2,23 @@
 
 #include "platform/own_application.h"
 
+#include <QProcessEnvironment>
+
+#include <utility>
+
 namespace lumetry {
+
+/// What this process was started with, as other programs are to find it: without what concerned
+/// its start alone. To be asked for before anything changes the environment.
+[[nodiscard]] QProcessEnvironment environmentForOthers();
 
 /// This program on Qt. Needs a QGuiApplication.
 class QtOwnApplication final : public OwnApplication {
 public:
+    /// @param environment that of the programs it starts
+    explicit QtOwnApplication(QProcessEnvironment environment)
+        : environment_(std::move(environment)) {}
+
     [[nodiscard]] std::string bundlePath() override;
     /// Nothing to do: a window is in the task bar for as long as it is open, if it is of that kind.
     void setActivationPolicy(ActivationPolicy /*policy*/) override {}
@@ -16,6 +28,11 @@ public:
     void openAddress(std::string_view address) override;
     void startProcess(const std::string& executable,
                       const std::vector<std::string>& arguments) override;
+
+private:
+    void startDetached(const QString& program, const QStringList& arguments) const;
+
+    QProcessEnvironment environment_;
 };
 
 } // namespace lumetry

@@ -27,6 +27,10 @@ bool hasDarkBar() {
     return desktops.contains("GNOME") || desktops.contains("Unity");
 }
 
+bool isAnyPresent(EmbeddingTray& embedding, const NotifierTray& notifier) {
+    return notifier.isPresent() || embedding.isPresent();
+}
+
 void addRow(QMenu& menu, const MenuItem& item) {
     if (item.separator) {
         menu.addSeparator();
@@ -104,8 +108,7 @@ private:
     }
 
     void followTrays() {
-        const bool present = notifierTray_.isPresent() || embeddingTray_.isPresent();
-        if (!present || !image_) {
+        if (!isAnyPresent(embeddingTray_, notifierTray_) || !image_) {
             if (icon_) {
                 icon_->hide();
             }
@@ -194,6 +197,10 @@ QtStatusBar::QtStatusBar(EmbeddingTray& embeddingTray)
     : embeddingTray_(embeddingTray), notifierTray_(std::make_unique<NotifierTray>()) {}
 
 QtStatusBar::~QtStatusBar() = default;
+
+bool QtStatusBar::isPresent() {
+    return isAnyPresent(embeddingTray_, *notifierTray_);
+}
 
 std::unique_ptr<StatusItem> QtStatusBar::makeStatusItem() {
     return std::make_unique<QtStatusItem>(embeddingTray_, *notifierTray_);

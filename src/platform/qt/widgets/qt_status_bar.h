@@ -19,6 +19,7 @@ public:
     QtStatusBar(const QtStatusBar&) = delete;
     QtStatusBar& operator=(const QtStatusBar&) = delete;
 
+    [[nodiscard]] bool isPresent() override;
     [[nodiscard]] std::unique_ptr<StatusItem> makeStatusItem() override;
 
 private:

@@ -1,5 +1,6 @@
 #include "platform/qt/widgets/running_instance.h"
 
+#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -14,18 +15,12 @@ namespace {
 
 constexpr int answerMilliseconds = 5000;
 
+/// What the connection is called in this process. The one that Qt shares would hold messages back
+/// until the main loop runs.
+const QString connectionName = QStringLiteral("lumetry");
 const QString busName = QStringLiteral("app.lumetry.Lumetry");
 const QString objectPath = QStringLiteral("/app/lumetry/Lumetry");
 const QString interfaceName = QStringLiteral("org.freedesktop.Application");
-
-/// Whether the bus has started this process to have it opened. Told once: processes that this one
-/// starts are not started by the bus.
-bool takeStartedByBus() {
-    const bool started = qEnvironmentVariableIsSet("DBUS_STARTER_ADDRESS");
-    qunsetenv("DBUS_STARTER_ADDRESS");
-    qunsetenv("DBUS_STARTER_BUS_TYPE");
-    return started;
-}
 
 bool askToComeForward(const QDBusConnection& bus) {
     auto message = QDBusMessage::createMethodCall(busName, objectPath, interfaceName,
@@ -51,6 +46,7 @@ public:
     }
 
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
+        started_ = started_ || starting_;
         if (message.path() != objectPath || message.interface() != interfaceName) {
             return false;
         }
@@ -60,24 +56,30 @@ public:
             return false;
         }
         bus.send(message.createReply());
-        // The call that the bus has started this process for is not another one.
-        if (!std::exchange(expectsFirstCall_, false)) {
-            const auto reopen = [this] {
-                if (handler) {
-                    handler();
-                }
-            };
-            QMetaObject::invokeMethod(this, reopen, Qt::QueuedConnection);
+        const bool isStart = starting_ || (started_ && !opened_);
+        opened_ = true;
+        if (!isStart && handler) {
+            handler();
         }
         return true;
     }
 
+    /// Handles the calls that have waited for somebody to take the name: the bus has started this
+    /// process for them. They do not open it again; nor does the first call to open it where it
+    /// was another one that has waited, such as a question what there is to call.
+    void handleWaiting() {
+        QCoreApplication::sendPostedEvents(this);
+        starting_ = false;
+    }
+
 private:
-    bool expectsFirstCall_ = takeStartedByBus();
+    bool starting_ = true;
+    bool started_ = false; ///< by the bus
+    bool opened_ = false;
 };
 
 RunningInstance::RunningInstance() : service_(std::make_unique<Service>()) {
-    auto bus = QDBusConnection::sessionBus();
+    auto bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, connectionName);
     if (!bus.isConnected()) {
         return;
     }
@@ -85,13 +87,17 @@ RunningInstance::RunningInstance() : service_(std::make_unique<Service>()) {
     const auto taken = bus.interface()->registerService(busName);
     if (taken.isValid() && taken.value() != QDBusConnectionInterface::ServiceRegistered) {
         role_ = askToComeForward(bus) ? Role::later : Role::unanswered;
+        owner_ = static_cast<pid_t>(bus.interface()->servicePid(busName).value());
+        return;
     }
+    // What has waited is here by the time that the bus answers another question.
+    static_cast<void>(bus.interface()->serviceOwner(busName));
+    service_->handleWaiting();
 }
 
 RunningInstance::~RunningInstance() {
-    auto bus = QDBusConnection::sessionBus();
-    bus.unregisterService(busName);
-    bus.unregisterObject(objectPath);
+    QDBusConnection(connectionName).unregisterObject(objectPath);
+    QDBusConnection::disconnectFromBus(connectionName);
 }
 
 void RunningInstance::onReopen(std::function<void()> handler) {

@@ -1,8 +1,9 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <functional>
 #include <memory>
-#include <string>
 
 namespace lumetry {
 
@@ -24,7 +25,10 @@ public:
     RunningInstance& operator=(const RunningInstance&) = delete;
 
     [[nodiscard]] Role role() const { return role_; }
-    /// Calls the handler, from the main loop, each time the program is opened again.
+    /// The process that is the program where another one is; 0 when the bus does not know.
+    [[nodiscard]] pid_t owner() const { return owner_; }
+    /// Calls the handler, from the main loop, each time the program is opened again. What the bus
+    /// has started this process for is no such time.
     void onReopen(std::function<void()> handler);
 
 private:
@@ -32,6 +36,7 @@ private:
 
     std::unique_ptr<Service> service_;
     Role role_ = Role::first;
+    pid_t owner_ = 0;
 };
 
 } // namespace lumetry
