@@ -1,6 +1,7 @@
 #include "app/views/control_panel.h"
 
 #include "onboarding/views/buttons.h"
+#include "onboarding/views/centering.h"
 #include "onboarding/views/style.h"
 #include "platform/qt/widgets/template_icon.h"
 
@@ -13,7 +14,6 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPushButton>
-#include <QScreen>
 #include <QVBoxLayout>
 #include <QWindow>
 
@@ -108,7 +108,7 @@ private:
         button->setText(title);
         button->setAutoDefault(false);
         button->setFont(systemFont(13));
-        button->setLook({fill, Qt::transparent, whiteAt(1), cornerRadius});
+        button->setLook({{fill, {}, cornerRadius}, whiteAt(1)});
         button->setFixedSize(QFontMetrics(button->font()).horizontalAdvance(title) + 2 * padding,
                              height);
         return button;
@@ -137,12 +137,7 @@ public:
     QtControlPanelWindow(ControlPanelActions actions, const TemplateImage& icon)
         : panel_(std::move(actions), icon) {}
 
-    void center() override {
-        if (const QScreen* const screen = QGuiApplication::primaryScreen()) {
-            panel_.move(screen->availableGeometry().center() -
-                        QPoint(panel_.frameSize().width() / 2, panel_.frameSize().height() / 2));
-        }
-    }
+    void center() override { centerOnScreen(panel_); }
     void makeKeyAndOrderFront() override {
         panel_.focusStart();
         panel_.show();

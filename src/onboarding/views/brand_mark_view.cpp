@@ -1,13 +1,12 @@
 #include "onboarding/views/brand_mark_view.h"
 
 #include "onboarding/views/glow.h"
+#include "onboarding/views/motion.h"
 #include "onboarding/views/pulse.h"
 #include "onboarding/views/style.h"
 
-#include <QEasingCurve>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QVariantAnimation>
 
 #include <algorithm>
 #include <cmath>
@@ -69,10 +68,6 @@ void drawUpTo(QPainter& painter, const std::vector<QPainterPath>& lines, double 
     }
 }
 
-double eased(QEasingCurve::Type type, double share) {
-    return QEasingCurve(type).valueForProgress(std::clamp(share, 0.0, 1.0));
-}
-
 /// The glow in the course of the entrance.
 double bloom(double seconds) {
     constexpr double peakTime = 0.4;
@@ -113,11 +108,11 @@ BrandMarkView::BrandMarkView(double markSize, QWidget* parent)
     setMouseTracking(true);
     constexpr double floatSeconds = 2.6;
     constexpr double floatHeight = 3;
-    float_ =
-        new Pulse(this, {floatHeight, -floatHeight, floatSeconds, 30, true}, [this](double drift) {
-            drift_ = drift;
-            update();
-        });
+    float_ = new Pulse(this, {floatHeight, -floatHeight, floatSeconds, 30, easeInEaseOut()},
+                       [this](double drift) {
+                           drift_ = drift;
+                           update();
+                       });
 }
 
 int BrandMarkView::margin() {
@@ -127,25 +122,14 @@ int BrandMarkView::margin() {
 
 void BrandMarkView::playEntrance() {
     delete entrance_;
-    showEntrance(0);
     constexpr double end = bloomStart + bloomSeconds;
-    constexpr double millisecondsPerSecond = 1000;
-    entrance_ = new QVariantAnimation(this);
-    entrance_->setDuration(static_cast<int>(end * millisecondsPerSecond));
-    entrance_->setStartValue(0.0);
-    entrance_->setEndValue(end);
-    QObject::connect(entrance_, &QVariantAnimation::valueChanged, this,
-                     [this](const QVariant& value) { showEntrance(value.toDouble()); });
-    QObject::connect(entrance_, &QVariantAnimation::finished, this, [this] {
-        glow_ = lastingGlow();
-        update();
+    entrance_ = animate(this, {end, linear()}, [this](double share) {
+        showEntrance(share * end);
+        if (share == 1) {
+            glow_ = lastingGlow();
+        }
     });
-    entrance_->start();
-    float_->start();
-}
-
-bool BrandMarkView::isEntering() const {
-    return entrance_ != nullptr && entrance_->state() == QAbstractAnimation::Running;
+    float_->begin();
 }
 
 double BrandMarkView::lastingGlow() const {
@@ -157,8 +141,8 @@ void BrandMarkView::showEntrance(double seconds) {
     constexpr double markerSeconds = 0.7;
     for (std::size_t i = 0; i < strokeCount; ++i) {
         const double length = i + 1 == strokeCount ? markerSeconds : cornerSeconds;
-        strokeEnds_.at(i) = eased(QEasingCurve::InOutQuad,
-                                  (seconds - strokeDelay * static_cast<double>(i)) / length);
+        const double time = (seconds - strokeDelay * static_cast<double>(i)) / length;
+        strokeEnds_.at(i) = easeInEaseOut().valueForProgress(std::clamp(time, 0.0, 1.0));
     }
     glow_ = bloom(seconds);
     update();
@@ -170,22 +154,14 @@ void BrandMarkView::setFocused(bool focused) {
     }
     focused_ = focused;
     delete focusing_;
-    focusing_ = new QVariantAnimation(this);
-    constexpr int milliseconds = 280;
-    focusing_->setDuration(milliseconds);
-    focusing_->setEasingCurve(QEasingCurve::OutQuad);
-    QObject::connect(focusing_, &QVariantAnimation::valueChanged, this,
-                     [this](const QVariant& value) {
-                         spread_ = value.toPointF().x();
-                         // The bloom covers it until it ends.
-                         if (!isEntering()) {
-                             glow_ = value.toPointF().y();
-                         }
-                         update();
-                     });
-    focusing_->setStartValue(QPointF(spread_, glow_));
-    focusing_->setEndValue(QPointF(focused ? focusedSpread : 0, lastingGlow()));
-    focusing_->start();
+    focusing_ =
+        animate(this, {0.28, easeOut()}, [this, spread = spread_, glow = glow_](double share) {
+            spread_ = std::lerp(spread, focused_ ? focusedSpread : 0, share);
+            if (!entrance_) { // whose bloom covers it
+                glow_ = std::lerp(glow, lastingGlow(), share);
+            }
+            update();
+        });
 }
 
 void BrandMarkView::mouseMoveEvent(QMouseEvent* event) {

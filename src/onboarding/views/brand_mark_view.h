@@ -2,12 +2,12 @@
 
 #include <QPainterPath>
 #include <QPixmap>
+#include <QPointer>
+#include <QVariantAnimation>
 #include <QWidget>
 
 #include <array>
 #include <vector>
-
-class QVariantAnimation;
 
 namespace lumetry::views {
 
@@ -38,7 +38,6 @@ private:
     void mouseMoveEvent(QMouseEvent* event) override;
     void leaveEvent(QEvent* event) override;
     void showEntrance(double seconds);
-    [[nodiscard]] bool isEntering() const;
     /// The glow once nothing moves.
     [[nodiscard]] double lastingGlow() const;
     [[nodiscard]] QPointF offset(std::size_t stroke) const;
@@ -52,8 +51,8 @@ private:
     double drift_ = 0; ///< downwards, in pixels
     bool focused_ = false;
     Pulse* float_;
-    QVariantAnimation* entrance_ = nullptr;
-    QVariantAnimation* focusing_ = nullptr;
+    QPointer<QVariantAnimation> entrance_;
+    QPointer<QVariantAnimation> focusing_;
 };
 
 } // namespace lumetry::views

@@ -1,6 +1,5 @@
 #include "onboarding/views/buttons.h"
 
-#include "onboarding/views/style.h"
 #include "onboarding/views/symbols.h"
 
 #include <QFocusEvent>
@@ -29,21 +28,16 @@ void FlatButton::setLook(const ButtonLook& look) {
 void FlatButton::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF frame = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
-    painter.setBrush(look_.fill);
-    painter.setPen(look_.border.alpha() > 0 ? QPen(look_.border, 1) : QPen(Qt::NoPen));
-    painter.drawRoundedRect(look_.border.alpha() > 0 ? frame : QRectF(rect()), look_.cornerRadius,
-                            look_.cornerRadius);
+    const double cornerRadius = look_.box.cornerRadius;
+    paintBox(painter, rect(), look_.box);
     if (isEnabled() && (isDown() || underMouse())) {
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(isDown() ? QColor(0, 0, 0, 40) : QColor(255, 255, 255, 18));
-        painter.drawRoundedRect(QRectF(rect()), look_.cornerRadius, look_.cornerRadius);
+        paintBox(painter, rect(),
+                 {isDown() ? QColor(0, 0, 0, 40) : QColor(255, 255, 255, 18), {}, cornerRadius});
     }
     if (hasFocus() && reachedByKey_) {
-        painter.setBrush(Qt::NoBrush);
-        painter.setPen(QPen(whiteAt(0.6), 1.5));
-        painter.drawRoundedRect(QRectF(rect()).adjusted(2.5, 2.5, -2.5, -2.5),
-                                look_.cornerRadius - 2, look_.cornerRadius - 2);
+        constexpr int inset = 2;
+        paintBox(painter, rect().adjusted(inset, inset, -inset, -inset),
+                 {Qt::transparent, whiteAt(0.6), cornerRadius - inset, 1.5});
     }
     paintContents(painter);
 }
@@ -68,7 +62,7 @@ BackButton::BackButton(QWidget* parent) : FlatButton(parent) {
     constexpr double radius = 8;
     setFixedSize(side, side);
     setAccessibleName(QStringLiteral("back"));
-    setLook({Qt::transparent, Qt::transparent, whiteAt(0.7), radius});
+    setLook({{Qt::transparent, {}, radius}, whiteAt(0.7)});
 }
 
 void BackButton::paintContents(QPainter& painter) {

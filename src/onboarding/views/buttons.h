@@ -1,16 +1,15 @@
 #pragma once
 
-#include <QColor>
+#include "onboarding/views/style.h"
+
 #include <QPushButton>
 
 namespace lumetry::views {
 
 /// How a button looks that paints itself.
 struct ButtonLook {
-    QColor fill;
-    QColor border; ///< transparent: none
+    Box box;
     QColor text;
-    double cornerRadius = 0;
 };
 
 /// A flat button of its own colours, with a ring around it while it has the keyboard

@@ -1,60 +1,30 @@
 #include "onboarding/views/dimension_line_view.h"
 
+#include "onboarding/views/motion.h"
 #include "onboarding/views/style.h"
 
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QPainterPath>
 
-#include <algorithm>
-#include <cmath>
-
 namespace lumetry::views {
 namespace {
 
 constexpr int lineHeight = 24;
-constexpr double millisecondsPerSecond = 1000;
-constexpr double growSeconds = 0.8;
-constexpr int frameMilliseconds = 16; // 60 frames a second
 
 } // namespace
 
 DimensionLineView::DimensionLineView(QWidget* parent) : QWidget(parent) {
     setFixedHeight(lineHeight);
     setAttribute(Qt::WA_TransparentForMouseEvents);
-    delayTimer_.setSingleShot(true);
-    delayTimer_.setTimerType(Qt::PreciseTimer);
-    QObject::connect(&delayTimer_, &QTimer::timeout, this, [this] {
-        clock_.start();
-        animTimer_.start();
-    });
-    animTimer_.setInterval(frameMilliseconds);
-    animTimer_.setTimerType(Qt::PreciseTimer);
-    QObject::connect(&animTimer_, &QTimer::timeout, this, [this] { grow(); });
 }
 
 void DimensionLineView::animateIn(double seconds) {
-    animTimer_.stop();
-    setProgress(0);
-    delayTimer_.start(static_cast<int>(seconds * millisecondsPerSecond));
-}
-
-void DimensionLineView::grow() {
-    const double seconds = static_cast<double>(clock_.elapsed()) / millisecondsPerSecond;
-    const double time = std::min(seconds / growSeconds, 1.0);
-    setProgress(grown(time));
-    if (time >= 1) {
-        animTimer_.stop();
-    }
-}
-
-double DimensionLineView::grown(double time) {
-    return 1 - std::pow(1 - time, 3);
-}
-
-void DimensionLineView::setProgress(double progress) {
-    progress_ = progress;
-    update();
+    delete growth_;
+    growth_ = animate(this, {0.8, QEasingCurve::OutCubic, seconds}, [this](double progress) {
+        progress_ = progress;
+        update();
+    });
 }
 
 QString DimensionLineView::label() const {

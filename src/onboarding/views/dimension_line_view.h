@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QElapsedTimer>
-#include <QTimer>
+#include <QPointer>
+#include <QVariantAnimation>
 #include <QWidget>
 
 namespace lumetry::views {
@@ -21,18 +21,11 @@ public:
     [[nodiscard]] QString label() const;
     [[nodiscard]] QSize sizeHint() const override;
 
-    /// The progress after that share of the time.
-    [[nodiscard]] static double grown(double time);
-
 private:
     void paintEvent(QPaintEvent* event) override;
-    void grow();
-    void setProgress(double progress);
 
     double progress_ = 1;
-    QTimer delayTimer_;
-    QTimer animTimer_;
-    QElapsedTimer clock_;
+    QPointer<QVariantAnimation> growth_;
 };
 
 } // namespace lumetry::views

@@ -6,7 +6,8 @@
 
 #include <QPainter>
 #include <QVBoxLayout>
-#include <QVariantAnimation>
+
+#include <cmath>
 
 namespace lumetry::views {
 namespace {
@@ -60,7 +61,7 @@ Keycap::Keycap(const Face& face, const QSize& cap, QWidget* parent) : QWidget(pa
         look_.glow = glow;
         update();
     });
-    breathe();
+    breath_->begin();
 }
 
 int Keycap::margin() {
@@ -71,10 +72,6 @@ bool Keycap::isBreathing() const {
     return breath_->isRunning();
 }
 
-void Keycap::breathe() {
-    breath_->start();
-}
-
 void Keycap::setActive(bool active) {
     if (active == active_) {
         return;
@@ -83,23 +80,15 @@ void Keycap::setActive(bool active) {
     setAccessibleDescription(active ? QStringLiteral("held") : QString());
     breath_->stop();
     delete transition_;
-    transition_ = new QVariantAnimation(this);
-    constexpr int toLitMilliseconds = 120;
-    constexpr int toRestMilliseconds = 250;
-    transition_->setDuration(active ? toLitMilliseconds : toRestMilliseconds);
-    transition_->setStartValue(QPointF(look_.lit, look_.glow));
-    transition_->setEndValue(active ? QPointF(1, litGlow) : QPointF(0, restingGlow));
-    QObject::connect(transition_, &QVariantAnimation::valueChanged, this,
-                     [this](const QVariant& value) {
-                         look_ = {value.toPointF().x(), value.toPointF().y()};
-                         update();
-                     });
-    QObject::connect(transition_, &QVariantAnimation::finished, this, [this] {
-        if (!active_) {
-            breathe();
-        }
-    });
-    transition_->start();
+    const Look goal = active ? Look{1, litGlow} : Look{0, restingGlow};
+    transition_ = animate(
+        this, {active ? 0.12 : 0.25, standardEase()}, [this, from = look_, goal](double share) {
+            look_ = {std::lerp(from.lit, goal.lit, share), std::lerp(from.glow, goal.glow, share)};
+            update();
+        });
+    if (!active) {
+        QObject::connect(transition_, &QVariantAnimation::finished, breath_, &Pulse::begin);
+    }
 }
 
 void Keycap::paintEvent(QPaintEvent* /*event*/) {
@@ -111,14 +100,10 @@ void Keycap::paintEvent(QPaintEvent* /*event*/) {
     const double border = 1 + 0.5 * look_.lit;
     const QRectF cap = QRectF(QPointF(margin(), margin()), cap_);
     // Opaque below the light, so that the glow does not shine through.
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(blend(capFill(), background(), look_.lit));
-    painter.drawRoundedRect(cap, cornerRadius, cornerRadius);
-    painter.setBrush(pink(0.24 * look_.lit));
-    painter.setPen(QPen(blend(whiteAt(0.14), pink(), look_.lit), border));
-    const double half = border / 2;
-    painter.drawRoundedRect(cap.adjusted(half, half, -half, -half), cornerRadius - half,
-                            cornerRadius - half);
+    paintBox(painter, cap, {blend(capFill(), background(), look_.lit), {}, cornerRadius});
+    paintBox(
+        painter, cap,
+        {pink(0.24 * look_.lit), blend(whiteAt(0.14), pink(), look_.lit), cornerRadius, border});
 }
 
 } // namespace lumetry::views

@@ -1,13 +1,12 @@
 #pragma once
 
+#include "onboarding/views/motion.h"
 #include "onboarding/views/symbols.h"
 
 #include <QPixmap>
 #include <QWidget>
 
 #include <optional>
-
-class QVariantAnimation;
 
 namespace lumetry::views {
 
@@ -41,14 +40,13 @@ private:
     };
 
     void paintEvent(QPaintEvent* event) override;
-    void breathe();
 
     QSize cap_;
     QPixmap glow_;
     bool active_ = false;
     Look look_;
     Pulse* breath_;
-    QVariantAnimation* transition_ = nullptr;
+    QPointer<QVariantAnimation> transition_;
 };
 
 } // namespace lumetry::views

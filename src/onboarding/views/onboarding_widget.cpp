@@ -2,6 +2,7 @@
 
 #include "onboarding/views/backdrop.h"
 #include "onboarding/views/buttons.h"
+#include "onboarding/views/centering.h"
 #include "onboarding/views/entrance.h"
 #include "onboarding/views/keycap.h"
 #include "onboarding/views/permission_card.h"
@@ -14,11 +15,9 @@
 
 #include <QCloseEvent>
 #include <QFontMetricsF>
-#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QScreen>
 #include <QWindow>
 
 #include <array>
@@ -81,7 +80,7 @@ OnboardingWidget::OnboardingWidget(OnboardingActions& actions)
                      [this] { actions_.primaryTapped(); });
     QObject::connect(backButton_, &QPushButton::clicked, this, [this] { actions_.backTapped(); });
     // So slow that a few steps a second look like one movement.
-    auto* const breath = new Pulse(this, {0.7, 1, 3.6, 6, true}, [this](double opacity) {
+    auto* const breath = new Pulse(this, {0.7, 1, 3.6, 6, easeInEaseOut()}, [this](double opacity) {
         constexpr double step = 1.0 / 32;
         if (std::abs(opacity - lightOpacity_) >= step) {
             lightOpacity_ = opacity;
@@ -89,7 +88,7 @@ OnboardingWidget::OnboardingWidget(OnboardingActions& actions)
             update();
         }
     });
-    breath->start();
+    breath->begin();
 }
 
 void OnboardingWidget::showStep(OnboardingStep step, bool animated) {
@@ -111,7 +110,10 @@ void OnboardingWidget::showStep(OnboardingStep step, bool animated) {
     setTabOrderOfPage();
     primaryButton_->setFocus();
     keyboardIsFree_ = true;
-    playEntrance(currentPage_->staggerViews(), fades ? fadeSeconds : 0);
+    playEntrance(currentPage_->staggerViews());
+    if (fades) {
+        fadeIn(*currentPage_, fadeSeconds);
+    }
 }
 
 Page* OnboardingWidget::makePage(OnboardingStep step) {
@@ -146,7 +148,7 @@ void OnboardingWidget::setPrimary(const QString& title, bool enabled) {
     }
     primaryButton_->setEnabled(enabled);
     primaryButton_->setLook(
-        {enabled ? pink() : whiteAt(0.08), Qt::transparent, whiteAt(enabled ? 1 : 0.55), 10});
+        {{enabled ? pink() : whiteAt(0.08), {}, 10}, whiteAt(enabled ? 1 : 0.55)});
     placeChrome();
     const QWidget* const focused = focusWidget();
     if (enabled && keyboardIsFree_ && (focused == nullptr || focused == this)) {
@@ -240,13 +242,7 @@ public:
     [[nodiscard]] bool isVisible() const override {
         return widget_.isVisible() && !widget_.isMinimized();
     }
-    void center() override {
-        if (const QScreen* const screen = QGuiApplication::primaryScreen()) {
-            const QRect free = screen->availableGeometry();
-            widget_.move(free.center() -
-                         QPoint(widget_.frameSize().width() / 2, widget_.frameSize().height() / 2));
-        }
-    }
+    void center() override { centerOnScreen(widget_); }
     void makeKeyAndOrderFront() override {
         widget_.setWindowState(widget_.windowState() & ~Qt::WindowMinimized);
         widget_.show();

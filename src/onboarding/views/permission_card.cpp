@@ -40,11 +40,11 @@ FlatButton* makeGrantButton(const QString& title, QWidget* parent) {
     button->setAccessibleName(QStringLiteral("Grant ") + title);
     button->setFont(systemFont(13, FontWeight::semibold));
     button->setFixedSize(buttonWidth, 30);
-    button->setLook({pink(0.16), pink(0.5), pink(), 8});
+    button->setLook({{pink(0.16), pink(0.5), 8}, pink()});
     return button;
 }
 
-QLayout* makeTexts(const PermissionCard::Texts& texts, QWidget* parent) {
+QLayout* makeTexts(const PermissionCard::Texts& texts, const QFont& font, QWidget* parent) {
     auto* const heading = new QHBoxLayout;
     heading->setSpacing(8);
     heading->addWidget(
@@ -62,16 +62,15 @@ QLayout* makeTexts(const PermissionCard::Texts& texts, QWidget* parent) {
     column->setSpacing(3);
     column->addStretch();
     column->addLayout(heading);
-    auto* const description = makeLabel(texts.description, systemFont(13), whiteAt(0.55), parent);
-    fitLabel(*description, textWidth);
-    column->addWidget(description);
+    column->addWidget(makeLabel(texts.description, font, whiteAt(0.55), parent));
     column->addStretch();
     return column;
 }
 
 } // namespace
 
-PermissionCard::PermissionCard(Symbol symbol, const Texts& texts, QWidget* parent)
+PermissionCard::PermissionCard(Symbol symbol, const Texts& texts, const QFont& font,
+                               QWidget* parent)
     : QWidget(parent),
       icon_(new SymbolView(symbol, 19, SymbolWeight::medium, pink(), texts.title, this)),
       button_(makeGrantButton(texts.title, this)),
@@ -91,7 +90,7 @@ PermissionCard::PermissionCard(Symbol symbol, const Texts& texts, QWidget* paren
     row->addWidget(wellWidget);
     row->addSpacing(14);
     auto* const column = new QWidget(this);
-    column->setLayout(makeTexts(texts, column));
+    column->setLayout(makeTexts(texts, font, column));
     column->layout()->setContentsMargins(0, 0, 0, 0);
     column->setFixedWidth(textWidth);
     row->addWidget(column);
@@ -100,6 +99,10 @@ PermissionCard::PermissionCard(Symbol symbol, const Texts& texts, QWidget* paren
     row->addWidget(done_);
     done_->setContentsMargins(0, 0, 2, 0);
     done_->hide();
+}
+
+QFont PermissionCard::fontOf(const QStringList& descriptions) {
+    return fitFont(systemFont(13), descriptions, textWidth);
 }
 
 void PermissionCard::setState(const CardState& state) {
@@ -115,14 +118,9 @@ void PermissionCard::setState(const CardState& state) {
 void PermissionCard::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(whiteAt(0.08), 1));
-    painter.setBrush(whiteAt(0.05));
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius - 0.5,
-                            cornerRadius - 0.5);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(whiteAt(0.07));
-    painter.drawRoundedRect(QRectF(wellMargin, (height() - wellSide) / 2.0, wellSide, wellSide),
-                            cornerRadius, cornerRadius);
+    paintBox(painter, rect(), {whiteAt(0.05), whiteAt(0.08), cornerRadius});
+    paintBox(painter, QRectF(wellMargin, (height() - wellSide) / 2.0, wellSide, wellSide),
+             {whiteAt(0.07), {}, cornerRadius});
 }
 
 } // namespace lumetry::views

@@ -19,7 +19,11 @@ public:
         QString description;
     };
 
-    PermissionCard(Symbol symbol, const Texts& texts, QWidget* parent);
+    /// @param font of the description
+    PermissionCard(Symbol symbol, const Texts& texts, const QFont& font, QWidget* parent);
+
+    /// One in which each of the descriptions has room on one line.
+    [[nodiscard]] static QFont fontOf(const QStringList& descriptions);
 
     void setState(const CardState& state);
     void pop() { icon_->pop(); }

@@ -1,6 +1,7 @@
 #include "onboarding/views/permissions_page.h"
 
 #include "onboarding/views/buttons.h"
+#include "onboarding/views/entrance.h"
 #include "onboarding/views/permission_card.h"
 #include "onboarding/views/pill.h"
 #include "onboarding/views/style.h"
@@ -11,17 +12,14 @@
 
 namespace lumetry::views {
 
-PermissionsPage::PermissionsPage(OnboardingActions& actions, QWidget* parent)
-    : Page(parent), accessibility_(new PermissionCard(
-                        Symbol::accessibility,
-                        {QStringLiteral("Accessibility"),
-                         QStringLiteral("Reads sizes, spacing, and labels from any app.")},
-                        this)),
-      screenRecording_(
-          new PermissionCard(Symbol::rectangleDashedBadgeRecord,
-                             {QStringLiteral("Screen Recording"),
-                              QStringLiteral("Reads colors, fills & corner radii from any app.")},
-                             this)) {
+PermissionsPage::PermissionsPage(OnboardingActions& actions, QWidget* parent) : Page(parent) {
+    const QString sizes = QStringLiteral("Reads sizes, spacing, and labels from any app.");
+    const QString colors = QStringLiteral("Reads colors, fills & corner radii from any app.");
+    const QFont font = PermissionCard::fontOf({sizes, colors});
+    accessibility_ = new PermissionCard(Symbol::accessibility,
+                                        {QStringLiteral("Accessibility"), sizes}, font, this);
+    screenRecording_ = new PermissionCard(Symbol::rectangleDashedBadgeRecord,
+                                          {QStringLiteral("Screen Recording"), colors}, font, this);
     QObject::connect(&accessibility_->button(), &QPushButton::clicked, this,
                      [&actions] { actions.grantAX(); });
     QObject::connect(&screenRecording_->button(), &QPushButton::clicked, this,
@@ -39,12 +37,12 @@ PermissionsPage::PermissionsPage(OnboardingActions& actions, QWidget* parent)
 
     auto* const columns = new QWidget(this);
     auto* const row = new QHBoxLayout(columns);
-    row->setContentsMargins(0, 0, 0, 0);
+    row->setContentsMargins(entranceDrop, entranceDrop, entranceDrop, entranceDrop);
     row->setSpacing(40);
     row->addWidget(left, 0, Qt::AlignVCenter);
     row->addLayout(right);
     row->setAlignment(right, Qt::AlignVCenter);
-    add(columns, 0);
+    add(columns, 0, entranceDrop);
     setStaggerViews({left, accessibility_, screenRecording_, footer});
 }
 
@@ -56,7 +54,7 @@ QWidget* PermissionsPage::makeLeftColumn() {
     column->setSpacing(14);
     column->addWidget(
         new Pill(makeLabel(QStringLiteral("SETUP"), systemFont(11, FontWeight::bold), pink(), left),
-                 {{9, 4, 9, 4}, pink(0.14), Qt::transparent, 9}, left),
+                 {9, 4, 9, 4}, {pink(0.14), {}, 9}, left),
         0, Qt::AlignLeft);
     column->addWidget(makeLabel(QStringLiteral("Two quick\npermissions"),
                                 systemFont(29, FontWeight::bold), whiteAt(1), left));

@@ -19,8 +19,8 @@ private:
     [[nodiscard]] QWidget* makeLeftColumn();
     [[nodiscard]] QWidget* makeFooter();
 
-    PermissionCard* accessibility_;
-    PermissionCard* screenRecording_;
+    PermissionCard* accessibility_ = nullptr;
+    PermissionCard* screenRecording_ = nullptr;
 };
 
 } // namespace lumetry::views

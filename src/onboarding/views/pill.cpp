@@ -6,9 +6,10 @@
 
 namespace lumetry::views {
 
-Pill::Pill(QLabel* label, const Look& look, QWidget* parent) : QWidget(parent), look_(look) {
+Pill::Pill(QLabel* label, const QMargins& padding, const Box& box, QWidget* parent)
+    : QWidget(parent), box_(box) {
     auto* const layout = new QHBoxLayout(this);
-    layout->setContentsMargins(look.padding);
+    layout->setContentsMargins(padding);
     layout->addWidget(label);
     setAttribute(Qt::WA_TransparentForMouseEvents);
 }
@@ -16,12 +17,7 @@ Pill::Pill(QLabel* label, const Look& look, QWidget* parent) : QWidget(parent), 
 void Pill::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setBrush(look_.fill);
-    const bool bordered = look_.border.alpha() > 0;
-    painter.setPen(bordered ? QPen(look_.border, 1) : QPen(Qt::NoPen));
-    const double half = bordered ? 0.5 : 0;
-    painter.drawRoundedRect(QRectF(rect()).adjusted(half, half, -half, -half),
-                            look_.cornerRadius - half, look_.cornerRadius - half);
+    paintBox(painter, rect(), box_);
 }
 
 } // namespace lumetry::views

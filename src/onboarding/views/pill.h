@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QColor>
+#include "onboarding/views/style.h"
+
 #include <QMargins>
 #include <QWidget>
 
@@ -11,20 +12,14 @@ namespace lumetry::views {
 /// A text on a rounded ground.
 class Pill final : public QWidget {
 public:
-    struct Look {
-        QMargins padding; ///< in pixels
-        QColor fill;
-        QColor border; ///< transparent: none
-        double cornerRadius = 0;
-    };
-
     /// Takes the label for its own.
-    Pill(QLabel* label, const Look& look, QWidget* parent);
+    /// @param padding around it, in pixels
+    Pill(QLabel* label, const QMargins& padding, const Box& box, QWidget* parent);
 
 private:
     void paintEvent(QPaintEvent* event) override;
 
-    Look look_;
+    Box box_;
 };
 
 } // namespace lumetry::views

@@ -1,6 +1,5 @@
 #include "onboarding/views/pulse.h"
 
-#include <QEasingCurve>
 #include <QEvent>
 #include <QWidget>
 
@@ -9,52 +8,33 @@
 
 namespace lumetry::views {
 
-Pulse::Pulse(QWidget* widget, const Course& course, std::function<void(double)> apply)
-    : QObject(widget), course_(course), apply_(std::move(apply)), widget_(widget) {
-    constexpr int millisecondsPerSecond = 1000;
-    timer_.setInterval(millisecondsPerSecond / course_.stepsPerSecond);
-    QObject::connect(&timer_, &QTimer::timeout, this, [this] { step(); });
+Pulse::Pulse(QWidget* widget, const Swing& swing, std::function<void(double)> apply)
+    : QTimeLine(2 * milliseconds(swing.seconds), widget), swing_(swing), apply_(std::move(apply)),
+      widget_(widget) {
+    constexpr int forEver = 0;
+    setLoopCount(forEver);
+    setUpdateInterval(milliseconds(1.0 / swing.stepsPerSecond));
+    setEasingCurve(linear());
+    QObject::connect(this, &QTimeLine::valueChanged, this, [this](double share) {
+        const double way = 1 - std::abs(1 - 2 * share); // there and back
+        apply_(std::lerp(swing_.from, swing_.to, swing_.curve.valueForProgress(way)));
+    });
     widget_->installEventFilter(this);
 }
 
-void Pulse::start() {
-    if (!wanted_) {
-        wanted_ = true;
-        clock_.start();
-        apply_(course_.from);
-        follow(widget_->isVisible());
+void Pulse::begin() {
+    if (!isRunning()) {
+        apply_(swing_.from);
+        start();
+        setPaused(!widget_->isVisible());
     }
-}
-
-void Pulse::stop() {
-    wanted_ = false;
-    timer_.stop();
 }
 
 bool Pulse::eventFilter(QObject* /*watched*/, QEvent* event) {
-    if (event->type() == QEvent::Show || event->type() == QEvent::Hide) {
-        follow(event->type() == QEvent::Show);
+    if (isRunning() && (event->type() == QEvent::Show || event->type() == QEvent::Hide)) {
+        setPaused(event->type() == QEvent::Hide);
     }
     return false;
-}
-
-void Pulse::follow(bool visible) {
-    if (wanted_ && visible) {
-        timer_.start();
-    } else {
-        timer_.stop();
-    }
-}
-
-void Pulse::step() {
-    static const QEasingCurve easing(QEasingCurve::InOutSine);
-    constexpr double millisecondsPerSecond = 1000;
-    const double ways =
-        static_cast<double>(clock_.elapsed()) / millisecondsPerSecond / course_.seconds;
-    const double along = std::fmod(ways, 2);
-    const double way = along <= 1 ? along : 2 - along;
-    const double share = course_.eases ? easing.valueForProgress(way) : way;
-    apply_(course_.from + (course_.to - course_.from) * share);
 }
 
 } // namespace lumetry::views

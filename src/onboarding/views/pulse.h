@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QElapsedTimer>
-#include <QObject>
-#include <QTimer>
+#include "onboarding/views/motion.h"
+
+#include <QTimeLine>
 
 #include <functional>
 
@@ -11,34 +11,28 @@ class QWidget;
 namespace lumetry::views {
 
 /// A value that swings between two others for ever. It rests while its widget cannot be seen.
-class Pulse final : public QObject {
+class Pulse final : public QTimeLine {
 public:
-    struct Course {
+    struct Swing {
         double from = 0;
         double to = 1;
         double seconds = 1; ///< for one way
         int stepsPerSecond = 20;
-        bool eases = false; ///< at both ends
+        QEasingCurve curve = linear(); ///< of either way
     };
 
     /// @param apply is called with every new value
-    Pulse(QWidget* widget, const Course& course, std::function<void(double)> apply);
+    Pulse(QWidget* widget, const Swing& swing, std::function<void(double)> apply);
 
-    void start();
-    void stop();
-    [[nodiscard]] bool isRunning() const { return wanted_; }
+    void begin();
+    [[nodiscard]] bool isRunning() const { return state() != NotRunning; }
 
 private:
     bool eventFilter(QObject* watched, QEvent* event) override;
-    void step();
-    void follow(bool visible);
 
-    Course course_;
+    Swing swing_;
     std::function<void(double)> apply_;
     QWidget* widget_;
-    QTimer timer_;
-    QElapsedTimer clock_;
-    bool wanted_ = false;
 };
 
 } // namespace lumetry::views

@@ -1,9 +1,11 @@
 #include "onboarding/views/step_indicator.h"
 
+#include "onboarding/views/motion.h"
 #include "onboarding/views/style.h"
 
 #include <QPainter>
-#include <QVariantAnimation>
+
+#include <cmath>
 
 namespace lumetry::views {
 namespace {
@@ -27,22 +29,12 @@ StepIndicator::StepIndicator(int count, QWidget* parent)
 void StepIndicator::setStep(int step) {
     setAccessibleName(QStringLiteral("Step %1 of %2").arg(step + 1).arg(shares_.size()));
     delete animation_;
-    animation_ = new QVariantAnimation(this);
-    constexpr int milliseconds = 250;
-    animation_->setDuration(milliseconds);
-    animation_->setEasingCurve(QEasingCurve::InOutQuad);
-    animation_->setStartValue(0.0);
-    animation_->setEndValue(1.0);
-    const auto from = shares_;
-    QObject::connect(animation_, &QVariantAnimation::valueChanged, this,
-                     [this, from, step](const QVariant& value) {
-                         for (std::size_t i = 0; i < shares_.size(); ++i) {
-                             const double to = static_cast<int>(i) == step ? 1 : 0;
-                             shares_[i] = from[i] + (to - from[i]) * value.toDouble();
-                         }
-                         update();
-                     });
-    animation_->start();
+    animation_ = animate(this, {0.25, standardEase()}, [this, from = shares_, step](double share) {
+        for (std::size_t i = 0; i < shares_.size(); ++i) {
+            shares_[i] = std::lerp(from[i], static_cast<int>(i) == step ? 1 : 0, share);
+        }
+        update();
+    });
 }
 
 double StepIndicator::dashWidth(int dash) const {

@@ -1,10 +1,10 @@
 #pragma once
 
+#include <QPointer>
+#include <QVariantAnimation>
 #include <QWidget>
 
 #include <vector>
-
-class QVariantAnimation;
 
 namespace lumetry::views {
 
@@ -22,7 +22,7 @@ private:
     void paintEvent(QPaintEvent* event) override;
 
     std::vector<double> shares_; ///< of each dash's way from other to current
-    QVariantAnimation* animation_ = nullptr;
+    QPointer<QVariantAnimation> animation_;
 };
 
 } // namespace lumetry::views

@@ -3,10 +3,13 @@
 #include "base/color.h"
 #include "platform/qt/fonts.h"
 
+#include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QLabel>
+#include <QPainter>
 #include <QScreen>
 
+#include <algorithm>
 #include <cmath>
 
 namespace lumetry::views {
@@ -43,6 +46,14 @@ QColor systemOrange() {
     return {255, 159, 10};
 }
 
+void paintBox(QPainter& painter, const QRectF& rect, const Box& box) {
+    const double inset = box.border.isValid() ? box.borderWidth / 2 : 0;
+    painter.setBrush(box.fill);
+    painter.setPen(box.border.isValid() ? QPen(box.border, box.borderWidth) : QPen(Qt::NoPen));
+    painter.drawRoundedRect(rect.adjusted(inset, inset, -inset, -inset), box.cornerRadius - inset,
+                            box.cornerRadius - inset);
+}
+
 QFont widgetFont(const Font& font) {
     static const SystemFonts fonts;
     constexpr double pointsPerInch = 72;
@@ -72,15 +83,17 @@ QLabel* makeLabel(const QString& text, const QFont& font, const QColor& color, Q
     return label;
 }
 
-void fitLabel(QLabel& label, int width) {
-    const int wanted = label.sizeHint().width();
-    if (wanted > width) {
-        constexpr double all = 100;
-        QFont font = label.font();
-        // Of whole letters, rounded down for what glyphs' rounding adds.
-        font.setLetterSpacing(QFont::PercentageSpacing, std::floor(all * width / wanted) - 0.5);
-        label.setFont(font);
+QFont fitFont(QFont font, const QStringList& texts, double width) {
+    double tightest = 0;
+    for (const QString& text : texts) {
+        const double surplus = QFontMetricsF(font).horizontalAdvance(text) - width;
+        tightest = std::max(tightest, surplus / static_cast<double>(text.size()));
     }
+    if (tightest > 0) {
+        constexpr double finest = 64; // of the steps in which letters are placed
+        font.setLetterSpacing(QFont::AbsoluteSpacing, -std::ceil(tightest * finest) / finest);
+    }
+    return font;
 }
 
 void setLabelColor(QLabel& label, const QColor& color) {

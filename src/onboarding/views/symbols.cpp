@@ -1,8 +1,9 @@
 #include "onboarding/views/symbols.h"
 
+#include "onboarding/views/motion.h"
+
 #include <QPainter>
 #include <QPainterPath>
-#include <QVariantAnimation>
 
 #include <cmath>
 
@@ -135,28 +136,17 @@ void SymbolView::setTint(const QColor& tint) {
     }
 }
 
-void SymbolView::setScale(double scale) {
-    scale_ = scale;
-    update();
-}
-
 void SymbolView::pop() {
-    constexpr int milliseconds = 380;
-    constexpr double peakTime = 0.55;
-    auto* const animation = new QVariantAnimation(this);
-    animation->setDuration(milliseconds);
-    QObject::connect(
-        animation, &QVariantAnimation::valueChanged, this, [this](const QVariant& value) {
-            static const QEasingCurve rise(QEasingCurve::OutQuad);
-            static const QEasingCurve settle(QEasingCurve::InOutQuad);
-            const double time = value.toDouble();
-            setScale(time < peakTime
-                         ? 0.5 + 0.8 * rise.valueForProgress(time / peakTime)
-                         : 1.3 - 0.3 * settle.valueForProgress((time - peakTime) / (1 - peakTime)));
-        });
-    animation->setStartValue(0.0);
-    animation->setEndValue(1.0);
-    animation->start(QAbstractAnimation::DeleteWhenStopped);
+    animate(this, {0.38, linear()}, [this](double time) {
+        constexpr double start = 0.5;
+        constexpr double peak = 1.3;
+        constexpr double peakTime = 0.55;
+        const double settling = (time - peakTime) / (1 - peakTime);
+        scale_ = time < peakTime
+                     ? std::lerp(start, peak, easeOut().valueForProgress(time / peakTime))
+                     : std::lerp(peak, 1, easeInEaseOut().valueForProgress(settling));
+        update();
+    });
 }
 
 void SymbolView::paintEvent(QPaintEvent* /*event*/) {

@@ -39,7 +39,6 @@ public:
 
 private:
     void paintEvent(QPaintEvent* event) override;
-    void setScale(double scale);
 
     Symbol symbol_;
     SymbolWeight weight_;

@@ -16,7 +16,7 @@ constexpr int keysSpacing = 10;
 QWidget* hintChip(const QString& text, QWidget* parent) {
     return new Pill(
         makeLabel(text, monospacedFont(12.5, FontWeight::semibold), whiteAt(0.9), parent),
-        {{8, 5, 8, 5}, capFill(), whiteAt(0.14), 7}, parent);
+        {8, 5, 8, 5}, {capFill(), whiteAt(0.14), 7}, parent);
 }
 
 QLabel* hintLabel(const QString& text, QWidget* parent) {
@@ -49,7 +49,7 @@ TakeoffPage::TakeoffPage(QWidget* parent) : Page(parent) {
     auto* const blink = new Pulse(nudge_, {1, 0.4, 0.9}, [this](double opacity) {
         setLabelColor(*nudge_, pink(nudgeAlpha * opacity));
     });
-    blink->start();
+    blink->begin();
     QWidget* const hints = makeHintRow();
     add(title, 10);
     add(subtitle, 32);

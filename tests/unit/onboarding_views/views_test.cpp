@@ -1,12 +1,12 @@
 #include "views_test.h"
 
+#include <QAbstractAnimation>
 #include <QAccessible>
 #include <QApplication>
-#include <QElapsedTimer>
-#include <QEventLoop>
-#include <QKeyEvent>
-#include <QTimer>
+#include <QTest>
+#include <QTimeLine>
 
+#include <cstdlib>
 #include <optional>
 
 namespace lumetry {
@@ -29,23 +29,23 @@ const testing::Environment* const environment =
 
 } // namespace
 
-void run(int milliseconds) {
-    QEventLoop loop;
-    QTimer::singleShot(milliseconds, Qt::PreciseTimer, &loop, &QEventLoop::quit);
-    loop.exec();
+void passTime(QWidget& widget, int milliseconds) {
+    for (auto* const swing : widget.findChildren<QTimeLine*>()) {
+        if (swing->state() != QTimeLine::NotRunning) {
+            swing->setCurrentTime(milliseconds);
+        }
+    }
+    for (auto* const animation : widget.findChildren<QAbstractAnimation*>()) {
+        if (animation->state() == QAbstractAnimation::Running) {
+            animation->setCurrentTime(milliseconds);
+        }
+    }
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
-bool runUntil(const std::function<bool()>& condition, int milliseconds) {
-    constexpr int stepMilliseconds = 5;
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition()) {
-        if (clock.elapsed() > milliseconds) {
-            return false;
-        }
-        run(stepMilliseconds);
-    }
-    return true;
+int distance(const QColor& a, const QColor& b) {
+    return std::abs(a.red() - b.red()) + std::abs(a.green() - b.green()) +
+           std::abs(a.blue() - b.blue());
 }
 
 QWidget* windowTitled(const QString& title) {
@@ -58,12 +58,8 @@ QWidget* windowTitled(const QString& title) {
     return nullptr;
 }
 
-void typeKey(QWidget& window, int key, const QString& text) {
-    QWidget* const target = window.focusWidget() != nullptr ? window.focusWidget() : &window;
-    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-        QKeyEvent event(type, key, Qt::NoModifier, text);
-        QApplication::sendEvent(target, &event);
-    }
+void typeKey(QWidget& window, Qt::Key key) {
+    QTest::keyClick(window.focusWidget() != nullptr ? window.focusWidget() : &window, key);
 }
 
 QRect placeOf(const QWidget& widget) {
@@ -74,15 +70,9 @@ void OnboardingViewsTest::open(OnboardingStep step, const std::string& primary) 
     window->showStep(step, false);
     window->setPrimary(primary, true);
     window->makeKeyAndOrderFront();
-    ASSERT_TRUE(runUntil([this] { return widget->isActiveWindow(); }));
-    ASSERT_TRUE(runUntil([this] {
-        for (const QWidget* const child : widget->findChildren<QWidget*>()) {
-            if (child->graphicsEffect() != nullptr) {
-                return false;
-            }
-        }
-        return true;
-    }));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(widget));
+    constexpr int allSettled = 3000;
+    passTime(allSettled);
 }
 
 QLabel* OnboardingViewsTest::label(const QString& text) const {

@@ -4,27 +4,28 @@
 #include "onboarding/views/onboarding_widget.h"
 
 #include <QAbstractButton>
+#include <QImage>
 #include <QLabel>
 #include <QWidget>
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace lumetry {
 
-/// Lets the event loop run.
-void run(int milliseconds);
-/// Lets the event loop run until the condition holds.
-/// @return whether it did in time
-[[nodiscard]] bool runUntil(const std::function<bool()>& condition, int milliseconds = 3000);
+/// Makes all that moves in the widget look as it does that long after it began. What is over by
+/// then has ended.
+void passTime(QWidget& widget, int milliseconds);
+/// How far from each other two colours are, from 0 to 765.
+[[nodiscard]] int distance(const QColor& a, const QColor& b);
 /// The window of that title.
 [[nodiscard]] QWidget* windowTitled(const QString& title);
 /// Presses and releases a key in the window: what has the keyboard gets it, else the window.
-void typeKey(QWidget& window, int key, const QString& text = {});
+void typeKey(QWidget& window, Qt::Key key);
 /// The widget's place in its window.
 [[nodiscard]] QRect placeOf(const QWidget& widget);
 
@@ -43,24 +44,24 @@ class OnboardingViewsTest : public testing::Test {
 protected:
     OnboardingViewsTest() : widget(windowTitled(QStringLiteral("Welcome to Lumetry"))) {}
 
-    /// Shows the window at that step, with nothing moving in yet or any more.
+    /// Shows the window at that step, with everything in its place.
     void open(OnboardingStep step, const std::string& primary = "Continue");
+    void passTime(int milliseconds) { lumetry::passTime(*widget, milliseconds); }
+    [[nodiscard]] QImage picture() const { return widget->grab().toImage(); }
     [[nodiscard]] QLabel* label(const QString& text) const;
     [[nodiscard]] QAbstractButton* button(const QString& nameOrTitle) const;
     /// Of every visible label of text.
     void expectNoTextClipped() const;
 
+    /// The first one on screen.
     template<typename T>
-    [[nodiscard]] T* only() const {
-        T* found = nullptr;
+    [[nodiscard]] T& first() const {
         for (QWidget* const child : widget->findChildren<QWidget*>()) {
-            if (auto* const match = dynamic_cast<T*>(child)) {
-                EXPECT_EQ(found, nullptr);
-                found = match;
+            if (auto* const match = dynamic_cast<T*>(child); match && match->isVisible()) {
+                return *match;
             }
         }
-        EXPECT_NE(found, nullptr);
-        return found;
+        throw std::runtime_error("no such widget");
     }
 
     RecordingActions actions;

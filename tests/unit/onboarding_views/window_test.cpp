@@ -1,13 +1,14 @@
+#include "onboarding/views/brand_mark_view.h"
 #include "onboarding/views/step_indicator.h"
 #include "views_test.h"
 
+#include <QAbstractAnimation>
 #include <QApplication>
-#include <QFontMetricsF>
-#include <QImage>
+#include <QScreen>
+#include <QTest>
+#include <QTimeLine>
 
 #include <algorithm>
-#include <cmath>
-#include <cstdlib>
 
 namespace lumetry {
 namespace {
@@ -15,81 +16,103 @@ namespace {
 using namespace views;
 using Calls = std::vector<std::string>;
 
-int distance(const QColor& a, const QColor& b) {
-    return std::abs(a.red() - b.red()) + std::abs(a.green() - b.green()) +
-           std::abs(a.blue() - b.blue());
+const QColor pinkOnScreen(255, 61, 138);
+
+TEST_F(OnboardingViewsTest, OpensInTheMiddleOfTheScreenWithItsFrame) {
+    window->center();
+    open(OnboardingStep::welcome);
+    ASSERT_NE(widget->frameSize(), widget->size());
+    // Wider than this screen, it is told only by its height.
+    EXPECT_NEAR(widget->frameGeometry().center().y(),
+                widget->screen()->availableGeometry().center().y(), 1);
 }
 
-TEST_F(OnboardingViewsTest, HasAFixedSizeAndADarkGroundWithALightInIt) {
+TEST_F(OnboardingViewsTest, HasADarkGroundWithALightInIt) {
     open(OnboardingStep::welcome);
-    EXPECT_EQ(widget->minimumSize(), QSize(860, 580));
-    EXPECT_EQ(widget->maximumSize(), QSize(860, 580));
-    const QImage picture = widget->grab().toImage();
     // The light's middle is 30 % above the lower edge; the upper corners are farthest from it.
-    const QColor corner = picture.pixelColor(2, 2);
-    const QColor middle = picture.pixelColor(430, 500);
+    const QColor corner = picture().pixelColor(2, 2);
+    const QColor middle = picture().pixelColor(430, 500);
     EXPECT_LE(distance(corner, QColor(23, 23, 28)), 8);
     EXPECT_GE(middle.red() - corner.red(), 8);
-    EXPECT_EQ(picture.pixelColor(0, 300).alpha(), 255);
 }
 
-TEST_F(OnboardingViewsTest, PlacesTheChrome) {
+TEST_F(OnboardingViewsTest, LetsItsViewsComeDownOneAfterAnother) {
+    open(OnboardingStep::welcome);
+    // Of white text.
+    const auto topOf = [this](const QRect& place) {
+        const QImage whole = picture();
+        for (int y = place.top() - 20; y <= place.bottom(); ++y) {
+            for (int x = place.left(); x <= place.right(); ++x) {
+                if (whole.pixelColor(x, y).green() > 90) {
+                    return y;
+                }
+            }
+        }
+        return -1;
+    };
+    const QRect title = placeOf(*label("Measure anything on your Mac."));
+    const int top = topOf(title);
+    window->showStep(OnboardingStep::welcome, false);
+    QCoreApplication::sendPostedEvents();
+    passTime(0);
+    EXPECT_EQ(topOf(title), -1);
+    passTime(250);
+    EXPECT_NEAR(topOf(title), top - 16 * (1 - 0.6846), 1);
+
     open(OnboardingStep::permissions);
-    const QRect primary = placeOf(*button("Continue"));
-    const QRect back = placeOf(*button("back"));
-    const QRect dashes = placeOf(*only<StepIndicator>());
-    EXPECT_EQ(860 - (primary.x() + primary.width()), 24);
-    EXPECT_EQ(580 - (primary.y() + primary.height()), 18);
-    EXPECT_EQ(primary.height(), 42);
-    EXPECT_EQ(back.x(), 22);
-    EXPECT_EQ(dashes.x() - (back.x() + back.width()), 16);
-    const double middle = primary.y() + primary.height() / 2.0;
-    EXPECT_NEAR(back.y() + back.height() / 2.0, middle, 0.5);
-    EXPECT_NEAR(dashes.y() + dashes.height() / 2.0, middle, 0.5);
+    const QRect card = placeOf(*button("Grant Accessibility")->parentWidget());
+    window->showStep(OnboardingStep::permissions, false);
+    QCoreApplication::sendPostedEvents();
+    passTime(70 + 250);
+    const auto above = [&, shown = picture()](int pixels) {
+        return shown.pixelColor(card.center().x(), card.top() - pixels);
+    };
+    EXPECT_GE(distance(above(3), above(9)), 12) << "cut off at its parent's edge";
+}
+
+TEST_F(OnboardingViewsTest, FadesTheWholeOfANewPage) {
+    open(OnboardingStep::permissions);
+    // Where the first stroke of the mark begins.
+    const auto stroke = [this] {
+        QCoreApplication::sendPostedEvents();
+        passTime(100);
+        const auto& mark = first<BrandMarkView>();
+        const QPoint margin(BrandMarkView::margin(), BrandMarkView::margin());
+        return distance(picture().pixelColor(placeOf(mark).topLeft() + margin + QPoint(16, 36)),
+                        pinkOnScreen);
+    };
+    window->showStep(OnboardingStep::welcome, false);
+    EXPECT_LE(stroke(), 20);
+    window->showStep(OnboardingStep::permissions, false);
+    window->showStep(OnboardingStep::welcome, true);
+    EXPECT_GE(stroke(), 90);
 }
 
 TEST_F(OnboardingViewsTest, MovesTheDashesAndHidesTheBackButtonAtTheFirstStep) {
-    open(OnboardingStep::welcome);
+    open(OnboardingStep::takeoff);
     for (int step = 0; step < onboardingStepCount; ++step) {
         window->showStep(static_cast<OnboardingStep>(step), true);
-        const auto* const dashes = only<StepIndicator>();
-        EXPECT_TRUE(runUntil([&] { return dashes->dashWidth(step) == 34; })) << step;
-        const QImage picture = widget->grab().toImage();
-        double x = placeOf(*dashes).x();
+        const auto& dashes = first<StepIndicator>();
+        passTime(125);
+        EXPECT_NEAR(dashes.dashWidth(step), 18 + 16 * 0.8024, 0.01);
+        passTime(250);
         for (int dash = 0; dash < onboardingStepCount; ++dash) {
-            EXPECT_EQ(dashes->dashWidth(dash), dash == step ? 34 : 18);
-            const QColor color =
-                picture.pixelColor(static_cast<int>(x) + 9, placeOf(*dashes).center().y());
-            EXPECT_EQ(distance(color, QColor(255, 61, 138)) < 8, dash == step);
-            x += dashes->dashWidth(dash) + 7;
+            EXPECT_EQ(dashes.dashWidth(dash), dash == step ? 34 : 18);
         }
         EXPECT_EQ(button("back")->isVisible(), step > 0);
     }
 }
 
-TEST_F(OnboardingViewsTest, FitsThePrimaryButtonToItsTitle) {
+TEST_F(OnboardingViewsTest, WidensThePrimaryButtonToTheLeftForALongTitle) {
     open(OnboardingStep::permissions);
-    struct Case {
-        const char* title;
-        bool enabled;
-        bool least; ///< the narrowest there is
-    };
-    for (const Case& c : {Case{"Get Started", true, true}, Case{"Continue", true, true},
-                          Case{"Grant Screen Recording to continue", false, false},
-                          Case{"Reopen Lumetry to apply", true, false}}) {
-        SCOPED_TRACE(c.title);
-        window->setPrimary(c.title, c.enabled);
-        const QAbstractButton* const primary = button(c.title);
-        ASSERT_NE(primary, nullptr);
-        const double title = QFontMetricsF(primary->font()).horizontalAdvance(c.title);
-        EXPECT_EQ(primary->width() == 150, c.least);
-        EXPECT_EQ(primary->width(), std::max(150.0, std::ceil(title) + 52));
-        EXPECT_EQ(placeOf(*primary).x() + primary->width(), 860 - 24);
-        EXPECT_EQ(primary->isEnabled(), c.enabled);
-        const QColor fill =
-            widget->grab().toImage().pixelColor(placeOf(*primary).topLeft() + QPoint(20, 10));
-        EXPECT_EQ(distance(fill, QColor(255, 61, 138)) < 8, c.enabled);
-    }
+    const QRect usual = placeOf(*button("Continue"));
+    window->setPrimary("Get Started", true);
+    EXPECT_EQ(placeOf(*button("Get Started")), usual);
+    window->setPrimary("Reopen Lumetry to apply", true);
+    const QRect wider = placeOf(*button("Reopen Lumetry to apply"));
+    EXPECT_GT(wider.width(), usual.width());
+    EXPECT_EQ(wider.right(), usual.right());
+    EXPECT_TRUE(wider.height() == usual.height() && wider.top() == usual.top());
 }
 
 TEST_F(OnboardingViewsTest, ReachesEveryButtonByKeyboardAndPressesIt) {
@@ -104,42 +127,17 @@ TEST_F(OnboardingViewsTest, ReachesEveryButtonByKeyboardAndPressesIt) {
          {Case{"Grant Accessibility", "grantAX"}, Case{"Grant Screen Recording", "grantSR"},
           Case{"back", "back"}, Case{"Continue", "primary"}}) {
         SCOPED_TRACE(c.name);
-        const QImage before = widget->grab().toImage();
+        const QImage before = picture();
         typeKey(*widget, Qt::Key_Tab);
         ASSERT_EQ(widget->focusWidget(), button(c.name));
         const QRect place = placeOf(*button(c.name));
-        EXPECT_NE(widget->grab().toImage().copy(place), before.copy(place)) << "no focus ring";
-        for (const int key : {Qt::Key_Space, Qt::Key_Return}) {
+        EXPECT_NE(picture().copy(place), before.copy(place)) << "no focus ring";
+        for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return}) {
             actions.calls.clear();
             typeKey(*widget, key);
             EXPECT_EQ(actions.calls, Calls{c.call});
         }
     }
-}
-
-TEST_F(OnboardingViewsTest, PressesThePrimaryButtonForReturnWhateverHasTheKeyboard) {
-    open(OnboardingStep::takeoff, "Start Inspecting");
-    if (QWidget* const focused = widget->focusWidget()) {
-        focused->clearFocus();
-    }
-    typeKey(*widget, Qt::Key_Return);
-    EXPECT_EQ(actions.calls, Calls{"primary"});
-    window->setPrimary("Start Inspecting", false);
-    typeKey(*widget, Qt::Key_Return);
-    EXPECT_EQ(actions.calls, Calls{"primary"});
-}
-
-TEST_F(OnboardingViewsTest, TellsOnceThatItClosesAndLivesOn) {
-    open(OnboardingStep::welcome);
-    window->close();
-    EXPECT_EQ(actions.calls, Calls{"close"});
-    EXPECT_FALSE(window->isVisible());
-    window->close();
-    EXPECT_EQ(actions.calls, Calls{"close"}) << "it was closed already";
-    window->makeKeyAndOrderFront();
-    EXPECT_TRUE(window->isVisible());
-    widget->close();
-    EXPECT_EQ(actions.calls, (Calls{"close", "close"}));
 }
 
 TEST_F(OnboardingViewsTest, MayCloseOrChangeItsStepAtAnyMomentOfAnAnimation) {
@@ -150,10 +148,10 @@ TEST_F(OnboardingViewsTest, MayCloseOrChangeItsStepAtAnyMomentOfAnAnimation) {
             window->pop(Permission::accessibility);
             window->showStep(static_cast<OnboardingStep>(step), true);
             window->setKeyActive(PracticeKey::m, true);
-            run(moment);
+            passTime(moment);
             window->showStep(static_cast<OnboardingStep>((step + 1) % onboardingStepCount), true);
             window->showStep(static_cast<OnboardingStep>(step), true);
-            run(moment / 2);
+            passTime(moment / 2);
             window->close();
             EXPECT_FALSE(window->isVisible());
         }
@@ -164,26 +162,27 @@ TEST_F(OnboardingViewsTest, MayCloseOrChangeItsStepAtAnyMomentOfAnAnimation) {
     EXPECT_EQ(button("Grant Accessibility")->graphicsEffect(), nullptr);
     window->showStep(OnboardingStep::welcome, true);
     window.reset();
-    run(400);
+    QCoreApplication::processEvents();
 }
 
-TEST_F(OnboardingViewsTest, DrawsNothingWhileHidden) {
+TEST_F(OnboardingViewsTest, RestsWhileClosedAndTellsOnceThatItCloses) {
     open(OnboardingStep::takeoff);
-    run(400);
+    const auto moves = [this] {
+        const auto swings = widget->findChildren<QTimeLine*>();
+        return std::any_of(swings.begin(), swings.end(), [](const QTimeLine* swing) {
+            return swing->state() == QTimeLine::Running;
+        });
+    };
+    EXPECT_TRUE(moves());
     window->close();
-    run(50);
-    struct Counter final : QObject {
-        bool eventFilter(QObject* watched, QEvent* event) override {
-            timers += event->type() == QEvent::Timer ? 1 : 0;
-            return QObject::eventFilter(watched, event);
-        }
-        int timers = 0;
-    } counter;
-    qApp->installEventFilter(&counter);
-    run(500);
-    qApp->removeEventFilter(&counter);
-    // The one that ends the wait.
-    EXPECT_LE(counter.timers, 2);
+    window->close();
+    EXPECT_EQ(actions.calls, Calls{"close"});
+    EXPECT_FALSE(moves());
+    for (const auto* const animation : widget->findChildren<QAbstractAnimation*>()) {
+        EXPECT_EQ(animation->state(), QAbstractAnimation::Stopped);
+    }
+    window->makeKeyAndOrderFront();
+    EXPECT_TRUE(moves());
 }
 
 } // namespace

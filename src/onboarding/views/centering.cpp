@@ -1,0 +1,53 @@
+#include "onboarding/views/centering.h"
+
+#include <QEvent>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QStyle>
+#include <QWidget>
+
+namespace lumetry::views {
+namespace {
+
+void place(QWidget& window) {
+    if (const QScreen* const screen = QGuiApplication::primaryScreen()) {
+        window.move(QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, window.frameSize(),
+                                        screen->availableGeometry())
+                        .topLeft());
+    }
+}
+
+/// Centres its window once more when the frame turns up around it.
+class FrameWatcher final : public QObject {
+public:
+    explicit FrameWatcher(QWidget& window) : QObject(&window), window_(window) {
+        window.installEventFilter(this);
+    }
+
+private:
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+        const bool shown = event->type() == QEvent::Move || event->type() == QEvent::WindowActivate;
+        const bool framed = shown && window_.isVisible() && window_.frameSize() != window_.size();
+        if (framed || event->type() == QEvent::Hide) {
+            window_.removeEventFilter(this);
+            deleteLater();
+        }
+        if (framed) {
+            place(window_);
+        }
+        return false;
+    }
+
+    QWidget& window_;
+};
+
+} // namespace
+
+void centerOnScreen(QWidget& window) {
+    place(window);
+    if (!window.isVisible()) {
+        new FrameWatcher(window);
+    }
+}
+
+} // namespace lumetry::views
