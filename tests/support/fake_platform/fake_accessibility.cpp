@@ -19,21 +19,16 @@ public:
                                     const AXValue& parameter) const override {
         element_.parameters.insert_or_assign(std::string(attribute), parameter);
         const auto found = element_.parameterizedAttributes.find(attribute);
-        return element_.responds && found != element_.parameterizedAttributes.end()
-                   ? std::optional(found->second)
-                   : std::nullopt;
+        return found != element_.parameterizedAttributes.end() ? std::optional(found->second)
+                                                               : std::nullopt;
     }
     void setAttributeValue(std::string_view attribute, const AXValue& value) const override {
-        if (element_.responds) {
-            element_.attributes.insert_or_assign(std::string(attribute), value);
-            element_.owner_.writes.push_back({&element_, std::string(attribute), value});
-        }
+        element_.owner_.writes.push_back({&element_, std::string(attribute), value});
     }
     [[nodiscard]] std::optional<AXUIElement> copyElementAtPosition(float x,
                                                                    float y) const override {
         element_.hitTests.push_back({x, y});
-        FakeElement* found =
-            element_.responds && element_.hitTest ? element_.hitTest({x, y}) : nullptr;
+        FakeElement* found = element_.hitTest ? element_.hitTest({x, y}) : nullptr;
         return found ? std::optional(found->handle()) : std::nullopt;
     }
     void setMessagingTimeout(float seconds) const override {
@@ -146,7 +141,7 @@ std::optional<AXValue> FakeAccessibility::answer(FakeElement& element, std::stri
     ++element.reads[key.second];
     std::optional<AXValue> value;
     const auto found = element.attributes.find(attribute);
-    if (element.responds && found != element.attributes.end()) {
+    if (found != element.attributes.end()) {
         value = found->second;
     }
     if (kept_) {

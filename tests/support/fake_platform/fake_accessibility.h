@@ -2,6 +2,7 @@
 
 #include "platform/accessibility.h"
 #include "platform/ax_value.h"
+#include "support/printing/printing.h"
 
 #include <functional>
 #include <map>
@@ -35,7 +36,6 @@ public:
     /// For roots: the element at a point of accessibility space, null for none.
     std::function<FakeElement*(Point)> hitTest;
     std::optional<pid_t> pid;
-    bool responds = true; ///< false for an application that hangs or is gone
 
     std::map<std::string, int, std::less<>> reads; ///< how often the application was asked for what
     /// What the parameterised attributes were last asked about.

@@ -27,8 +27,6 @@ public:
     [[nodiscard]] Token
     addGlobalMonitorForEvents(EventMask mask, std::function<void(const Event&)> handler) override;
 
-    EventMask refused = 0; ///< monitors of a mask that shares a bit with it are refused
-
 private:
     struct Monitor {
         int number;

@@ -12,21 +12,22 @@ namespace lumetry {
 class FakeScreenCapture final : public ScreenCapture {
 public:
     void paint(Bitmap picture) { picture_.emplace(std::move(picture)); }
-    void refuse() { picture_.reset(); }
 
     [[nodiscard]] std::optional<Bitmap> captureBelow(const Rect& area,
                                                      std::uint32_t windowNumber) override {
         note(windowNumber);
-        return picture_ ? picture_->captureBelow(area, windowNumber) : std::nullopt;
+        return picture_ && !refused ? picture_->captureBelow(area, windowNumber) : std::nullopt;
     }
     [[nodiscard]] std::optional<Bitmap> captureBelow(const Rect& area, std::uint32_t windowNumber,
                                                      PixelSize size,
                                                      Interpolation interpolation) override {
         note(windowNumber);
-        return picture_ ? picture_->captureBelow(area, windowNumber, size, interpolation)
-                        : std::nullopt;
+        return picture_ && !refused
+                   ? picture_->captureBelow(area, windowNumber, size, interpolation)
+                   : std::nullopt;
     }
 
+    bool refused = false;
     int captures = 0;
     std::uint32_t lastWindowNumber = 0; ///< below which the last capture was
 

@@ -38,15 +38,6 @@ Size FixedTextMetrics::measure(std::string_view text, const Font& font) const {
     return {7.0 * static_cast<double>(codePoints), font.size + 3};
 }
 
-DisplayList OverlayWindowRecord::draw() const {
-    const FixedTextMetrics metrics;
-    RecordingCanvas canvas(metrics);
-    if (view) {
-        view->draw(canvas, frame);
-    }
-    return canvas.take();
-}
-
 std::unique_ptr<OverlayWindow> FakeOverlayWindows::makeWindow(const Rect& contentRect,
                                                               const OverlayWindowStyle& style) {
     made.push_back(std::make_shared<OverlayWindowRecord>());

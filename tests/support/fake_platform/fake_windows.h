@@ -4,6 +4,7 @@
 #include "platform/overlay_window.h"
 #include "platform/screen_lock.h"
 #include "platform/window_server.h"
+#include "support/printing/printing.h"
 
 #include <functional>
 #include <memory>
@@ -71,9 +72,6 @@ struct OverlayWindowRecord {
     bool shown = false;
     bool alive = true;
     int needsDisplay = 0; ///< how often it was asked to draw
-
-    /// What its view draws now.
-    [[nodiscard]] DisplayList draw() const;
 };
 
 class FakeOverlayWindows final : public OverlayWindows {

@@ -56,7 +56,18 @@ TEST_F(ShellTest, DrawsItsMarkAtAnySize) {
     EXPECT_EQ(image.size, (Size{18, 18}));
     const StrokedPath drawn = image.drawingHandler({10, 20, 48, 48});
     EXPECT_DOUBLE_EQ(drawn.lineWidth, 3.8);
-    EXPECT_EQ(drawn.lines.at(4), (std::vector<Point>{{28, 44}, {40, 44}}));
+    ASSERT_EQ(drawn.lines.size(), 7U);
+    EXPECT_EQ(drawn.lines[0], (std::vector<Point>{{19, 37}, {19, 29}, {27, 29}}));
+    // Each corner is the one before, turned by a quarter around the middle.
+    for (std::size_t corner = 1; corner < 4; ++corner) {
+        for (std::size_t i = 0; i < 3; ++i) {
+            const Point before = drawn.lines[corner - 1][i];
+            EXPECT_EQ(drawn.lines[corner][i], (Point{34 + 44 - before.y, 44 - 34 + before.x}));
+        }
+    }
+    EXPECT_EQ(drawn.lines[4], (std::vector<Point>{{28, 44}, {40, 44}}));
+    EXPECT_EQ(drawn.lines[5], (std::vector<Point>{{28, 40}, {28, 48}}));
+    EXPECT_EQ(drawn.lines[6], (std::vector<Point>{{40, 40}, {40, 48}}));
 }
 
 TEST_F(ShellTest, ShortcutAndMenuToggle) {

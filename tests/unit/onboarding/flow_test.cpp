@@ -57,12 +57,10 @@ TEST_F(OnboardingTest, PrimaryButtonFollowsStepAndPermissions) {
     };
     for (const Case& one : {
              Case{false, false, false, "Grant Accessibility to continue", false},
-             Case{false, true, false, "Grant Accessibility to continue", false},
              Case{true, false, false, "Grant Screen Recording to continue", false},
              Case{true, true, false, "Continue", true},
              Case{true, false, true, "Reopen Lumetry to apply", true},
              Case{false, false, true, "Grant Accessibility to continue", false},
-             Case{true, true, true, "Continue", true},
          }) {
         if (one.asked) {
             user().grantSR();
@@ -99,19 +97,19 @@ TEST_F(OnboardingTest, ReopensOnlyWhileTheGrantIsPending) {
 TEST_F(OnboardingTest, CompletesOnceHoweverOftenItIsAsked) {
     allow(true, true);
     controller->showTakeoff();
+    key(EventType::keyDown, keyCodeM);
     user().primaryTapped();
     user().primaryTapped();
     controller->complete();
+    key(EventType::flagsChanged, keyCodeUnknown); // lets the keys go, which stay lit
     EXPECT_TRUE(shell.desktop.defaults.boolForKey(onboardedKey));
+    advance(0.49);
+    EXPECT_EQ(starts, 0);
     EXPECT_EQ(window().nudge, "here we go!");
     EXPECT_EQ(window().keys, (std::map<PracticeKey, bool>{{PracticeKey::control, true},
                                                           {PracticeKey::shift, true},
                                                           {PracticeKey::m, true}}));
-    advance(0.49);
-    EXPECT_EQ(starts, 0);
     advance(0.02);
-    EXPECT_EQ(starts, 1);
-    advance(5);
     EXPECT_EQ(starts, 1);
     // Another page begins anew.
     controller->showTakeoff();

@@ -47,16 +47,6 @@ TEST_F(Practice, LightsMForAWhileAndSwallowsIt) {
     EXPECT_FALSE(lit(PracticeKey::m));
 }
 
-TEST_F(Practice, CompletionHoldsTheKeysLit) {
-    key(EventType::keyDown, keyCodeM);
-    controller->complete();
-    hold(0);
-    advance(0.4);
-    EXPECT_TRUE(lit(PracticeKey::control));
-    EXPECT_TRUE(lit(PracticeKey::m));
-    EXPECT_EQ(window().nudge, "here we go!");
-}
-
 TEST_F(Practice, ListensOnlyOnItsPage) {
     EXPECT_EQ(monitors(), 2U);
     controller->showTakeoff();

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <optional>
 #include <vector>
 
@@ -16,7 +15,6 @@ constexpr Rect around = {50, 50, 200, 200};
 constexpr pid_t regularPID = 1;
 constexpr pid_t otherPID = 2;
 constexpr pid_t accessoryPID = 3;
-constexpr pid_t backgroundPID = 4;
 constexpr pid_t unknownPID = 5;
 
 WindowInfo window(pid_t pid, int layer, std::optional<double> alpha = 1,
@@ -54,17 +52,13 @@ TEST(TopWindow, IsTheFrontmostNormalOneElseAPanel) {
              Case{"panel of an accessory",
                   {window(accessoryPID, 3), window(regularPID, 5)},
                   regularPID},
-             Case{"panel of a background program", {window(backgroundPID, 3)}, {}},
              Case{"panel of no application", {window(unknownPID, 3)}, {}},
-             Case{"none", {}, {}},
          }) {
         FakeDesktop desktop;
         desktop.launch(regularPID, "A", "a");
         desktop.launch(otherPID, "B", "b");
         desktop.launch(accessoryPID, "C", "c");
         desktop.applications.running[accessoryPID].activationPolicy = ActivationPolicy::accessory;
-        desktop.launch(backgroundPID, "D", "d");
-        desktop.applications.running[backgroundPID].activationPolicy = ActivationPolicy::prohibited;
         desktop.windowServer.windows = windows;
         const auto found = topWindowInfo(desktop.platform, desktop.state, at);
         EXPECT_EQ(found ? std::optional(found->pid) : std::nullopt, hit) << name;
@@ -112,7 +106,6 @@ TEST(ElementAt, WakesChromiumThatKnowsNoMoreThanItsWindow) {
              Case{"lower", true, Size{1200, 719}, false},
              Case{"without a frame", true, Size{0, 0}, false},
              Case{"nothing", true, {}, true},
-             Case{"nothing elsewhere", false, {}, false},
              Case{"the window elsewhere", false, Size{1280, 800}, false},
          }) {
         SCOPED_TRACE(name);

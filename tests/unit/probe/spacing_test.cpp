@@ -60,10 +60,8 @@ TEST(Padding, IsTheSpaceAroundAllChildren) {
              Case{"one value", frame, {{12, 12, 76, 76}}, "12px"},
              Case{"four values", frame, {{12, 8, 76, 82}, {20, 20, 68, 9}}, "8px 12px 10px 12px"},
              Case{"level ones differ", frame, {{1, 5, 97, 90}}, "5px 2px 5px 1px"},
-             Case{"box around several", frame, {{20, 20, 5, 5}, {70, 75, 10, 5}}, "20px"},
              Case{"halves away from zero", frame, {{0.5, 0.4, 98.1, 99.2}}, "0px 1px"},
              Case{"no space", frame, {frame}, ""},
-             Case{"hardly any", frame, {{0.4, 0.4, 99.2, 99.2}}, ""},
              Case{"sticking out on the left", frame, {{-2, 5, 97, 90}}, "5px 5px 5px 0px"},
              Case{"64", large, {{64, 10, 226, 280}}, "10px 10px 10px 64px"},
              Case{"65", large, {{10, 65, 280, 225}}, "65px 10px 10px 10px", false},
@@ -74,13 +72,9 @@ TEST(Padding, IsTheSpaceAroundAllChildren) {
              Case{"flat", {0, 0, 100, 0.005}, {{25, 0, 50, 0.0025}}, "0px 25px", false},
              Case{"children without a size", frame, {{20, 20, 0, 10}, {20, 20, 10, -1}}, ""},
              Case{"one of them without", frame, {{0, 0, 0, 0}, {10, 10, 80, 80}}, "10px"},
-             Case{"no children", frame, {}, ""},
              Case{"not a number", frame, {{10, 10, 80, 80}, {nan, 10, 80, 80}}, ""},
-             Case{"far away", frame, {{10, 10, 80, 80}, {infinity, infinity, 5, 5}}, ""},
              Case{"without end", frame, {{10, 10, infinity, infinity}}, ""},
-             Case{"enormous", {-1e308, 0, 1.7e308, 9}, {{-1e308, 0, 9e307, 9}}, ""},
              Case{"frame that is none", {nan, 0, 100, 100}, {{10, 10, 80, 80}}, ""},
-             Case{"frame without end", {0, 0, infinity, 100}, {{10, 10, 80, 80}}, ""},
          }) {
         Family family(children);
         EXPECT_EQ(family.padding(outer, false), expected) << name;
@@ -127,9 +121,9 @@ TEST(CollectionGap, IsTheTypicalSpaceOfRegularItems) {
                   CollectionGap{8, 6, 30, true}},
              Case{"as irregular as its median allows", column({4, 20}, 30),
                   CollectionGap{20, 3, 30, true}},
-             Case{"more irregular", column({4, 20.5, 12}, 30), std::nullopt},
-             Case{"small but irregular", column({2, 2, 12}, 30), std::nullopt},
+             Case{"more irregular", column({4, 20.2}, 30), std::nullopt},
              Case{"small and near enough", column({0, 6}, 30), CollectionGap{6, 3, 30, true}},
+             Case{"small and not", column({0, 6.1}, 30), std::nullopt},
              Case{"side by side", turned(column({8, 8}, 44)), CollectionGap{8, 3, 44, false}},
              Case{"in another order", {{0, 104, 9, 44}, {0, 0, 9, 44}, {0, 52, 9, 44}}, tall},
              Case{"grid", grid(3, 3), CollectionGap{10, 9, 100, true}},
@@ -142,18 +136,12 @@ TEST(CollectionGap, IsTheTypicalSpaceOfRegularItems) {
              Case{"jump left out", column({8, 200}, 44), tall},
              Case{"jump kept", column({199.5}, 44), CollectionGap{200, 2, 44, true}},
              Case{"nothing but jumps", column({200}, 44), std::nullopt},
-             Case{"nothing but overlaps", {{0, 0, 9, 44}, {0, 9, 9, 44}}, std::nullopt},
              Case{"separators left out",
                   {{0, 0, 200, 44}, {0, 48, 1, 2}, {0, 50, 200, 1}, {0, 52, 200, 44}},
                   CollectionGap{8, 4, 44, true}},
-             Case{"one child", column({}, 44), std::nullopt},
-             Case{"one child with a size", {{0, 0, 9, 44}, {0, 50, 0, 0}}, std::nullopt},
              Case{"not a number", {{0, 0, 9, 44}, {0, 52, 9, 44}, {0, nan, 9, 44}}, std::nullopt},
              Case{"infinitely wide",
                   {{0, 0, 9, 44}, {0, 52, 9, 44}, {0, 104, infinity, 44}},
-                  std::nullopt},
-             Case{"enormous",
-                  {{-1e308, 0, 9, 44}, {1e308, 52, 9, 44}, {0, 104, 9, 44}},
                   std::nullopt},
          }) {
         EXPECT_EQ(Family(children).gap(), expected) << name;
@@ -167,17 +155,16 @@ TEST(Spacing, AsksNoMoreThanItNeedsAndAllAtOnce) {
         int gapReads;
     };
     for (const auto& [children, paddingReads, gapReads] : {
-             Case{0, 1, 1},
              Case{1, 1 + 2, 1},
              Case{40, 1 + 2 * 40, 1 + 2 * 40},
              Case{41, 1, 1 + 2 * 41},
              Case{300, 1, 1 + 2 * 60},
              Case{301, 1, 1},
-             Case{10'000, 1, 1},
          }) {
-        const auto frames = column(std::vector<double>(children), 20);
-        Family forPadding({frames.begin(), frames.begin() + static_cast<std::ptrdiff_t>(children)});
-        Family forGap({frames.begin(), frames.begin() + static_cast<std::ptrdiff_t>(children)});
+        auto frames = column(std::vector<double>(children), 20);
+        frames.pop_back();
+        Family forPadding(frames);
+        Family forGap(frames);
         const auto paddingScope = forPadding.accessibility.keepAnswers();
         const auto gapScope = forGap.accessibility.keepAnswers();
         static_cast<void>(forPadding.padding({-5, -5, 210, 1e6}, false));
@@ -188,16 +175,6 @@ TEST(Spacing, AsksNoMoreThanItNeedsAndAllAtOnce) {
         EXPECT_EQ(forGap.accessibility.prefetches, gapReads > 1 ? 1 : 0) << children;
         EXPECT_EQ(gap ? gap->count : 0, gapReads > 1 ? children : 0);
     }
-}
-
-TEST(Spacing, ChildrenThatAreNoneMeanNothing) {
-    Family family(column({8, 8}, 44));
-    family.parent.set("AXChildren", "text");
-    EXPECT_EQ(family.padding({0, 0, 300, 300}, false), "");
-    EXPECT_EQ(family.gap(), std::nullopt);
-    family.parent.attributes.erase("AXChildren");
-    EXPECT_EQ(family.padding({0, 0, 300, 300}, false), "");
-    EXPECT_EQ(family.gap(), std::nullopt);
 }
 
 } // namespace

@@ -93,20 +93,6 @@ TEST_F(Detection, PrefersAFinerBoxToOneFrameForTheWholePage) {
                           "header=WebArea · Chat box=600x400 win=600x400");
 }
 
-TEST_F(Detection, SaysWhichPermissionIsMissing) {
-    desktop.windowServer.captureAllowed = false;
-    desktop.screenCapture.refuse();
-    desktop.accessibility.application(pid).answerWith({});
-    hover(onPainted);
-    const std::vector<GlanceRow> needs = {{"needs", "Screen Recording", {}}};
-    EXPECT_EQ(view().header, "no screen access");
-    EXPECT_EQ(view().rows, needs);
-    EXPECT_TRUE(view().targetRect.isEmpty());
-    hover(onDesktop);
-    EXPECT_EQ(view().header, "color");
-    EXPECT_EQ(view().rows, needs);
-}
-
 TEST_F(Detection, LogsEachChangeOnce) {
     const auto lines = [&] { return std::ranges::count(logged(), '\n'); };
     const auto before = lines();
@@ -121,17 +107,6 @@ TEST_F(Detection, LogsEachChangeOnce) {
     overlay->stop();
     overlay->start();
     EXPECT_EQ(lines(), before + 3) << "the same as before it was left";
-}
-
-TEST_F(Detection, RefreshesTheLiveColourNowAndThen) {
-    const auto sampleAt = [&](double seconds) {
-        desktop.runLoop.advance(seconds);
-        desktop.eventMonitors.fire({EventType::mouseMoved});
-        return desktop.screenCapture.captures;
-    };
-    const int first = sampleAt(1);
-    EXPECT_EQ(sampleAt(0.05), first);
-    EXPECT_EQ(sampleAt(0.06), first + 1);
 }
 
 TEST_F(Detection, TellsApplicationsAndPathsApart) {

@@ -1,5 +1,6 @@
 #include "session/glance.h"
 
+#include "base/color_metrics.h"
 #include "platform/ax_value.h"
 #include "support/fake_platform/fake_desktop.h"
 #include "support/pictures/pictures.h"
@@ -8,6 +9,7 @@
 
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace lumetry {
@@ -17,46 +19,49 @@ constexpr Rect frame = {20, 20, 160, 90};
 constexpr std::uint32_t fill = 0x336699;
 constexpr std::uint32_t ink = 0xFFFFFF;
 
-/// A component that has everything that can be measured: text on a filled surface with square
-/// corners, and three children in a column.
+/// A component that has everything that can be measured: a filled surface with round corners, three
+/// children in a column, and text that only its text source tells of.
 class GlanceRows : public testing::Test {
 protected:
     GlanceRows() {
-        Bitmap screen = evenBitmap(400, 300, 0xEEEEEE);
-        fillRect(screen, {20, 20, 160, 90}, fill);
+        Bitmap screen = evenBitmap(400, 300, 0x101010);
+        fillRoundedRect(screen, {20, 20, 160, 90}, 12, fill);
         fillRect(screen, {40, 40, 40, 20}, ink);
         desktop.screenCapture.paint(std::move(screen));
+        setChildren({30, 60, 90}, 30);
+    }
+
+    /// Children of 10 points height at these places, from there to 10 points before the right edge.
+    void setChildren(const std::vector<double>& places, double left) {
         std::vector<FakeElement*> children;
-        for (const double y : {30, 60, 90}) {
+        for (const double y : places) {
             children.push_back(&desktop.accessibility.makeElement(1, "AXGroup"));
-            children.back()->setFrame({30, y, 140, 10});
+            children.back()->setFrame({left, y, 170 - left, 10});
         }
         component.setChildren(children);
     }
 
     void setText(bool withColor) {
-        const auto font = std::make_shared<AXDictionary>();
-        font->insert_or_assign("AXFontName", AXValue("Inter-SemiBold"));
-        font->insert_or_assign("AXFontFamily", AXValue("Inter"));
-        font->insert_or_assign("AXFontSize", AXValue(AXNumber{14}));
-        const auto attributes = std::make_shared<AXDictionary>();
-        attributes->insert_or_assign("AXFont", AXValue(std::shared_ptr<const AXDictionary>(font)));
+        const auto font =
+            std::make_shared<const AXDictionary>(AXDictionary{{"AXFontName", "Inter-SemiBold"},
+                                                              {"AXFontFamily", "Inter"},
+                                                              {"AXFontSize", AXNumber{14}}});
+        AXDictionary attributes = {{"AXFont", AXValue(font)}};
         if (withColor) {
-            attributes->insert_or_assign("AXForegroundColor", AXValue(Color{1, 0, 0, 1}));
+            attributes.insert_or_assign("AXForegroundColor", AXValue(Color{1, 0, 0, 1}));
         }
-        const auto text = std::make_shared<AXAttributedString>();
-        text->text = "S";
-        text->runs.push_back({{0, 1}, attributes});
-        component.set("AXNumberOfCharacters", AXValue(std::int64_t{4}));
-        component.parameterizedAttributes.insert_or_assign(
-            "AXAttributedStringForRange", AXValue(std::shared_ptr<const AXAttributedString>(text)));
+        label.set("AXNumberOfCharacters", AXValue(std::int64_t{4}));
+        label.parameterizedAttributes.insert_or_assign(
+            "AXAttributedStringForRange",
+            AXValue(std::make_shared<const AXAttributedString>(AXAttributedString{
+                "S", {{{0, 1}, std::make_shared<const AXDictionary>(attributes)}}})));
     }
 
     /// Labels and values of the rows, as "label value; ...".
     [[nodiscard]] std::string rows(const std::string& role) {
         component.set("AXRole", AXValue(role));
         const Glance glance = deriveGlance(
-            desktop.platform, {component.handle(), bucketFor(role), component.handle()}, frame, 9);
+            desktop.platform, {component.handle(), bucketFor(role), label.handle()}, frame, 9);
         std::string text;
         for (const GlanceRow& row : glance.rows) {
             text += row.label;
@@ -69,6 +74,7 @@ protected:
 
     FakeDesktop desktop;
     FakeElement& component = desktop.accessibility.makeElement(1, "AXButton");
+    FakeElement& label = desktop.accessibility.makeElement(1, "AXStaticText");
 };
 
 TEST_F(GlanceRows, FollowTheClassOfTheComponent) {
@@ -79,14 +85,15 @@ TEST_F(GlanceRows, FollowTheClassOfTheComponent) {
     } cases[] = {
         {"AXStaticText", "size 160 × 90; font Inter · 14px · semibold; color #FF0000*; "
                          "contrast 1.5:1 · ✕; "},
-        {"AXButton", "size 160 × 90; fill ≈ #336699*; padding 10px; "
+        {"AXButton", "size 160 × 90; fill ≈ #336699*; radius ≈ 14px; padding 10px; "
                      "font Inter · 14px · semibold; text #FF0000*; contrast 1.5:1 · ✕; "},
-        {"AXTextField", "size 160 × 90; fill ≈ #336699*; padding 10px; "
+        {"AXTextField", "size 160 × 90; fill ≈ #336699*; radius ≈ 14px; padding 10px; "
                         "font Inter · 14px · semibold; text #FF0000*; contrast 1.5:1 · ✕; "},
-        {"AXGroup", "size 160 × 90; fill ≈ #336699*; padding 10px; gap 20px; "},
+        {"AXGroup", "size 160 × 90; fill ≈ #336699*; radius ≈ 14px; padding 10px; gap 20px; "},
         {"AXList", "size 160 × 90; gap 20px; row height 10px; items 3; "},
         {"AXWindow", "size 160 × 90; "},
-        {"AXImage", "size 160 × 90; ratio 16:9; live"},
+        {"AXImage", "size 160 × 90; ratio 16:9; radius ≈ 14px; live"},
+        {"AXVideo", "size 160 × 90; ratio 16:9; radius ≈ 14px; live"},
         {"AXSlider", "size 160 × 90; live"},
     };
     for (const auto& [role, expected] : cases) {
@@ -97,9 +104,22 @@ TEST_F(GlanceRows, FollowTheClassOfTheComponent) {
 
 TEST_F(GlanceRows, TakeTheInkWhereTheTextTellsNoColour) {
     setText(false);
-    EXPECT_EQ(rows("AXButton"), "size 160 × 90; fill ≈ #336699*; padding 10px; "
+    EXPECT_EQ(rows("AXButton"), "size 160 × 90; fill ≈ #336699*; radius ≈ 14px; padding 10px; "
                                 "font Inter · 14px · semibold; text ≈ #FFFFFF*; "
                                 "contrast 6.0:1 · AA; ");
+}
+
+TEST_F(GlanceRows, AreFewerWhereTwoChildrenLeaveALargeSpace) {
+    setChildren({30, 60}, 90);
+    const std::string surface = "size 160 × 90; fill ≈ #336699*; radius ≈ 14px; ";
+    EXPECT_EQ(rows("AXButton"),
+              surface + "padding 10px 10px 40px 70px; text ≈ #FFFFFF*; contrast 6.0:1 · AA; ");
+    EXPECT_EQ(rows("AXGroup"), surface);
+    EXPECT_EQ(rows("AXList"), "size 160 × 90; gap 20px; row height 10px; items 2; ");
+    FakeElement& left = desktop.accessibility.makeElement(1, "AXGroup").setFrame({30, 30, 40, 50});
+    FakeElement& right = desktop.accessibility.makeElement(1, "AXGroup").setFrame({75, 30, 40, 50});
+    component.setChildren({&left, &right});
+    EXPECT_EQ(rows("AXList"), "size 160 × 90; gap 5px; item width 40px; items 2; ");
 }
 
 TEST_F(GlanceRows, SayWhatIsMissingWithoutScreenAccess) {
@@ -114,16 +134,15 @@ TEST_F(GlanceRows, SayWhatIsMissingWithoutScreenAccess) {
 }
 
 TEST(ContrastRow, GradesTheExactRatio) {
-    // Greys on white on either side of both limits.
-    const auto onWhite = [](int grey) {
-        const double component = grey / 255.0;
-        return contrastRow({component, component, component, 1}, white).value;
-    };
-    EXPECT_EQ(onWhite(118), "4.5:1 · AA");
-    EXPECT_EQ(onWhite(119), "4.5:1 · ✕");
-    EXPECT_EQ(onWhite(89), "7.0:1 · AAA");
-    EXPECT_EQ(onWhite(90), "6.9:1 · AA");
-    EXPECT_EQ(onWhite(0), "21.0:1 · AAA");
+    constexpr Color black = {0, 0, 0, 1};
+    const auto yellow = [](double component) { return Color{component, component, 0, 1}; };
+    for (const auto& [ratio, component, reached, missed] :
+         {std::tuple(4.5, 0.47151691320941669, "4.5:1 · AA", "4.5:1 · ✕"),
+          {7.0, 0.60409345000169168, "7.0:1 · AAA", "7.0:1 · AA"}}) {
+        ASSERT_EQ(wcagContrast(yellow(component), black), ratio);
+        EXPECT_EQ(contrastRow(yellow(component), black).value, reached);
+        EXPECT_EQ(contrastRow(black, yellow(component - 1e-9)).value, missed);
+    }
 }
 
 } // namespace

@@ -26,9 +26,6 @@ TEST_F(MeasureMode, PinsTheSelectionAndFollowsThePointer) {
     hoverWithOption(onWindow);
     expectPinned(buttonFrame);
     EXPECT_EQ(view().measureB, std::nullopt);
-    hoverWithOption(onField);
-    expectPinned(buttonFrame);
-    EXPECT_EQ(view().measureB, inView(fieldFrame));
 
     desktop.pointer.modifiers = modifierShift | modifierCommand;
     hover(onField);
@@ -61,18 +58,6 @@ TEST_F(MeasureMode, WithoutASelectionPinsTheFirstElementWithAFrame) {
     label.set("AXSize", size);
     hoverWithOption(onLabel);
     expectPinned(labelFrame);
-    EXPECT_EQ(view().measureB, inView(labelFrame));
-    desktop.accessibility.application(pid).answerWith({&field});
-    hoverWithOption(onField);
-    expectPinned(labelFrame);
-}
-
-TEST_F(MeasureMode, AnElementWithoutAFrameLeavesTheLastSelection) {
-    FakeElement& frameless = desktop.accessibility.makeElement(pid, "AXGroup");
-    desktop.accessibility.application(pid).hitTest = [&](Point) { return &frameless; };
-    hover(onWindow);
-    hoverWithOption(onWindow);
-    expectPinned(buttonFrame);
 }
 
 TEST_F(MeasureMode, StopForgetsThePinnedEnd) {

@@ -6,8 +6,13 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <ostream>
 
 namespace lumetry {
+
+inline std::ostream& operator<<(std::ostream& out, const GlanceRow& row) {
+    return out << row.label << ": " << row.value << (row.swatch ? " with a chip" : "");
+}
 
 /// A session over one application window that holds a button with a label, and a field.
 class SessionTest : public testing::Test {
