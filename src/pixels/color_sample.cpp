@@ -16,7 +16,8 @@ std::optional<Color> sampleColor(ScreenCapture& capture, std::uint32_t windowNum
     if (!bitmap || bitmap->width < 1 || bitmap->height < 1) {
         return std::nullopt;
     }
-    return opaqueColor(pixelColor(bitmap->at(bitmap->width / 2, bitmap->height / 2)));
+    const std::uint32_t pixel = bitmap->at(bitmap->width / 2, bitmap->height / 2);
+    return pixel == missingPixel ? std::nullopt : std::optional(opaqueColor(pixelColor(pixel)));
 }
 
 } // namespace lumetry

@@ -28,7 +28,8 @@ struct PixelColor {
 /// The same as an opaque sRGB colour.
 [[nodiscard]] Color opaqueColor(const PixelColor& pixel);
 
-/// The colour on screen at a point, below the window. Absent when it cannot be read.
+/// The colour on screen at a point, below the window. Absent when it cannot be read, and on no
+/// screen.
 /// @param point accessibility space
 [[nodiscard]] std::optional<Color> sampleColor(ScreenCapture& capture, std::uint32_t windowNumber,
                                                Point point);

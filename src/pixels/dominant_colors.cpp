@@ -1,5 +1,7 @@
 #include "pixels/dominant_colors.h"
 
+#include "platform/screen_capture.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -65,6 +67,18 @@ std::uint32_t differencesIn(Block block) {
     Pixels differences{};
     forEachFour(block, [&](Pixels pixels) { differences |= pixels ^ block[0]; });
     return differences[0] | differences[1] | differences[2] | differences[3];
+}
+
+std::size_t missingIn(std::span<const std::uint32_t> rest) {
+    std::size_t missing = 0;
+    for (; rest.size() >= blockLength; rest = rest.subspan(blockLength)) {
+        Pixels counts{};
+        forEachFour(rest.first<blockLength>(), [&](Pixels pixels) {
+            counts -= reinterpret_cast<Pixels>(pixels == missingPixel);
+        });
+        missing += counts[0] + counts[1] + counts[2] + counts[3];
+    }
+    return missing + static_cast<std::size_t>(std::ranges::count(rest, missingPixel));
 }
 
 /// Goes through all pixels of a row, in no particular order.
@@ -219,6 +233,9 @@ public:
         }
     }
 
+    /// Takes black pixels out again.
+    void leaveOutBlack(std::size_t pixels) { count_ -= pixels; }
+
     [[nodiscard]] std::optional<AverageColor> average() const {
         if (count_ == 0) {
             return std::nullopt;
@@ -245,7 +262,9 @@ void addTo(ColorSum::Lanes& sums, Block block, const Shades& shades) {
 }
 
 /// Sums of the pixels of two groups of shades, of which no pixel belongs to both.
-ColorSums sumsOf(const Bitmap& picture, const Shades& fill, const Shades& ink) {
+/// @param missing how many pixels are missing ones, which are summed up as black
+ColorSums sumsOf(const Bitmap& picture, const Shades& fill, const Shades& ink,
+                 std::size_t missing) {
     ColorSums sums;
     std::span<const std::uint32_t> rest = picture.pixels;
     while (!rest.empty()) {
@@ -273,29 +292,38 @@ ColorSums sumsOf(const Bitmap& picture, const Shades& fill, const Shades& ink) {
         sums.fill.add(fillLanes);
         sums.ink.add(inkLanes);
     }
+    if (fill.contain(missingPixel)) {
+        sums.fill.leaveOutBlack(missing);
+    } else if (ink.contain(missingPixel)) {
+        sums.ink.leaveOutBlack(missing);
+    }
     return sums;
 }
 
 } // namespace
 
 std::optional<DominantColors> dominantColors(const Bitmap& picture, double leastFillShare) {
-    const Histogram histogram = histogramOf(picture);
+    Histogram histogram = histogramOf(picture);
+    std::uint32_t& blacks = histogram[keyOf(missingPixel)];
+    const std::size_t missing = blacks > 0 ? missingIn(picture.pixels) : 0;
+    blacks -= static_cast<std::uint32_t>(missing);
     const auto mode = mostFrequent(histogram, [](std::uint32_t) { return true; });
     if (!mode) {
         return std::nullopt;
     }
     const Shades fill(mode);
-    const auto total = static_cast<double>(picture.pixels.size());
-    if (static_cast<double>(countOf(fill, histogram)) / total < leastFillShare) {
+    const std::size_t total = picture.pixels.size() - missing;
+    if (static_cast<double>(countOf(fill, histogram)) / static_cast<double>(total) <
+        leastFillShare) {
         return std::nullopt;
     }
     const Shades ink(mostFrequent(histogram, [&](std::uint32_t key) {
         constexpr int nearest = 3; // from here on no shade belongs to both
         return keyDistance(key, *mode) >= nearest;
     }));
-    const ColorSums sums = sumsOf(picture, fill, ink);
+    const ColorSums sums = sumsOf(picture, fill, ink, missing);
     const auto fillAverage = sums.fill.average();
-    return fillAverage ? std::optional(DominantColors{*fillAverage, sums.ink.average()})
+    return fillAverage ? std::optional(DominantColors{*fillAverage, sums.ink.average(), total})
                        : std::nullopt;
 }
 

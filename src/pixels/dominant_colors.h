@@ -18,10 +18,11 @@ struct AverageColor {
 struct DominantColors {
     AverageColor fill;               ///< the most frequent one, with its shades
     std::optional<AverageColor> ink; ///< the most frequent one that differs clearly from it
+    std::size_t pixels = 0;          ///< of the picture that exist
 };
 
-/// The dominant colours of a picture. Absent when the fill covers less than the share of it (from 0
-/// to 1), and in an empty picture.
+/// The dominant colours of what exists of a picture. Absent when the fill covers less than the
+/// share of it (from 0 to 1), and when nothing exists.
 [[nodiscard]] std::optional<DominantColors> dominantColors(const Bitmap& picture,
                                                            double leastFillShare);
 

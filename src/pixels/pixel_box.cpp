@@ -79,8 +79,9 @@ private:
         constexpr int largestDifference = 56;
         const PixelColor color = pixelColor(pixel);
         return std::abs(color.red - base_.red) + std::abs(color.green - base_.green) +
-                   std::abs(color.blue - base_.blue) <=
-               largestDifference;
+                       std::abs(color.blue - base_.blue) <=
+                   largestDifference &&
+               pixel != missingPixel;
     }
 
     /// The number of pixels from the start to the last one before an edge; absent when the bitmap
@@ -104,10 +105,13 @@ private:
     }
 
     /// Steps to the first matching pixel behind a change of colour; absent when the change is
-    /// deeper than a band or reaches the end of the bitmap.
+    /// deeper than a band or reaches the end of the bitmap or of the screens.
     [[nodiscard]] std::optional<int> behindBand(const Line& line, int distance) const {
         constexpr int deepest = 7;
         for (int steps = 2; steps <= std::min(deepest, line.length - distance); ++steps) {
+            if (line.at(distance + steps - 1) == missingPixel) {
+                return std::nullopt;
+            }
             if (matches(line.at(distance + steps))) {
                 return steps;
             }

@@ -14,8 +14,9 @@ class ScreenCapture;
 inline constexpr double pixelBoxSquareSide = 300;
 
 /// The visual box around a point: the extent of the evenly coloured region that contains it, up to
-/// borders, separators and other colours, across text and icons. Absent when the screen cannot be
-/// read, when the region goes on beyond 150 points, or when the box is smaller than 8 points.
+/// borders, separators, other colours and the edge of the screens, across text and icons. Absent
+/// when the screen cannot be read, when the region goes on beyond 150 points, or when the box is
+/// smaller than 8 points.
 /// @param point accessibility space, as is the result
 [[nodiscard]] std::optional<Rect> pixelBox(ScreenCapture& capture, std::uint32_t windowNumber,
                                            Point point);

@@ -9,6 +9,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <vector>
 
@@ -37,8 +38,8 @@ bool isFill(const PixelColor& color, const PixelColor& fill) {
            std::abs(color.blue - fill.blue) <= largestDifference;
 }
 
-/// For each corner whose diagonal meets the fill, the radius in pixels of a corner that lets the
-/// diagonal in at that depth; ascending.
+/// For each corner that exists and whose diagonal meets the fill, the radius in pixels of a corner
+/// that lets the diagonal in at that depth; ascending.
 std::vector<double> cornerRadii(const Bitmap& picture, const PixelColor& fill) {
     // A rounded corner of radius r begins r × (1 - 1/√2) from the corner along each axis.
     constexpr double radiusPerStep = 3.414;
@@ -48,7 +49,11 @@ std::vector<double> cornerRadii(const Bitmap& picture, const PixelColor& fill) {
             for (int i = 0; i < std::min(picture.width, picture.height) / 2; ++i) {
                 const int x = left ? i : picture.width - 1 - i;
                 const int y = top ? i : picture.height - 1 - i;
-                if (isFill(pixelColor(picture.at(x, y)), fill)) {
+                const std::uint32_t pixel = picture.at(x, y);
+                if (pixel == missingPixel) {
+                    break;
+                }
+                if (isFill(pixelColor(pixel), fill)) {
                     radii.push_back(i * radiusPerStep);
                     break;
                 }
@@ -102,7 +107,7 @@ SurfaceInfo analyzeSurfaceIn(const Bitmap& picture, const Size& size, double pix
         return {};
     }
     const Color fill = opaqueColor(colors->fill.color);
-    return {fill, colors->ink ? inkOf(*colors->ink, fill, picture.pixels.size()) : std::nullopt,
+    return {fill, colors->ink ? inkOf(*colors->ink, fill, colors->pixels) : std::nullopt,
             radiusOf(picture, colors->fill.color, size, pixelsPerPoint)};
 }
 

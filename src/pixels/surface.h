@@ -11,7 +11,8 @@ namespace lumetry {
 
 class ScreenCapture;
 
-/// What an element's surface looks like on screen. All fields are absent when no colour dominates.
+/// What an element's surface looks like, as far as it exists on a screen or in a window. All fields
+/// are absent when no colour dominates.
 struct SurfaceInfo {
     std::optional<Color> fill; ///< the dominant colour
     std::optional<Color> ink;  ///< the strongest colour that stands out from it: text, an icon

@@ -22,7 +22,10 @@ enum class Interpolation {
     low,  ///< a blend of the four around the place
 };
 
-/// Reads what is on the screen.
+/// A captured pixel of what exists nowhere: transparent black.
+inline constexpr std::uint32_t missingPixel = 0;
+
+/// Reads what is on the screen. All other pixels than missing ones are opaque.
 class ScreenCapture {
 public:
     ScreenCapture() = default;
@@ -30,14 +33,15 @@ public:
     ScreenCapture& operator=(const ScreenCapture&) = delete;
     virtual ~ScreenCapture() = default;
 
-    /// The windows below one window as they show in an area (CGWindowListCreateImage with
-    /// kCGWindowListOptionOnScreenBelowWindow), in sRGB at the screen's own resolution. Parts of
-    /// the area that lie on no screen are transparent black. Absent when nothing can be read.
+    /// What the screens show of an area below one window (CGWindowListCreateImage with
+    /// kCGWindowListOptionOnScreenBelowWindow), in sRGB at the screen's own resolution. What lies
+    /// on no screen is missing. Absent when nothing can be read.
     /// @param area accessibility space
     /// @param windowNumber of the window above what is wanted (OverlayWindow::windowNumber)
     [[nodiscard]] virtual std::optional<Bitmap> captureBelow(const Rect& area,
                                                              std::uint32_t windowNumber) = 0;
-    /// The same drawn into a bitmap of that size.
+    /// The same drawn into a bitmap of that size, with what windows have beyond the screens: there
+    /// it is missing where no window lies, or where none keeps its pixels.
     [[nodiscard]] virtual std::optional<Bitmap> captureBelow(const Rect& area,
                                                              std::uint32_t windowNumber,
                                                              PixelSize size,

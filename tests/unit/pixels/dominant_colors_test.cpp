@@ -87,7 +87,7 @@ Bitmap randomPicture(std::minstd_rand& random) {
             color = colors[std::min<std::size_t>(below(8) / 2, colors.size() - 1)];
             noise = std::array{0U, 0x070707U, 0x1F1F1FU}[below(3)];
         }
-        pixel = color ^ (below(0x1000000) & noise);
+        pixel = 0xFF000000U | (color ^ (below(0x1000000) & noise));
     }
     return picture;
 }
@@ -104,6 +104,15 @@ TEST(DominantColors, AreThoseOfEveryPixelCountedByItself) {
         ASSERT_EQ(fast->ink.has_value(), slow.ink.has_value());
         ASSERT_TRUE(!fast->ink || areEqual(*fast->ink, *slow.ink));
     }
+}
+
+TEST(DominantColors, AreExactInBrightNoise) {
+    std::minstd_rand random(1);
+    Bitmap picture(64, 64);
+    for (std::uint32_t& pixel : picture.pixels) {
+        pixel = 0xFFF8F8F8U | static_cast<std::uint32_t>(random());
+    }
+    EXPECT_TRUE(areEqual(dominantColors(picture, 0)->fill, slowDominantColors(picture).fill));
 }
 
 } // namespace
