@@ -1,5 +1,7 @@
 #include "capture_rig.h"
 
+#include "support/real_desktop/screenshot.h"
+
 #include <xcb/composite.h>
 #include <xcb/shape.h>
 
@@ -50,6 +52,12 @@ Bitmap CaptureRig::captured(const Rect& area, std::uint32_t windowNumber) {
         throw std::runtime_error("there is no capture");
     }
     return std::move(*bitmap);
+}
+
+void CaptureRig::awaitPixel(double x, double y, std::uint32_t color) {
+    loop.requireUntil("the colour of a pixel", [&] {
+        return screenshot(desktop.server(), {x, y, 1, 1}).at(0, 0) == color && pixel(x, y) == color;
+    });
 }
 
 xcb_window_t CaptureRig::show(const Rect& rect, std::uint32_t color, WindowOptions options) {

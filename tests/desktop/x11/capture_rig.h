@@ -24,6 +24,10 @@ public:
         return captured({x, y, 1, 1}, windowNumber).at(0, 0);
     }
 
+    /// Runs until that pixel has the colour, both captured and on the screen. Throws when it does
+    /// not come to that.
+    void awaitPixel(double x, double y, std::uint32_t color);
+
     /// A window of the other process that is shown above all others.
     xcb_window_t show(const Rect& rect, std::uint32_t color, WindowOptions options = {});
     /// Draws into a window of any process.

@@ -1,7 +1,5 @@
-#include "block_rasterizer.h"
 #include "capture_rig.h"
 
-#include "platform/overlay_window.h"
 #include "support/real_desktop/screenshot.h"
 
 #include <gmock/gmock.h>
@@ -134,7 +132,7 @@ TEST(X11ScreenCapture, MakesWayForACompositingManager) {
     ASSERT_EQ(rig.pixel(500, 500), green);
     rig.startCompositor();
     EXPECT_TRUE(isNear(rig.pixel(50, 50), 0xFF661090));
-    EXPECT_EQ(rig.pixel(500, 500), 0xFF000000) << "the manager's own affair";
+    rig.awaitPixel(500, 500, 0xFF808080);
     EXPECT_TRUE(rig.loop.runUntil([&] {
         return isNear(screenshot(rig.desktop.server(), {50, 50, 1, 1}).at(0, 0), 0xFF661090);
     }));
@@ -146,20 +144,6 @@ TEST(X11ScreenCapture, MakesWayForACompositingManager) {
     rig.loop.settle();
     EXPECT_EQ(screenshot(rig.desktop.server(), {50, 50, 1, 1}).at(0, 0), 0xFF000080);
     EXPECT_EQ(screenshot(rig.desktop.server(), {500, 200, 1, 1}).at(0, 0), red);
-}
-
-TEST(X11ScreenCapture, EndsWithTheServer) {
-    CaptureRig rig;
-    rig.show({0, 0, 800, 600}, red);
-    ASSERT_EQ(rig.pixel(50, 50), red);
-    BlockRasterizer rasterizer;
-    const auto overlay = rig.x11().overlayWindows(rasterizer).makeWindow({0, 0, 800, 600}, {});
-    rig.loop.settle();
-    xcb_kill_client(rig.xcb(), overlay->windowNumber());
-    rig.desktop.server().sync();
-    EXPECT_FALSE(rig.capture().captureBelow({0, 0, 10, 10}, 0));
-    rig.loop.settle();
-    EXPECT_FALSE(rig.capture().captureBelow({0, 0, 10, 10}, 0));
 }
 
 } // namespace

@@ -18,6 +18,8 @@ constexpr std::uint32_t red = 0xFFCC2020;
 constexpr std::uint32_t green = 0xFF20AA30;
 constexpr std::uint32_t blue = 0xFF2040CC;
 constexpr std::uint32_t transparent = 0;
+/// What the compositing manager shows where there is nothing.
+constexpr std::uint32_t managersGrey = 0xFF808080;
 
 X11Rig::Options with(bool compositor) {
     return {.compositor = compositor, .screens = {}, .serverArguments = {}};
@@ -150,11 +152,14 @@ public:
 
 TEST_P(X11Capture, NeverShowsTheOverlay) {
     CaptureRig rig(with(GetParam()));
-    const auto window = rig.show({0, 0, 800, 600}, red);
+    const std::uint32_t bare = GetParam() ? managersGrey : green;
+    rig.setRootBackground(green);
+    const auto window = rig.show({0, 0, 800, 500}, red);
+    rig.awaitPixel(300, 550, bare);
     // Without a background the server cannot make good for what it has lost.
     const std::uint32_t none = XCB_BACK_PIXMAP_NONE;
     xcb_change_window_attributes(rig.xcb(), window, XCB_CW_BACK_PIXMAP, &none);
-    rig.fill(window, {0, 0, 400, 600}, blue);
+    rig.fill(window, {0, 0, 400, 500}, blue);
     const auto& server = rig.desktop.server();
     for (const bool again : {false, true}) {
         BlockRasterizer rasterizer;
@@ -167,13 +172,18 @@ TEST_P(X11Capture, NeverShowsTheOverlay) {
         }));
         const Bitmap below = rig.captured({200, 0, 400, 600}, overlay->windowNumber());
         for (std::size_t i = 0; i < below.pixels.size(); ++i) {
-            ASSERT_EQ(below.pixels[i], i % 400 < 200 ? blue : red) << i << (again ? " again" : "");
+            const std::uint32_t covered = i % 400 < 200 ? blue : red;
+            ASSERT_EQ(below.pixels[i], i / 400 < 500 ? covered : bare)
+                << i << (again ? " again" : "");
         }
         // What changes below shows at once, and the overlay stays where it is.
         rig.fill(window, {300, 300, 1, 1}, green);
         EXPECT_EQ(rig.pixel(300, 300, overlay->windowNumber()), green);
         EXPECT_EQ(screenshot(server, {300, 300, 1, 1}).at(0, 0), 0xFFFF3D8A);
         rig.fill(window, {300, 300, 1, 1}, blue);
+        rig.move(window, {0, 100, 800, 500});
+        EXPECT_EQ(rig.pixel(300, 50, overlay->windowNumber()), bare) << "uncovered since";
+        rig.move(window, {0, 0, 800, 500});
         overlay->orderOut();
         ASSERT_TRUE(rig.loop.runUntil([&] {
             return screenshot(server, {300, 300, 1, 1}).at(0, 0) == blue;
@@ -230,6 +240,16 @@ TEST_P(X11Capture, IsTransparentWhereThereIsNoScreen) {
     EXPECT_EQ(at(300, 200), red);
     EXPECT_EQ(at(799, 599), red);
     EXPECT_EQ(at(800, 599), transparent);
+    // A window has pixels there all the same, once they are kept.
+    rig.loop.skip(2);
+    const auto half =
+        rig.capture().captureBelow({-360, 40, 120, 120}, 0, {60, 60}, Interpolation::low);
+    ASSERT_TRUE(half);
+    for (const int x : {5, 29, 30, 54}) {
+        EXPECT_EQ(half->at(x, 30), green) << x;
+    }
+    EXPECT_EQ(half->at(4, 30), transparent) << "before it";
+    EXPECT_EQ(half->at(59, 59), red);
     for (const Rect& off : {Rect{5000, 5000, 20, 20}, Rect{-1e6, 0, 100, 100}}) {
         EXPECT_THAT(rig.captured(off).pixels, testing::Each(transparent));
     }
@@ -238,12 +258,11 @@ TEST_P(X11Capture, IsTransparentWhereThereIsNoScreen) {
 TEST_P(X11Capture, ShowsTheRootWindowsBackground) {
     CaptureRig rig(with(GetParam()));
     const auto root = rig.desktop.server().root();
-    const bool isComposited = GetParam();
-    constexpr std::uint32_t black = 0xFF000000;
+    const auto plain = [](std::uint32_t color) { return GetParam() ? managersGrey : color; };
     rig.setRootBackground(green);
-    EXPECT_EQ(rig.pixel(700, 500), isComposited ? black : green);
+    rig.awaitPixel(700, 500, plain(green));
     rig.setRootBackground(blue);
-    EXPECT_EQ(rig.pixel(700, 500), isComposited ? black : blue);
+    rig.awaitPixel(700, 500, plain(blue));
     // A wallpaper is repeated from the origin on.
     const auto tile = rig.pixmap({100, 100}, red);
     rig.fill(tile, {0, 0, 10, 10}, green);
@@ -258,7 +277,7 @@ TEST_P(X11Capture, ShowsTheRootWindowsBackground) {
     // One that is gone leaves the background.
     xcb_free_pixmap(rig.xcb(), tile);
     rig.setNumbers(root, "_XROOTPMAP_ID", XCB_ATOM_PIXMAP, {tile});
-    EXPECT_EQ(rig.pixel(705, 505), isComposited ? black : blue);
+    rig.awaitPixel(705, 505, plain(blue));
 }
 
 TEST_P(X11Capture, DrawsAtOtherSizes) {
@@ -285,11 +304,6 @@ TEST_P(X11Capture, DrawsAtOtherSizes) {
          {100, 100, 16, 16},
          {8, 8},
          Interpolation::none,
-         {white, white, black, black, white, white, black, black}},
-        {"half, blended",
-         {100, 100, 16, 16},
-         {8, 8},
-         Interpolation::low,
          {white, white, black, black, white, white, black, black}},
         {"half, blended across the edges",
          {101, 100, 16, 16},
@@ -321,7 +335,6 @@ TEST_P(X11Capture, DrawsAtOtherSizes) {
          {4, 4},
          Interpolation::low,
          {white, grey, black, black}},
-        {"as large", {102, 100, 4, 4}, {4, 4}, Interpolation::low, {white, white, black, black}},
         {"past the window",
          {492, 450, 16, 16},
          {8, 8},

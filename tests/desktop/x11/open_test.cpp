@@ -145,6 +145,7 @@ TEST(X11Desktop, EndsQuietlyWithTheServer) {
     window->orderFrontRegardless();
     auto token = x11->eventMonitors().addGlobalMonitorForEvents(0xFFFFFFFF, [](const Event&) {});
     ASSERT_EQ(x11->windowServer().screens().size(), 1U);
+    ASSERT_TRUE(x11->screenCapture().captureBelow({0, 0, 10, 10}, 0));
     loop.settle();
 
     server.terminate();
@@ -153,6 +154,7 @@ TEST(X11Desktop, EndsQuietlyWithTheServer) {
     EXPECT_EQ(lost, 1);
     EXPECT_FALSE(x11->windowServer().onScreenWindows());
     EXPECT_FALSE(x11->windowServer().preflightScreenCaptureAccess());
+    EXPECT_FALSE(x11->screenCapture().captureBelow({0, 0, 10, 10}, 0));
     EXPECT_FALSE(x11->desktopWindows().windowAt({1, 1}, std::nullopt));
     EXPECT_FALSE(x11->desktopWindows().windowsOf(getpid()).any);
     EXPECT_FALSE(x11->eventMonitors().addGlobalMonitorForEvents(0, [](const Event&) {}));

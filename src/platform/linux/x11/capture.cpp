@@ -1,7 +1,6 @@
 #include "platform/linux/x11/capture.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstddef>
 #include <span>
 #include <utility>
@@ -14,17 +13,6 @@ constexpr double idleSeconds = 5;
 
 /// A large capture is made in bands of at most that many pixels, to bound what is kept for it.
 constexpr int pixelsPerBand = 1024 * 1024;
-
-std::uint32_t swapped(std::uint32_t word) {
-    return (word >> 24U) | ((word >> 8U) & 0xFF00U) | ((word << 8U) & 0xFF0000U) | (word << 24U);
-}
-
-/// Whether the server's words have their bytes in the other order than this machine's.
-bool hasOtherByteOrder(const Connection& connection) {
-    const bool isBig =
-        xcb_get_setup(connection.get())->image_byte_order == XCB_IMAGE_ORDER_MSB_FIRST;
-    return isBig != (std::endian::native == std::endian::big);
-}
 
 struct Chosen {
     std::vector<CaptureLayer> layers; ///< the lowest first
@@ -50,12 +38,19 @@ Chosen choose(std::span<const CaptureLayer> topmostFirst, const CaptureGrid& gri
     return chosen;
 }
 
-/// Copies those words of a row that lie on a screen, as opaque pixels.
-void copyRow(std::span<const std::uint32_t> words, const PixelRect& row,
-             std::span<const PixelRect> onScreens, bool isSwapped, Bitmap& bitmap) {
+/// A pixel as it counts: what shows through to nothing for the most part is missing, all else is
+/// opaque.
+constexpr std::uint32_t counted(std::uint32_t pixel) {
+    constexpr std::uint32_t leastAlpha = 0x80000000;
     constexpr std::uint32_t opaque = 0xFF000000;
-    for (const PixelRect& screen : onScreens) {
-        const PixelRect part = intersect(screen, row);
+    return pixel >= leastAlpha ? pixel | opaque : missingPixel;
+}
+
+/// Copies those words of a row that lie in the parts.
+void copyRow(std::span<const std::uint32_t> words, const PixelRect& row,
+             std::span<const PixelRect> parts, bool isSwapped, Bitmap& bitmap) {
+    for (const PixelRect& one : parts) {
+        const PixelRect part = intersect(one, row);
         if (part.isEmpty()) {
             continue;
         }
@@ -66,53 +61,66 @@ void copyRow(std::span<const std::uint32_t> words, const PixelRect& row,
         // The question is not asked for each word.
         if (isSwapped) {
             std::ranges::transform(source, target,
-                                   [](auto word) { return swapped(word) | opaque; });
+                                   [](auto word) { return counted(swapped(word)); });
         } else {
-            std::ranges::transform(source, target, [](auto word) { return word | opaque; });
+            std::ranges::transform(source, target, counted);
         }
     }
 }
 
 } // namespace
 
-X11ScreenCapture::Workshop::Workshop(Connection& connection, CaptureRedirection& redirecting,
-                                     const CaptureFormats& formats)
-    : redirection(redirecting.hold()), target(connection, *formats.translucent()),
-      background(connection, formats), composer(connection) {}
+X11ScreenCapture::Workshop::Workshop(const CaptureSurroundings& surroundings)
+    : redirection(surroundings.redirection.hold()),
+      target(surroundings.connection, *surroundings.formats.translucent()),
+      background(surroundings.connection, surroundings.formats, surroundings.backdrop),
+      composer(surroundings.connection) {}
 
-X11ScreenCapture::X11ScreenCapture(Connection& connection, X11Windows& windows,
-                                   CompositingManager& compositingManager,
-                                   CaptureRedirection& redirection)
-    : connection_(connection), windows_(windows), compositingManager_(compositingManager),
-      redirection_(redirection) {}
+X11ScreenCapture::X11ScreenCapture(const CaptureSurroundings& surroundings)
+    : surroundings_(surroundings), connection_(surroundings.connection) {}
 
 std::optional<Bitmap> X11ScreenCapture::captureBelow(const Rect& area, std::uint32_t windowNumber) {
     const auto grid = CaptureGrid::of(onRoot(area));
-    return grid ? capture(*grid, windowNumber) : std::nullopt;
+    if (!grid) {
+        return std::nullopt;
+    }
+    return capture(onScreens(*grid), windowNumber);
 }
 
 std::optional<Bitmap> X11ScreenCapture::captureBelow(const Rect& area, std::uint32_t windowNumber,
                                                      PixelSize size, Interpolation interpolation) {
     const auto grid = CaptureGrid::of(onRoot(area), size, interpolation);
-    return grid ? capture(*grid, windowNumber) : std::nullopt;
+    if (!grid) {
+        return std::nullopt;
+    }
+    Wanted wanted = onScreens(*grid);
+    if (surroundings_.compositingManager.isRunning() || surroundings_.redirection.isComplete()) {
+        wanted.kept = {{0, 0, size.width, size.height}};
+    }
+    return capture(wanted, windowNumber);
+}
+
+X11ScreenCapture::Wanted X11ScreenCapture::onScreens(const CaptureGrid& grid) {
+    Wanted wanted = {grid, surroundings_.windows.layout().screens, {}};
+    for (const Rect& screen : wanted.screens) {
+        wanted.kept.push_back(grid.pixelsIn(screen));
+    }
+    return wanted;
 }
 
 Rect X11ScreenCapture::onRoot(const Rect& area) {
-    const Point origin = windows_.accessibilityOrigin();
+    const Point origin = surroundings_.windows.accessibilityOrigin();
     return {area.x + origin.x, area.y + origin.y, area.width, area.height};
 }
 
-std::optional<Bitmap> X11ScreenCapture::capture(const CaptureGrid& grid,
-                                                std::uint32_t windowNumber) {
+std::optional<Bitmap> X11ScreenCapture::capture(const Wanted& wanted, std::uint32_t windowNumber) {
     if (!openWorkshop()) {
         return std::nullopt;
     }
-    Bitmap bitmap(grid.size().width, grid.size().height);
-    std::vector<PixelRect> onScreens;
+    Bitmap bitmap(wanted.grid.size().width, wanted.grid.size().height);
     PixelRect all;
-    for (const Rect& screen : windows_.layout().screens) {
-        onScreens.push_back(grid.pixelsIn(screen));
-        all = unite(all, onScreens.back());
+    for (const PixelRect& part : wanted.kept) {
+        all = unite(all, part);
     }
     if (all.isEmpty()) {
         return bitmap;
@@ -121,7 +129,7 @@ std::optional<Bitmap> X11ScreenCapture::capture(const CaptureGrid& grid,
     const int rows = std::max(pixelsPerBand / all.width, 1);
     for (int y = all.y; y < all.y + all.height; y += rows) {
         const PixelRect band = {all.x, y, all.width, std::min(rows, all.y + all.height - y)};
-        if (!captureBand(grid, band, layers, onScreens, bitmap)) {
+        if (!captureBand(wanted, band, layers, bitmap)) {
             return std::nullopt;
         }
     }
@@ -129,18 +137,13 @@ std::optional<Bitmap> X11ScreenCapture::capture(const CaptureGrid& grid,
 }
 
 bool X11ScreenCapture::openWorkshop() {
-    if (!windows_.preflightScreenCaptureAccess()) {
-        return false;
-    }
-    if (!formats_) {
-        formats_.emplace(connection_);
-    }
-    if (!formats_->translucent()) {
+    if (!surroundings_.windows.preflightScreenCaptureAccess() ||
+        !surroundings_.formats.translucent()) {
         return false;
     }
     lastUsed_ = connection_.runLoop().now();
     if (!workshop_) {
-        workshop_.emplace(connection_, redirection_, *formats_);
+        workshop_.emplace(surroundings_);
         closeWorkshopAfter(idleSeconds);
     }
     return true;
@@ -163,11 +166,11 @@ void X11ScreenCapture::closeWorkshopAfter(double seconds) {
     });
 }
 
-std::vector<CaptureLayer> X11ScreenCapture::layersBelow(std::uint32_t windowNumber) const {
-    const bool blends = compositingManager_.isRunning();
+std::vector<CaptureLayer> X11ScreenCapture::layersBelow(std::uint32_t windowNumber) {
+    const bool blends = surroundings_.compositingManager.isRunning();
     std::vector<CaptureLayer> layers;
-    for (const WindowRecord* const window : windows_.visibleBelow(windowNumber)) {
-        if (const auto format = formats_->ofVisual(window->visual)) {
+    for (const WindowRecord* const window : surroundings_.windows.visibleBelow(windowNumber)) {
+        if (const auto format = surroundings_.formats.ofVisual(window->visual)) {
             layers.push_back({window->id, *format, window->rect, window->borderWidth,
                               window->shaped, blends && format->hasAlpha,
                               blends ? alphaOf(*window) : 1});
@@ -176,25 +179,25 @@ std::vector<CaptureLayer> X11ScreenCapture::layersBelow(std::uint32_t windowNumb
     return layers;
 }
 
-bool X11ScreenCapture::captureBand(const CaptureGrid& grid, const PixelRect& band,
-                                   std::vector<CaptureLayer>& topmostFirst,
-                                   std::span<const PixelRect> onScreens, Bitmap& bitmap) {
+bool X11ScreenCapture::captureBand(const Wanted& wanted, const PixelRect& band,
+                                   std::vector<CaptureLayer>& topmostFirst, Bitmap& bitmap) {
     auto& [redirection, target, background, composer] = *workshop_;
     const PixelSize size = {band.width, band.height};
     const bool isSwapped = hasOtherByteOrder(connection_);
     target.reserve(size);
-    const CaptureComposer::Canvas canvas = {grid, band, target.picture()};
+    const CaptureComposer::Canvas canvas = {wanted.grid, band, target.picture()};
     for (;;) {
-        const Chosen chosen = choose(topmostFirst, grid, band);
+        const Chosen chosen = choose(topmostFirst, wanted.grid, band);
         composer.clear(canvas);
-        const auto tile =
-            chosen.hidesAll ? std::nullopt : background.picture(compositingManager_.isRunning());
+        const auto tile = chosen.hidesAll
+                              ? std::nullopt
+                              : background.picture(surroundings_.compositingManager.isRunning());
         if (tile) {
-            composer.drawTile(canvas, *tile);
+            composer.drawTile(canvas, *tile, wanted.screens);
         }
         composer.drawWindows(canvas, chosen.layers);
         const bool done = target.read(size, [&](int row, std::span<const std::uint32_t> words) {
-            copyRow(words, {band.x, band.y + row, band.width, 1}, onScreens, isSwapped, bitmap);
+            copyRow(words, {band.x, band.y + row, band.width, 1}, wanted.kept, isSwapped, bitmap);
         });
         const auto gone = composer.takeFailures();
         if (!done || gone.empty()) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/linux/x11/capture_backdrop.h"
 #include "platform/linux/x11/capture_background.h"
 #include "platform/linux/x11/capture_composer.h"
 #include "platform/linux/x11/capture_formats.h"
@@ -11,20 +12,29 @@
 #include "platform/linux/x11/x11_windows.h"
 #include "platform/screen_capture.h"
 
+#include <cstdint>
 #include <memory>
 #include <optional>
-#include <span>
 #include <vector>
 
 namespace lumetry::x11 {
+
+/// What captures are made with.
+struct CaptureSurroundings {
+    Connection& connection;
+    X11Windows& windows;
+    CompositingManager& compositingManager;
+    CaptureRedirection& redirection;
+    CaptureFormats& formats;
+    CaptureBackdrop& backdrop;
+};
 
 /// Draws the windows below another one as the screen would show them without it, at the size that
 /// is wanted and in the server, so that only the result comes over. In most cases that is a single
 /// wait for the server.
 class X11ScreenCapture final : public ScreenCapture {
 public:
-    X11ScreenCapture(Connection& connection, X11Windows& windows,
-                     CompositingManager& compositingManager, CaptureRedirection& redirection);
+    explicit X11ScreenCapture(const CaptureSurroundings& surroundings);
 
     [[nodiscard]] std::optional<Bitmap> captureBelow(const Rect& area,
                                                      std::uint32_t windowNumber) override;
@@ -35,8 +45,7 @@ public:
 private:
     /// What is kept in the server while captures keep coming.
     struct Workshop {
-        Workshop(Connection& connection, CaptureRedirection& redirecting,
-                 const CaptureFormats& formats);
+        explicit Workshop(const CaptureSurroundings& surroundings);
 
         Token redirection;
         CaptureTarget target;
@@ -44,21 +53,23 @@ private:
         CaptureComposer composer;
     };
 
+    struct Wanted {
+        const CaptureGrid& grid;
+        std::vector<Rect> screens;   ///< root coordinates
+        std::vector<PixelRect> kept; ///< of the grid's pixels; all others are missing
+    };
+
     [[nodiscard]] Rect onRoot(const Rect& area);
-    [[nodiscard]] std::optional<Bitmap> capture(const CaptureGrid& grid,
-                                                std::uint32_t windowNumber);
+    [[nodiscard]] Wanted onScreens(const CaptureGrid& grid);
+    [[nodiscard]] std::optional<Bitmap> capture(const Wanted& wanted, std::uint32_t windowNumber);
     [[nodiscard]] bool openWorkshop();
     void closeWorkshopAfter(double seconds);
-    [[nodiscard]] std::vector<CaptureLayer> layersBelow(std::uint32_t windowNumber) const;
-    [[nodiscard]] bool captureBand(const CaptureGrid& grid, const PixelRect& band,
-                                   std::vector<CaptureLayer>& topmostFirst,
-                                   std::span<const PixelRect> onScreens, Bitmap& bitmap);
+    [[nodiscard]] std::vector<CaptureLayer> layersBelow(std::uint32_t windowNumber);
+    [[nodiscard]] bool captureBand(const Wanted& wanted, const PixelRect& band,
+                                   std::vector<CaptureLayer>& topmostFirst, Bitmap& bitmap);
 
+    CaptureSurroundings surroundings_;
     Connection& connection_;
-    X11Windows& windows_;
-    CompositingManager& compositingManager_;
-    CaptureRedirection& redirection_;
-    std::optional<CaptureFormats> formats_;
     std::optional<Workshop> workshop_;
     double lastUsed_ = 0; ///< RunLoop::now
     std::shared_ptr<X11ScreenCapture*> self_ = std::make_shared<X11ScreenCapture*>(this);

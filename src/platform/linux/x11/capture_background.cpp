@@ -1,26 +1,25 @@
 #include "platform/linux/x11/capture_background.h"
 
-#include "platform/linux/x11/property.h"
+#include "platform/linux/x11/capture_wallpaper.h"
 
 #include <xcb/composite.h>
 #include <xcb/shape.h>
 
-#include <array>
 #include <cstdint>
 #include <utility>
 
 namespace lumetry::x11 {
 namespace {
 
-constexpr std::array wallpaperAtoms = {Atom::xrootPmapId, Atom::esetrootPmapId};
-
 /// Whole repetitions of the small patterns that root windows have.
 constexpr std::int16_t probeSide = 64;
 
 } // namespace
 
-CaptureBackground::CaptureBackground(Connection& connection, const CaptureFormats& formats)
-    : connection_(connection), formats_(formats), tile_(xcb_generate_id(connection.get())),
+CaptureBackground::CaptureBackground(Connection& connection, CaptureFormats& formats,
+                                     CaptureBackdrop& backdrop)
+    : connection_(connection), formats_(formats), backdrop_(backdrop),
+      tile_(xcb_generate_id(connection.get())),
       rootEvents_(connection.selectOnRoot(XCB_EVENT_MASK_PROPERTY_CHANGE)),
       events_(connection.onEvent([this](const xcb_generic_event_t& event) {
           if (typeOf(event) != XCB_PROPERTY_NOTIFY) {
@@ -36,6 +35,7 @@ CaptureBackground::CaptureBackground(Connection& connection, const CaptureFormat
 CaptureBackground::~CaptureBackground() {
     freeTile();
     destroyProbe();
+    backdrop_.rest();
 }
 
 std::optional<xcb_render_picture_t> CaptureBackground::picture(bool isComposited) {
@@ -43,36 +43,20 @@ std::optional<xcb_render_picture_t> CaptureBackground::picture(bool isComposited
         isDirty_ = false;
         freeTile();
         destroyProbe();
-        if (!takeWallpaper() && !isComposited) {
+        if (const auto wallpaper = findWallpaper(connection_, formats_)) {
+            makeTile(wallpaper->pixmap, wallpaper->format);
+        } else if (!isComposited) {
             takeProbe();
         }
+    }
+    if (isComposited && !hasTile_) {
+        return backdrop_.picture();
     }
     if (probe_ != XCB_WINDOW_NONE) {
         // Nothing is said when the root's background changes.
         xcb_clear_area(connection_.get(), 0, probe_, 0, 0, 0, 0);
     }
     return hasTile_ ? std::optional(tile_) : std::nullopt;
-}
-
-bool CaptureBackground::takeWallpaper() {
-    auto* const c = connection_.get();
-    std::array<PropertyRequest, wallpaperAtoms.size()> requests;
-    for (std::size_t i = 0; i < requests.size(); ++i) {
-        requests[i] = requestProperty(connection_, connection_.root(), wallpaperAtoms[i], 1);
-    }
-    for (const PropertyRequest request : requests) {
-        const auto pixmap = firstNumber(connection_, request);
-        if (hasTile_ || pixmap.value_or(0) == 0) {
-            continue;
-        }
-        const auto geometry =
-            connection_.reply(xcb_get_geometry_reply, xcb_get_geometry(c, *pixmap));
-        const auto format = geometry ? formats_.ofPixmap(geometry->depth) : std::nullopt;
-        if (format) {
-            makeTile(*pixmap, *format);
-        }
-    }
-    return hasTile_;
 }
 
 void CaptureBackground::takeProbe() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/linux/x11/capture_backdrop.h"
 #include "platform/linux/x11/capture_formats.h"
 #include "platform/linux/x11/connection.h"
 
@@ -9,12 +10,11 @@
 
 namespace lumetry::x11 {
 
-/// What the root window shows where no window is: the pixmap that wallpaper setters leave on it,
-/// else its own background. What a compositing manager shows there without a wallpaper is its own
-/// affair, and in no window's pixels.
+/// What the screen shows where no window is: the pixmap that wallpaper setters leave on the root
+/// window, else what a compositing manager draws there, else the root window's own background.
 class CaptureBackground {
 public:
-    CaptureBackground(Connection& connection, const CaptureFormats& formats);
+    CaptureBackground(Connection& connection, CaptureFormats& formats, CaptureBackdrop& backdrop);
     CaptureBackground(const CaptureBackground&) = delete;
     CaptureBackground& operator=(const CaptureBackground&) = delete;
     ~CaptureBackground();
@@ -24,7 +24,6 @@ public:
     [[nodiscard]] std::optional<xcb_render_picture_t> picture(bool isComposited);
 
 private:
-    [[nodiscard]] bool takeWallpaper();
     void takeProbe();
     void makeProbe();
     void destroyProbe();
@@ -32,7 +31,8 @@ private:
     void freeTile();
 
     Connection& connection_;
-    const CaptureFormats& formats_;
+    CaptureFormats& formats_;
+    CaptureBackdrop& backdrop_;
     xcb_render_picture_t tile_;
     bool hasTile_ = false;
     bool isDirty_ = true;

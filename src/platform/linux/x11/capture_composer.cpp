@@ -35,13 +35,20 @@ CaptureComposer::CaptureComposer(Connection& connection)
 void CaptureComposer::clear(const Canvas& canvas) {
     const xcb_rectangle_t all = inBand(canvas.band, canvas.band);
     xcb_render_fill_rectangles(connection_.get(), XCB_RENDER_PICT_OP_SRC, canvas.picture,
-                               {0, 0, 0, 0xFFFF}, 1, &all);
+                               {0, 0, 0, 0}, 1, &all);
 }
 
-void CaptureComposer::drawTile(const Canvas& canvas, xcb_render_picture_t tile) {
-    constexpr double largestRoot = 0x7FFF;
-    composite(canvas, tile, XCB_NONE, XCB_RENDER_PICT_OP_OVER, {0, 0, largestRoot, largestRoot},
-              {});
+void CaptureComposer::fillBlack(const Canvas& canvas, const Rect& onRoot) {
+    const xcb_rectangle_t rectangle = inBand(pixelsOf(canvas, onRoot), canvas.band);
+    xcb_render_fill_rectangles(connection_.get(), XCB_RENDER_PICT_OP_SRC, canvas.picture,
+                               {0, 0, 0, 0xFFFF}, 1, &rectangle);
+}
+
+void CaptureComposer::drawTile(const Canvas& canvas, xcb_render_picture_t tile,
+                               std::span<const Rect> screens) {
+    for (const Rect& screen : screens) {
+        composite(canvas, tile, XCB_NONE, XCB_RENDER_PICT_OP_OVER, screen, {});
+    }
     transform(tile, {1, 1}, {}, Interpolation::none);
 }
 
@@ -112,10 +119,14 @@ void CaptureComposer::drawWindow(const Canvas& canvas, const CaptureLayer& layer
             c, opacity_,
             {0, 0, 0, static_cast<std::uint16_t>(std::lround(layer.opacity * opaque))});
     }
-    // Without a compositing manager, a window with an alpha channel shows its colours as they are.
+    // Without a compositing manager, a window with an alpha channel shows its colours as they are,
+    // whatever its alpha is.
     const bool bare = layer.format.hasAlpha && !layer.translucent;
+    if (bare) {
+        fillBlack(canvas, layer.rect);
+    }
     composite(canvas, source_, veiled ? opacity_ : xcb_render_picture_t{XCB_NONE},
-              bare ? XCB_RENDER_PICT_OP_SRC : XCB_RENDER_PICT_OP_OVER, layer.rect,
+              bare ? XCB_RENDER_PICT_OP_ADD : XCB_RENDER_PICT_OP_OVER, layer.rect,
               layer.rect.origin());
     if (veiled) {
         xcb_render_free_picture(c, opacity_);

@@ -38,10 +38,12 @@ public:
 
     explicit CaptureComposer(Connection& connection);
 
+    /// From then on it is transparent where nothing has been drawn.
     void clear(const Canvas& canvas);
     /// Repeats a tile from the root window's origin on.
-    /// @param tile repeats itself, and has no transformation
-    void drawTile(const Canvas& canvas, xcb_render_picture_t tile);
+    /// @param tile repeats itself where it is to, and has no transformation
+    /// @param screens root coordinates; nothing is drawn elsewhere
+    void drawTile(const Canvas& canvas, xcb_render_picture_t tile, std::span<const Rect> screens);
     /// Waits for the server only when a window is not rectangular.
     /// @param layers the lowest first
     void drawWindows(const Canvas& canvas, std::span<const CaptureLayer> layers);
@@ -55,6 +57,7 @@ private:
         xcb_void_cookie_t cookie;
     };
 
+    void fillBlack(const Canvas& canvas, const Rect& onRoot);
     void drawWindow(const Canvas& canvas, const CaptureLayer& layer);
     void clipToShape(const Canvas& canvas, const CaptureLayer& layer,
                      const xcb_shape_get_rectangles_reply_t& shape);

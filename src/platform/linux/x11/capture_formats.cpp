@@ -1,5 +1,7 @@
 #include "platform/linux/x11/capture_formats.h"
 
+#include <utility>
+
 namespace lumetry::x11 {
 namespace {
 
@@ -16,9 +18,12 @@ bool isTranslucent(const xcb_render_pictforminfo_t& format) {
 
 } // namespace
 
-CaptureFormats::CaptureFormats(Connection& connection) {
-    const auto reply = connection.reply(xcb_render_query_pict_formats_reply,
-                                        xcb_render_query_pict_formats(connection.get()));
+void CaptureFormats::ask() {
+    if (std::exchange(isAsked_, true) || !connection_.extensions().render) {
+        return;
+    }
+    const auto reply = connection_.reply(xcb_render_query_pict_formats_reply,
+                                         xcb_render_query_pict_formats(connection_.get()));
     if (!reply) {
         return;
     }
@@ -34,12 +39,13 @@ CaptureFormats::CaptureFormats(Connection& connection) {
     auto screen = xcb_render_query_pict_formats_screens_iterator(reply.get());
     for (int i = 0; screen.rem > 0; xcb_render_pictscreen_next(&screen), ++i) {
         auto depth = xcb_render_pictscreen_depths_iterator(screen.data);
-        for (; i == connection.screenNumber() && depth.rem > 0; xcb_render_pictdepth_next(&depth)) {
+        for (; i == connection_.screenNumber() && depth.rem > 0;
+             xcb_render_pictdepth_next(&depth)) {
             auto visual = xcb_render_pictdepth_visuals_iterator(depth.data);
             for (; visual.rem > 0; xcb_render_pictvisual_next(&visual)) {
                 const xcb_render_pictformat_t id = visual.data->format;
                 ofVisual_[visual.data->visual] = {id, hasAlpha[id]};
-                if (visual.data->visual == connection.screen().root_visual) {
+                if (visual.data->visual == connection_.screen().root_visual) {
                     ofDepth_[depth.data->depth] = id;
                 }
             }
@@ -47,12 +53,19 @@ CaptureFormats::CaptureFormats(Connection& connection) {
     }
 }
 
-std::optional<CaptureFormats::Format> CaptureFormats::ofVisual(xcb_visualid_t visual) const {
+std::optional<xcb_render_pictformat_t> CaptureFormats::translucent() {
+    ask();
+    return translucent_;
+}
+
+std::optional<CaptureFormats::Format> CaptureFormats::ofVisual(xcb_visualid_t visual) {
+    ask();
     const auto found = ofVisual_.find(visual);
     return found == ofVisual_.end() ? std::nullopt : std::optional(found->second);
 }
 
-std::optional<xcb_render_pictformat_t> CaptureFormats::ofPixmap(std::uint8_t depth) const {
+std::optional<xcb_render_pictformat_t> CaptureFormats::ofPixmap(std::uint8_t depth) {
+    ask();
     const auto found = ofDepth_.find(depth);
     return found == ofDepth_.end() ? std::nullopt : std::optional(found->second);
 }

@@ -20,6 +20,7 @@ Token CaptureRedirection::hold() {
         return {};
     }
     if (holders_++ == 0) {
+        began_ = connection_.runLoop().now();
         xcb_composite_redirect_subwindows(connection_.get(), connection_.root(),
                                           XCB_COMPOSITE_REDIRECT_AUTOMATIC);
     }
@@ -28,6 +29,11 @@ Token CaptureRedirection::hold() {
             (*alive)->release();
         }
     });
+}
+
+bool CaptureRedirection::isComplete() const {
+    constexpr double drawingSeconds = 1;
+    return holders_ > 0 && connection_.runLoop().now() >= began_ + drawingSeconds;
 }
 
 void CaptureRedirection::release() {

@@ -17,6 +17,9 @@ namespace lumetry::x11 {
 /// an overlay appears: pixels that are covered when it begins are lost until their application
 /// draws them again, and the overlay's would be found in their place.
 ///
+/// The same goes for what lies beyond the screens, where the server has kept nothing: applications
+/// are asked to draw it when it begins.
+///
 /// A compositing manager does the same in its own way, which the server lets take precedence
 /// whichever of the two comes first. It is done beside one too: managers leave out windows that
 /// fill the screen, and say so to nobody.
@@ -28,6 +31,8 @@ public:
     ~CaptureRedirection();
 
     [[nodiscard]] Token hold();
+    /// Whether it has been done for long enough for applications to have drawn everything.
+    [[nodiscard]] bool isComplete() const;
 
 private:
     void release();
@@ -35,6 +40,7 @@ private:
     Connection& connection_;
     bool isAvailable_;
     std::size_t holders_ = 0;
+    double began_ = 0; ///< RunLoop::now
     /// Empty once this object is gone: tokens may outlive it.
     std::shared_ptr<CaptureRedirection*> self_ = std::make_shared<CaptureRedirection*>(this);
 };

@@ -1,6 +1,6 @@
 #include "platform/linux/x11/capture_target.h"
 
-#include <algorithm>
+#include <bit>
 
 namespace lumetry::x11 {
 namespace {
@@ -9,6 +9,12 @@ constexpr std::uint8_t depth = 32;
 constexpr std::uint32_t allPlanes = 0xFFFFFFFF;
 
 } // namespace
+
+bool hasOtherByteOrder(const Connection& connection) {
+    const bool isBig =
+        xcb_get_setup(connection.get())->image_byte_order == XCB_IMAGE_ORDER_MSB_FIRST;
+    return isBig != (std::endian::native == std::endian::big);
+}
 
 CaptureTarget::CaptureTarget(Connection& connection, xcb_render_pictformat_t translucentFormat)
     : connection_(connection), format_(translucentFormat),

@@ -13,6 +13,13 @@
 
 namespace lumetry::x11 {
 
+/// Whether the server's words have their bytes in the other order than this machine's.
+[[nodiscard]] bool hasOtherByteOrder(const Connection& connection);
+
+[[nodiscard]] constexpr std::uint32_t swapped(std::uint32_t word) {
+    return (word >> 24U) | ((word >> 8U) & 0xFF00U) | ((word << 8U) & 0xFF0000U) | (word << 24U);
+}
+
 /// Where the server puts a capture together, and the way from there into this program. Both are
 /// kept from one capture to the next.
 class CaptureTarget {

@@ -1,6 +1,8 @@
 #include "platform/linux/x11/x11_desktop.h"
 
 #include "platform/linux/x11/capture.h"
+#include "platform/linux/x11/capture_backdrop.h"
+#include "platform/linux/x11/capture_formats.h"
 #include "platform/linux/x11/capture_redirection.h"
 #include "platform/linux/x11/connection.h"
 #include "platform/linux/x11/keyboard.h"
@@ -44,7 +46,7 @@ struct X11Desktop::Parts {
     explicit Parts(std::unique_ptr<x11::Connection> opened)
         : connection(std::move(opened)), windows(*connection), keyboard(*connection),
           pointer(*connection, windows, keyboard), eventMonitors(*connection, windows, keyboard),
-          captureRedirection(*connection) {}
+          captureRedirection(*connection), captureFormats(*connection) {}
 
     x11::X11HotKeys& usedHotKeys() {
         return hotKeys ? *hotKeys : hotKeys.emplace(*connection, keyboard);
@@ -53,6 +55,13 @@ struct X11Desktop::Parts {
     /// From the first use on.
     x11::CompositingManager& watchedCompositingManager() {
         return compositingManager ? *compositingManager : compositingManager.emplace(*connection);
+    }
+
+    x11::CaptureBackdrop& usedCaptureBackdrop() {
+        return captureBackdrop
+                   ? *captureBackdrop
+                   : captureBackdrop.emplace(*connection, windows, watchedCompositingManager(),
+                                             captureFormats);
     }
 
     x11::SystemTray& watchedSystemTray() {
@@ -65,7 +74,9 @@ struct X11Desktop::Parts {
     x11::X11Pointer pointer;
     x11::X11EventMonitors eventMonitors;
     x11::CaptureRedirection captureRedirection;
+    x11::CaptureFormats captureFormats;
     std::optional<x11::CompositingManager> compositingManager;
+    std::optional<x11::CaptureBackdrop> captureBackdrop;
     std::optional<x11::SystemTray> systemTray;
     std::optional<x11::X11HotKeys> hotKeys;
     std::optional<X11OverlayWindows> overlayWindows;
@@ -146,16 +157,16 @@ OverlayWindows& X11Desktop::overlayWindows(const Rasterizer& rasterizer) {
     if (!parts_->overlayWindows) {
         parts_->overlayWindows.emplace(x11::OverlaySurroundings{
             *parts_->connection, parts_->windows, parts_->watchedCompositingManager(),
-            parts_->captureRedirection, rasterizer});
+            parts_->captureRedirection, parts_->usedCaptureBackdrop(), rasterizer});
     }
     return *parts_->overlayWindows;
 }
 
 ScreenCapture& X11Desktop::screenCapture() {
     if (!parts_->screenCapture) {
-        parts_->screenCapture.emplace(*parts_->connection, parts_->windows,
-                                      parts_->watchedCompositingManager(),
-                                      parts_->captureRedirection);
+        parts_->screenCapture.emplace(x11::CaptureSurroundings{
+            *parts_->connection, parts_->windows, parts_->watchedCompositingManager(),
+            parts_->captureRedirection, parts_->captureFormats, parts_->usedCaptureBackdrop()});
     }
     return *parts_->screenCapture;
 }

@@ -152,6 +152,7 @@ void X11OverlayWindow::orderFrontRegardless() {
         return;
     }
     captureRedirection_ = surroundings_.captureRedirection.hold();
+    captureBackdrop_ = surroundings_.captureBackdrop.holdForOverlay();
     xcb_map_window(connection_.get(), window_);
     stayOnTop_.emplace(connection_, window_);
     repaintEverything();
@@ -165,6 +166,7 @@ void X11OverlayWindow::orderOut() {
     xcb_delete_property(connection_.get(), window_, connection_.atom(Atom::lumetryText));
     xcb_unmap_window(connection_.get(), window_);
     captureRedirection_.reset();
+    captureBackdrop_.reset();
     surface_->clear();
     shown_.clear();
     uncovered_.clear();

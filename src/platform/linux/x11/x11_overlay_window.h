@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/linux/x11/capture_backdrop.h"
 #include "platform/linux/x11/capture_redirection.h"
 #include "platform/linux/x11/connection.h"
 #include "platform/linux/x11/overlay_surface.h"
@@ -21,6 +22,7 @@ struct OverlaySurroundings {
     X11Windows& windows;
     CompositingManager& compositingManager;
     CaptureRedirection& captureRedirection;
+    CaptureBackdrop& captureBackdrop;
     const Rasterizer& rasterizer;
 };
 
@@ -63,6 +65,7 @@ private:
     std::optional<OverlaySurface> surface_;
     std::optional<StayOnTop> stayOnTop_; ///< while it is shown
     Token captureRedirection_;           ///< likewise
+    Token captureBackdrop_;              ///< likewise
     ContentView* view_ = nullptr;
 
     DisplayList shown_;           ///< what the window shows

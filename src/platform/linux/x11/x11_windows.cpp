@@ -187,6 +187,18 @@ xcb_window_t X11Windows::lockerOnTop() {
     return XCB_WINDOW_NONE;
 }
 
+std::vector<Rect> X11Windows::occupied() {
+    table_.refresh();
+    std::vector<Rect> rects;
+    for (const xcb_window_t id : table_.stacking()) {
+        const WindowRecord* const window = table_.find(id);
+        if (window && traits_.isVisible(*window, table_.root().currentDesktop)) {
+            rects.push_back(window->rect);
+        }
+    }
+    return rects;
+}
+
 bool X11Windows::hasOwnOnScreen() {
     return visitOnScreen([&](const WindowRecord& window) { return isOwn(window); });
 }

@@ -36,6 +36,8 @@ public:
     /// @param above one of this program's windows; 0, or one that is hidden: everything that is not
     /// this program's
     [[nodiscard]] std::vector<const WindowRecord*> visibleBelow(xcb_window_t above);
+    /// Where the screen shows a window, this program's own included. Root coordinates.
+    [[nodiscard]] std::vector<Rect> occupied();
     /// Whether this program has a window on the screen, other than the overlay.
     [[nodiscard]] bool hasOwnOnScreen();
     /// The window that hides at least one screen with nothing but menus and the like above it, the
