@@ -29,13 +29,13 @@ PixelFormat formatOf(const xcb_setup_t& setup, std::uint8_t depth, const xcb_vis
     return format;
 }
 
-/// The eight bits of a component brought to where the mask wants them.
+/// The eight bits of a component brought to where the mask wants them, so that the strongest of one
+/// is the strongest of the other.
 std::uint32_t placed(std::uint32_t component, std::uint32_t mask) {
-    constexpr int componentBits = 8;
-    const int bits = std::popcount(mask);
-    const int shift = std::countr_zero(mask);
-    return bits >= componentBits ? (component << (bits - componentBits)) << shift
-                                 : (component >> (componentBits - bits)) << shift;
+    constexpr std::uint64_t strongest = 0xFF;
+    const std::uint64_t most = mask >> std::countr_zero(mask);
+    const std::uint64_t value = (component * most + strongest / 2) / strongest;
+    return static_cast<std::uint32_t>(value) << std::countr_zero(mask);
 }
 
 bool isAsInBitmaps(const PixelFormat& format) {

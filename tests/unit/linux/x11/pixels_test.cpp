@@ -80,7 +80,7 @@ TEST(PixelFormat, PacksForTheServer) {
         {"5-6-5", format(16, 0xF800, 0x7E0, 0x1F, false, false), {0x04, 0x83, 0, 0}},
         {"ten bits",
          format(32, 0x3FF00000, 0xFFC00, 0x3FF, false, false),
-         {0x80, 0x00, 0x06, 0x20}},
+         {0x80, 0x04, 0x26, 0x20}},
     };
     for (const auto& one : cases) {
         EXPECT_EQ(bytesPerRow(one.format, 1), 4U) << one.name;
