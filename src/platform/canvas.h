@@ -30,6 +30,11 @@ public:
 
     /// The advance width of the text and the height of its line box, in points.
     [[nodiscard]] virtual Size measure(std::string_view text, const Font& font) const = 0;
+    /// How far glyphs reach out of the line box on any side, in points: stacked accents, letters of
+    /// fonts that step in.
+    [[nodiscard]] virtual double overhang(std::string_view /*text*/, const Font& /*font*/) const {
+        return 0;
+    }
 };
 
 /// A surface to draw on. Coordinates are points in the view's space: origin at its lower-left

@@ -28,7 +28,9 @@ struct Coverage {
         return around({left, bottom, right - left, top - bottom}, command.lineWidth);
     }
     Rect operator()(const DrawText& command) const {
-        return inset(command.lineBox, -2 * spare, -2 * spare);
+        // Text begins on a whole pixel, which may be the next one.
+        const double reach = 2 * spare + command.overhang;
+        return inset(command.lineBox, -reach, -reach);
     }
 
     static Rect around(const Rect& rect, double lineWidth) {
@@ -84,8 +86,11 @@ Size RecordingCanvas::measure(std::string_view text, const Font& font) const {
 void RecordingCanvas::drawText(std::string_view text, Point lowerLeft, const Font& font,
                                const Color& color) {
     const Size size = measure(text, font);
-    list_.emplace_back(DrawText{
-        std::string(text), {lowerLeft.x, lowerLeft.y, size.width, size.height}, font, color});
+    list_.emplace_back(DrawText{std::string(text),
+                                {lowerLeft.x, lowerLeft.y, size.width, size.height},
+                                font,
+                                color,
+                                metrics_.overhang(text, font)});
 }
 
 } // namespace lumetry

@@ -55,6 +55,7 @@ struct DrawText {
     Rect lineBox;
     Font font;
     Color color;
+    double overhang = 0; ///< of the glyphs out of the line box, on any side
 
     friend bool operator==(const DrawText&, const DrawText&) = default;
 };
@@ -65,8 +66,7 @@ using DrawCommand = std::variant<FillRoundedRect, StrokeRoundedRect, FillEllipse
 /// Drawing kept as a list of commands, in drawing order and view space.
 using DisplayList = std::vector<DrawCommand>;
 
-/// Everything that a command may touch, with a point to spare for smoothed edges and for glyphs
-/// that reach out of their line box.
+/// Everything that a command may touch, with a point to spare for smoothed edges.
 [[nodiscard]] Rect coverage(const DrawCommand& command);
 
 /// Where two drawings may differ: the coverage of every command between their common beginning

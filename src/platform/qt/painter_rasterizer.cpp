@@ -16,6 +16,8 @@ namespace {
 /// 72 dots per inch, where a font of that many points is as many pixels high.
 constexpr int dotsPerMeter = 2835;
 
+constexpr double halfPixel = 0.5;
+
 QString textOf(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
@@ -25,11 +27,14 @@ QColor colorOf(const Color& color) {
                             static_cast<float>(color.blue), static_cast<float>(color.alpha));
 }
 
-QImage metricsDevice() {
-    QImage device(1, 1, QImage::Format_ARGB32_Premultiplied);
-    device.setDotsPerMeterX(dotsPerMeter);
-    device.setDotsPerMeterY(dotsPerMeter);
-    return device;
+QFontMetricsF metricsOf(const QFont& font) {
+    static const QImage device = [] {
+        QImage image(1, 1, QImage::Format_ARGB32_Premultiplied);
+        image.setDotsPerMeterX(dotsPerMeter);
+        image.setDotsPerMeterY(dotsPerMeter);
+        return image;
+    }();
+    return {font, &device};
 }
 
 /// Draws commands of view space (y upwards) on an image that shows one area of it (y downwards).
@@ -49,9 +54,19 @@ public:
     void operator()(const StrokeRoundedRect& command) {
         const double margin = 2 * command.radius + command.lineWidth;
         const Rect rect = visiblePart(command.rect, margin);
-        painter_.strokePath(
-            roundedRect(command.lineWidth <= 1 ? onPixelCentres(rect) : rect, command.radius),
-            QPen(colorOf(command.color), command.lineWidth));
+        const QPen pen(colorOf(command.color), command.lineWidth);
+        if (command.lineWidth > 1) {
+            painter_.strokePath(roundedRect(rect, command.radius), pen);
+            return;
+        }
+        // A hairline covers the outermost row of pixels within its outer edge and not two halves of
+        // one; what is thinner, the outermost row of what it runs around.
+        const double outwards = command.lineWidth < 1 ? 0 : halfPixel;
+        const Rect outer = onWholePixels(inset(rect, -outwards, -outwards));
+        const Rect line = inset(outer, halfPixel, halfPixel);
+        if (!line.isNull()) {
+            painter_.strokePath(roundedRect(line, command.radius - (halfPixel - outwards)), pen);
+        }
     }
 
     void operator()(const FillEllipse& command) {
@@ -89,12 +104,13 @@ public:
     void operator()(const DrawText& command) {
         const QFont font = fonts_.font(command.font);
         const double descent = QFontMetricsF(font, painter_.device()).descent();
-        const QPointF baseline =
-            onImage(Point{command.lineBox.minX(), command.lineBox.minY() + descent});
+        // Rounded before it is turned into the image's space, so that parts drawn apart fit
+        // together.
+        const Point baseline = {std::round(command.lineBox.minX()),
+                                std::round(command.lineBox.minY() + descent)};
         painter_.setFont(font);
         painter_.setPen(colorOf(command.color));
-        painter_.drawText(QPointF(std::round(baseline.x()), std::round(baseline.y())),
-                          textOf(command.text));
+        painter_.drawText(onImage(baseline), textOf(command.text));
     }
 
 private:
@@ -108,7 +124,7 @@ private:
 
     [[nodiscard]] QPainterPath roundedRect(const Rect& rect, double radius) const {
         QPainterPath path;
-        const double most = std::min({radius, rect.width / 2, rect.height / 2});
+        const double most = std::max(std::min({radius, rect.width / 2, rect.height / 2}), 0.0);
         path.addRoundedRect(onImage(rect), most, most);
         return path;
     }
@@ -134,13 +150,6 @@ private:
 
     /// Hairlines through the middle of pixels, so that they cover one row of them and not two
     /// halves.
-    [[nodiscard]] static Rect onPixelCentres(const Rect& rect) {
-        const auto centre = [](double value) { return std::round(value - 0.5) + 0.5; };
-        const double left = centre(rect.minX());
-        const double bottom = centre(rect.minY());
-        return {left, bottom, centre(rect.maxX()) - left, centre(rect.maxY()) - bottom};
-    }
-
     [[nodiscard]] static std::pair<Point, Point> alongPixelCentres(Point a, Point b) {
         if (a.y == b.y) {
             a.y = b.y = std::floor(a.y) + 0.5;
@@ -195,9 +204,20 @@ void harden(Bitmap& bitmap) {
 } // namespace
 
 Size PainterRasterizer::measure(std::string_view text, const Font& font) const {
-    static const QImage device = metricsDevice();
-    const QFontMetricsF metrics(fonts_.font(font), &device);
+    const QFontMetricsF metrics = metricsOf(fonts_.font(font));
     return {metrics.horizontalAdvance(textOf(text)), metrics.height()};
+}
+
+double PainterRasterizer::overhang(std::string_view text, const Font& font) const {
+    // The line box is made for plain letters, and looking at each glyph takes its time.
+    if (std::ranges::all_of(text, [](char one) { return static_cast<signed char>(one) >= 0; })) {
+        return 0;
+    }
+    const QFontMetricsF metrics = metricsOf(fonts_.font(font));
+    const QString drawn = textOf(text);
+    const QRectF ink = metrics.tightBoundingRect(drawn);
+    return std::max({-metrics.ascent() - ink.top(), ink.bottom() - metrics.descent(), -ink.left(),
+                     ink.right() - metrics.horizontalAdvance(drawn), 0.0});
 }
 
 Bitmap PainterRasterizer::rasterize(const DisplayList& list, const Rect& area, Edges edges) const {

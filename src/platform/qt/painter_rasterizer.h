@@ -9,6 +9,7 @@ namespace lumetry {
 class PainterRasterizer final : public Rasterizer {
 public:
     [[nodiscard]] Size measure(std::string_view text, const Font& font) const override;
+    [[nodiscard]] double overhang(std::string_view text, const Font& font) const override;
     [[nodiscard]] Bitmap rasterize(const DisplayList& list, const Rect& area,
                                    Edges edges) const override;
 

@@ -34,17 +34,5 @@ TEST(ChangedAreas, CoverWhatDiffersOnly) {
     }
 }
 
-TEST(Coverage, ReachesBeyondLinesAndSmoothedEdges) {
-    EXPECT_EQ(coverage(FillEllipse{{10, 10, 6, 6}, white}), (Rect{9, 9, 8, 8}));
-    EXPECT_EQ(coverage(StrokeRoundedRect{{10, 10, 20, 20}, 4, white, 2}), (Rect{8, 8, 24, 24}));
-    EXPECT_EQ(coverage(StrokeEllipse{{10, 10, 6, 6}, white, 2}), (Rect{8, 8, 10, 10}));
-    EXPECT_EQ(coverage(StrokeLine{{30, 10}, {10, 40}, white, 2, {}}), (Rect{8, 8, 24, 34}))
-        << "whichever end comes first";
-    EXPECT_EQ(coverage(StrokeLine{{10, 10}, {30, 10}, white, 1.5, {}}),
-              (Rect{8.25, 8.25, 23.5, 3.5}))
-        << "a level line has an area too";
-    EXPECT_EQ(coverage(DrawText{"x", {10, 10, 7, 15}, {}, white}), (Rect{8, 8, 11, 19}));
-}
-
 } // namespace
 } // namespace lumetry

@@ -1,0 +1,74 @@
+#include "platform/qt/painter_rasterizer.h"
+
+#include <QGuiApplication>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <span>
+
+namespace lumetry {
+namespace {
+
+const Rasterizer& painter() {
+    static int count = 1;
+    static std::array<char, 5> name = {"test"};
+    static std::array<char*, 2> arguments = {name.data(), nullptr};
+    static const QGuiApplication application(count, arguments.data());
+    static const PainterRasterizer one;
+    return one;
+}
+
+Bitmap drawn(const DisplayList& list, const Rect& area) {
+    return painter().rasterize(list, area, Edges::smooth);
+}
+
+void expectSymmetry(const Bitmap& bitmap) {
+    const auto alphaAt = [&](int x, int y) { return static_cast<int>(bitmap.at(x, y) >> 24U); };
+    for (int y = 0; y < bitmap.height; ++y) {
+        for (int x = 0; x < bitmap.width; ++x) {
+            EXPECT_NEAR(alphaAt(bitmap.width - 1 - x, y), alphaAt(x, y), 4) << x << " " << y;
+            EXPECT_NEAR(alphaAt(x, bitmap.height - 1 - y), alphaAt(x, y), 4) << x << " " << y;
+        }
+    }
+}
+
+TEST(PainterRasterizer, RunsHairlinesAroundTheOutermostPixels) {
+    for (const double start : {2.0, 2.3, 1.5, 1.75}) {
+        SCOPED_TRACE(start);
+        const Rect chip = {start, start, 12, 12};
+        for (const StrokeRoundedRect& line :
+             {StrokeRoundedRect{chip, 3, white, 0.5},
+              StrokeRoundedRect{inset(chip, 0.5, 0.5), 3, white, 1}}) {
+            const Bitmap bitmap = drawn({line}, {0, 0, 16, 16});
+            expectSymmetry(bitmap);
+            EXPECT_EQ(bitmap.at(8, 1), 0U) << "beside what is filled";
+            EXPECT_NEAR(static_cast<int>(bitmap.at(8, 2) >> 24U), line.lineWidth * 255, 2);
+        }
+    }
+}
+
+TEST(PainterRasterizer, DrawsTextWithinItsReachAndTheSameInParts) {
+    for (const double size : {11.5, 12.5, 40.0}) {
+        RecordingCanvas canvas(painter());
+        canvas.drawText("\u01FA\u1EA8g|\u0E0D\u0E39", {40.5, 60.5},
+                        {FontFamily::monospacedSystem, size, FontWeight::medium}, white);
+        const DisplayList list = canvas.take();
+        const Rect reach = coverage(list.front());
+        const Bitmap whole = drawn(list, {0, 0, 256, 160});
+        for (int i = 0; i < 256 * 160; ++i) {
+            const Point place = {i % 256 + 0.5, 159.5 - i / 256};
+            const auto first = whole.pixels.begin() + i;
+            ASSERT_TRUE(reach.contains(place) || *first == 0) << size << " " << i;
+            if (i % 16 == 0) {
+                const Bitmap part = drawn(list, {place.x - 0.5, place.y - 0.5, 16, 1});
+                ASSERT_TRUE(std::ranges::equal(part.pixels, std::span(first, 16)))
+                    << size << " " << i;
+            }
+        }
+    }
+}
+
+} // namespace
+} // namespace lumetry
