@@ -147,23 +147,6 @@ protected:
     std::optional<Accessible> root;
 };
 
-TEST_F(WidgetFactory, WidgetsAreHitWhereTheyAre) {
-    expectHit(application.pid(), shown("toggle button", "togglebutton"), "AXToggle");
-    expectHit(application.pid(), shown("check box", "checkbutton"), "AXCheckBox");
-    expectHit(application.pid(), shown("radio button", "radiobutton"), "AXRadioButton");
-    expectHit(application.pid(), shown("label", "label"), "AXStaticText");
-    expectHit(application.pid(), shown("slider"), "AXSlider");
-
-    const auto slider = hit(application.pid(), centre(shown("slider")));
-    ASSERT_TRUE(slider);
-    const auto value = slider->copyAttributeValue("AXValue");
-    ASSERT_TRUE(value);
-    EXPECT_EQ(value->as<AXNumber>(), AXNumber{50});
-    const auto label = hit(application.pid(), centre(shown("label", "label")));
-    EXPECT_EQ(text(*label, "AXValue"), "label");
-    EXPECT_EQ(label->copyAttributeValue("AXNumberOfCharacters")->as<std::int64_t>(), 5);
-}
-
 TEST_F(WidgetFactory, WhatLiesOverTheWindowIsHit) {
     // A drop-down is a window of its own that no list of windows names.
     click(shown("combo box", "Left"));
@@ -173,49 +156,6 @@ TEST_F(WidgetFactory, WhatLiesOverTheWindowIsHit) {
     // A popover is drawn into the window, over widgets that would answer, too.
     click(shown("toggle button", "Menu"));
     expectHit(application.pid(), shown("check box", "Dark Theme"), "AXCheckBox");
-}
-
-TEST_F(WidgetFactory, AFrozenApplicationCostsOneWait) {
-    const Point at = centre(shown("toggle button", "togglebutton"));
-    ASSERT_TRUE(hit(application.pid(), at));
-    application.stop();
-    const auto waits = accessibility.waits();
-    EXPECT_FALSE(hit(application.pid(), at));
-    EXPECT_EQ(accessibility.waits() - waits, 1) << "whatever is next must not wait again";
-
-    application.resume();
-    EXPECT_TRUE(waitUntil([&] { return hit(application.pid(), at).has_value(); }));
-}
-
-TEST_F(WidgetFactory, AnApplicationMayEndAtAnyTimeAndAnotherBegin) {
-    const Point at = centre(shown("toggle button", "togglebutton"));
-    const auto before = hit(application.pid(), at);
-    ASSERT_TRUE(before);
-    application.terminate();
-
-    EXPECT_EQ(text(*before, "AXTitle"), "absent");
-    EXPECT_EQ(before->copyAttributeValue("AXParent"), std::nullopt);
-    EXPECT_FALSE(hit(application.pid(), at));
-
-    application = privateDesktop.start({"gtk3-widget-factory"});
-    windows.add("Gtk3-widget-factory", application.pid());
-    EXPECT_TRUE(waitUntil([&] { return hit(application.pid(), at).has_value(); }));
-}
-
-TEST_F(WidgetFactory, TwoApplicationsAreKeptApart) {
-    ChildProcess browser = privateDesktop.start({"gtk3-icon-browser"});
-    windows.add("Gtk3-icon-browser", browser.pid());
-    const auto window =
-        desktop::waitForWindow(privateDesktop.server(), desktop::hasClass("Gtk3-icon-browser"));
-    (void)tree.waitForApplication("gtk3-icon-browser");
-    const Point common{window.bounds.midX(), window.bounds.midY()};
-
-    const auto here = hit(application.pid(), common);
-    const auto there = hit(browser.pid(), common);
-    ASSERT_TRUE(here && there);
-    EXPECT_NE(*here, *there);
-    EXPECT_EQ(here->getPid(), application.pid());
-    EXPECT_EQ(there->getPid(), browser.pid());
 }
 
 constexpr const char* page = R"(<!DOCTYPE html><title>Page</title>

@@ -57,7 +57,7 @@ TEST_F(OnboardingViewsTest, LetsItsViewsComeDownOneAfterAnother) {
     passTime(0);
     EXPECT_EQ(topOf(title), -1);
     passTime(250);
-    EXPECT_NEAR(topOf(title), top - 16 * (1 - 0.6846), 1);
+    EXPECT_NEAR(topOf(title), top - 16 * (1 - 0.6846), 2);
 
     open(OnboardingStep::permissions);
     const QRect card = placeOf(*button("Grant Accessibility")->parentWidget());
