@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <ostream>
 #include <sstream>
 #include <string>
 
@@ -80,6 +81,10 @@ struct Spot {
     int y;
     const char* told;
 };
+
+std::ostream& operator<<(std::ostream& out, const Spot& spot) {
+    return out << spot.x << ", " << spot.y;
+}
 
 class OverSleepingPage : public DetectLogFile, public testing::WithParamInterface<Spot> {};
 

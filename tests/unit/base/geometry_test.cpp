@@ -4,10 +4,24 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+
 namespace lumetry {
 namespace {
 
 constexpr Rect unit = {10, 20, 30, 40};
+
+TEST(Rect, HasPartsAndSpans) {
+    EXPECT_EQ(unit.origin(), (Point{10, 20}));
+    EXPECT_EQ(unit.size(), (Size{30, 40}));
+    EXPECT_EQ(Rect::null().size(), Size());
+    EXPECT_EQ((Point{unit.midX(), unit.midY()}), (Point{25, 40}));
+    EXPECT_EQ(horizontalSpan(unit), (Span{10, 40}));
+    EXPECT_EQ(verticalSpan(unit).middle(), 40);
+    EXPECT_EQ(gapBetween({10, 40}, {40, 50}), (Span{40, 40}));
+    EXPECT_EQ(gapBetween({45, 50}, {10, 40}), (Span{40, 45}));
+    EXPECT_EQ(gapBetween({10, 40}, {39, 50}), std::nullopt);
+}
 
 TEST(Rect, ContainsItsLowEdgesOnly) {
     using Case = std::pair<Point, bool>;

@@ -46,7 +46,7 @@ TEST(AspectString, KeepsTermsUpTo32) {
              Case{{100.4, 33.4}, "3.01:1"}, // not the 3.03 of the rounded sides
              Case{{0.5, 1}, "1:1"},
              Case{{0.49, 100}, ""},
-             Case{{100, -5}, ""},
+             Case{{100, 0.49}, ""},
              Case{{std::nan(""), 5}, ""},
              Case{{1e300, 1e299}, "10.00:1"},
          }) {

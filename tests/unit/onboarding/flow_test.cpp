@@ -38,6 +38,7 @@ TEST_F(OnboardingTest, ShownAgainItKeepsItsStepAndComesForward) {
     user().backTapped();
     controller->showTakeoff(); // which goes to the practice whatever is on screen
     EXPECT_EQ(controller->step(), 2);
+    EXPECT_FALSE(window().animated);
     EXPECT_EQ(window().centered, 2);
 }
 
@@ -140,11 +141,12 @@ TEST_F(OnboardingTest, ActivationRefreshesAndRaises) {
     allow(false, false);
     controller->show();
     user().primaryTapped();
-    window().inFront = false;
     allow(true, false);
     shell.application.becomeActive();
-    EXPECT_TRUE(window().inFront);
     EXPECT_EQ(window().primary, "Grant Screen Recording to continue");
+    window().inFront = false;
+    shell.application.becomeActive();
+    EXPECT_TRUE(window().inFront) << "with nothing granted anew";
 }
 
 TEST_F(OnboardingTest, NothingHappensOnceTheControllerIsGone) {

@@ -36,6 +36,7 @@ TEST_F(Lifecycle, StartShowsAtOnceWhatIsUnderThePointer) {
     overlay->start();
     EXPECT_TRUE(overlay->active());
     EXPECT_TRUE(window().shown);
+    EXPECT_EQ(window().view, &view());
     EXPECT_THAT(desktop.eventMonitors.masks(), ElementsAre(keyMask, pointerMask));
     EXPECT_EQ(view().targetRect, inView(buttonFrame));
     EXPECT_TRUE(view().exitTag);

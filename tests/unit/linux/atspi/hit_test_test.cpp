@@ -211,6 +211,13 @@ TEST_F(Hits, FindOnlyWhatIsMeasuredOfAText) {
         EXPECT_EQ(read<std::string>(found, "AXRole"), "AXStaticText") << each.name;
         EXPECT_EQ(read<std::string>(found, "AXValue"), each.value) << each.name;
         EXPECT_EQ(read<std::int64_t>(found, "AXNumberOfCharacters"), each.length) << each.name;
+        // Ranges count from where the piece begins in the whole text, and end with it.
+        const auto lastOf = found->copyParameterizedAttributeValue("AXAttributedStringForRange",
+                                                                   AXRange{each.length - 1, 9});
+        ASSERT_TRUE(lastOf) << each.name;
+        EXPECT_EQ((*lastOf->as<std::shared_ptr<const AXAttributedString>>())->text,
+                  each.value.substr(each.value.size() - 1))
+            << each.name;
     }
 }
 
