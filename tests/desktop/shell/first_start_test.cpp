@@ -22,18 +22,11 @@ DesktopOptions newDesktop() {
 class FirstStart : public testing::Test {
 protected:
     InputDevice& input() { return desktop.input(); }
-    bool says(const std::string& text) const { return user.sees("label", text); }
     /// What the user chooses in the tray's menu, by the keyboard, from its end.
     void quitFromTray() {
         user.openTrayMenu();
         input().typeKey(XK_Up);
         input().typeKey(XK_Return);
-    }
-    void expectEnded(ChildProcess& lumetry) {
-        const auto status = lumetry.wait();
-        ASSERT_TRUE(status);
-        EXPECT_EQ(status->code, 0);
-        EXPECT_EQ(lumetry.standardError(), "");
     }
 
     PrivateDesktop desktop{newDesktop()};
@@ -56,11 +49,15 @@ TEST_F(FirstStart, LeadsFromNothingToInspecting) {
     const std::string keys{std::istreambuf_iterator<char>(entry), {}};
     const std::string className = user.window(onboardingTitle)->className;
     EXPECT_NE(keys.find("\nStartupWMClass=" + className + "\n"), std::string::npos) << className;
+    // Closed half way it lives on in the tray, and begins anew.
+    requireUntil("the icon", [&] { return user.trayIcon().has_value(); });
+    user.close(onboardingTitle);
+    user.waitUntilClosed(onboardingTitle);
+    user.pressShortcut();
     user.clickButton("Get Started");
     const auto grant = user.waitFor("push button", "Grant Accessibility");
-    EXPECT_TRUE(user.sees("push button", "Grant Accessibility to continue"));
     // Nothing can be captured but what the X server lets be read: that is granted from the start.
-    EXPECT_TRUE(says("Granted ✓"));
+    EXPECT_TRUE(user.sees("label", "Granted ✓"));
     user.click(grant);
     EXPECT_TRUE(waitUntil([&] { return desktop.accessibilityEnabled(); }));
     // The desktop's settings, which find no more than Lumetry was started with.
@@ -70,7 +67,6 @@ TEST_F(FirstStart, LeadsFromNothingToInspecting) {
     EXPECT_NE(found.str().find("XDG_CURRENT_DESKTOP=KDE\n"), std::string::npos);
     EXPECT_EQ(found.str().find("QT_XCB_GL_INTEGRATION"), std::string::npos);
     user.waitFor("push button", "Continue");
-    EXPECT_FALSE(user.sees("push button", "Grant Accessibility"));
     EXPECT_TRUE(waitUntil([&] { return user.isInFront(onboardingTitle); }));
 
     user.clickButton("Continue");
@@ -89,22 +85,9 @@ TEST_F(FirstStart, LeadsFromNothingToInspecting) {
     user.pressShortcut();
     user.waitUntilInspecting(true);
     quitFromTray();
-    expectEnded(lumetry);
-}
-
-TEST_F(FirstStart, ClosedHalfWayItGoesOnFromThere) {
-    auto lumetry = user.startLumetry();
-    user.clickButton("Get Started");
-    user.waitFor("push button", "Grant Accessibility");
-    user.close(onboardingTitle);
-    user.waitUntilClosed(onboardingTitle);
-    EXPECT_TRUE(lumetry.running());
-    // Nothing is granted yet: from the beginning.
-    user.pressShortcut();
-    user.waitFor("push button", "Get Started");
-    EXPECT_FALSE(isOnboarded(desktop));
-    quitFromTray();
-    expectEnded(lumetry);
+    const auto status = lumetry.wait();
+    EXPECT_TRUE(status && status->code == 0);
+    EXPECT_EQ(lumetry.standardError(), "");
 }
 
 } // namespace

@@ -62,6 +62,7 @@ TEST_F(PermissionWatch, GivesUpAndIsStartedAgainByTheShortcut) {
     EXPECT_EQ(relaunches(), 0U);
     allow(false, true);
     pressShortcut();
+    EXPECT_TRUE(onboardingShown() && !inspecting());
     onboarding().close();
     allow(true, true);
     advance(0.76);
