@@ -33,17 +33,25 @@ void Overlay::start() {
         return;
     }
     active_ = true;
+    lockWatch_ = platform_.screenLock.onChange([weak = std::weak_ptr(self_)] {
+        if (const auto session = weak.lock()) {
+            session->openUp();
+            session->followLock();
+        }
+    });
+    openUp();
+    window_->setFrame(unionFrame(platform_.windowServer));
+    followLock();
+}
+
+void Overlay::openUp() {
+    if (platform_.screenLock.isLocked()) {
+        return;
+    }
     wakeVisibleChromiumApps(platform_, state_);
     if (!platform_.windowServer.preflightScreenCaptureAccess()) {
         platform_.windowServer.requestScreenCaptureAccess();
     }
-    window_->setFrame(unionFrame(platform_.windowServer));
-    lockWatch_ = platform_.screenLock.onChange([weak = std::weak_ptr(self_)] {
-        if (const auto session = weak.lock()) {
-            session->followLock();
-        }
-    });
-    followLock();
 }
 
 void Overlay::followLock() {

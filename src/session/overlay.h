@@ -46,6 +46,8 @@ public:
     std::function<void()> onNeedsPermissions;
 
 private:
+    /// Asks for what reading takes, unless the screen is locked.
+    void openUp();
     /// Shows the window and follows the pointer, but neither over a locked screen.
     void followLock();
     void show();

@@ -5,6 +5,7 @@
 #include "base/number_text.h"
 #include "platform/accessibility.h"
 #include "platform/input.h"
+#include "platform/run_loop.h"
 #include "platform/screen_lock.h"
 #include "platform/window_server.h"
 #include "probe/ax_access.h"
@@ -15,6 +16,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <iostream>
 #include <string>
 #include <string_view>
@@ -116,6 +118,9 @@ int measureScreen(const Request& request, int& argc, char** argv) {
         return nothingThere;
     }
     const ScreenReport report = reportOn(*desktop, request, points);
+    // Hears what has happened meanwhile.
+    platform.runLoop.async([&desktop] { desktop->quit(EXIT_SUCCESS); });
+    static_cast<void>(desktop->run());
     if (platform.screenLock.isLocked()) {
         return refuse(std::string(lockedProblem));
     }

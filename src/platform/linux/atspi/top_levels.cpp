@@ -134,7 +134,7 @@ std::vector<TopLevels::Candidate> TopLevels::rate(const std::vector<TopLevel>& t
         const std::uint64_t states = statesOf(replies[2 * index + 1]).value_or(0);
         Candidate candidate;
         candidate.topLevel = topLevel;
-        candidate.showing = hasState(states, ATSPI_STATE_SHOWING);
+        candidate.showing = hasState(states, habitsOf(topLevel.toolkit).shown);
         candidate.active = hasState(states, ATSPI_STATE_ACTIVE);
         if (countsFromWindow(topLevel.toolkit)) {
             candidate.placement = placementInside(extents, window.client);

@@ -46,14 +46,18 @@ void LockService::ask(const char* name, const std::string& path, const char* int
 
 void LockService::read(int milliseconds) {
     const bool before = locked_;
-    const bool connected = dbus_connection_read_write(bus_.get(), milliseconds) != FALSE;
+    // Sending may have taken in answers already.
+    const bool arrived =
+        dbus_connection_get_dispatch_status(bus_.get()) == DBUS_DISPATCH_DATA_REMAINS;
+    const bool connected =
+        dbus_connection_read_write(bus_.get(), arrived ? 0 : milliseconds) != FALSE;
     while (const BusMessage message{dbus_connection_pop_message(bus_.get())}) {
         handle(*message);
     }
     if (!connected) {
+        // Without its bus nobody says that the screen is unlocked.
         readable_.reset();
         bus_.reset();
-        locked_ = false;
     }
     if (locked_ != before && onChange) {
         onChange();

@@ -23,12 +23,13 @@ struct Unreference {
 template<class Kind>
 using Owned = std::unique_ptr<Kind, Unreference>;
 
-/// What the keys of a keyboard are for. Until a keyboard has been read, what holds for all of them.
+/// What the keys of a keyboard are for. Until a keyboard has been read, what holds for
+/// all of them or nearly so.
 struct KeyRoles {
     /// The keys that the platform gives the code of Escape.
-    std::vector<xcb_keycode_t> escape;
+    std::vector<xcb_keycode_t> escape = {9};
     /// The keys that it gives the code of M. More than one where a layout has several.
-    std::vector<xcb_keycode_t> m;
+    std::vector<xcb_keycode_t> m = {58};
     /// The keys that change modifiers when they are pressed, locks among them.
     std::bitset<256> modifierKeys;
     /// What each modifier bit of X11 stands for. The meaning of only two is fixed.

@@ -49,7 +49,7 @@ public:
             [&delegate] { delegate.applicationShouldHandleReopen(hasVisibleWindows()); });
         desktop_->x11().onHotKeyTaken([] {
             std::cerr << "lumetry: another program has taken Control-Shift-M; until it lets go of "
-                         "it, inspect mode is in the tray's menu\n";
+                         "it, use the tray's menu, or start lumetry again for its control panel\n";
         });
         const LastWindowWatch lastWindow([this, &delegate] {
             if (delegate.applicationShouldTerminateAfterLastWindowClosed()) {
