@@ -6,7 +6,6 @@
 #include "platform/qt/widgets/template_icon.h"
 
 #include <QApplication>
-#include <QDialog>
 #include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -26,7 +25,7 @@ using namespace views;
 
 constexpr QSize panelSize = {360, 196};
 
-class ControlPanel final : public QDialog {
+class ControlPanel final : public QWidget {
 public:
     ControlPanel(ControlPanelActions actions, const TemplateImage& icon)
         : actions_(std::move(actions)) {
@@ -88,7 +87,6 @@ private:
         auto* const quit = makeButton(QStringLiteral("Quit Lumetry"), whiteAt(0.14));
         QObject::connect(quit, &QPushButton::clicked, this, [this] { actions_.quitFromPanel(); });
         auto* const start = makeButton(QStringLiteral("Start inspecting"), pink());
-        start->setDefault(true);
         start_ = start;
         QObject::connect(start, &QPushButton::clicked, this, [this] { actions_.startFromPanel(); });
         auto* const row = new QHBoxLayout;
@@ -106,7 +104,6 @@ private:
         constexpr double cornerRadius = 6;
         auto* const button = new FlatButton(this);
         button->setText(title);
-        button->setAutoDefault(false);
         button->setFont(systemFont(13));
         button->setLook({{fill, {}, cornerRadius}, whiteAt(1)});
         button->setFixedSize(QFontMetrics(button->font()).horizontalAdvance(title) + 2 * padding,
@@ -117,8 +114,8 @@ private:
     void keyPressEvent(QKeyEvent* event) override {
         if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
             start_->click();
-        } else if (event->key() != Qt::Key_Escape) { // which ends inspect mode, and only that
-            QDialog::keyPressEvent(event);
+        } else {
+            QWidget::keyPressEvent(event);
         }
     }
 
