@@ -6,7 +6,6 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -24,12 +23,6 @@ using testing::Pair;
 
 const std::string applicationId = "app.lumetry.Lumetry";
 
-std::string contents(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    EXPECT_TRUE(file) << path << " cannot be read";
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 /// The keys of a desktop entry or D-Bus service of one group.
 std::map<std::string, std::string> entryKeys(const fs::path& path) {
     std::ifstream file(path);
@@ -41,22 +34,6 @@ std::map<std::string, std::string> entryKeys(const fs::path& path) {
         }
     }
     return keys;
-}
-
-/// Width and height in pixels, from the head of a PNG file; zeros when it is none.
-std::array<unsigned, 2> pngSize(const fs::path& path) {
-    constexpr std::size_t widthAt = 16;
-    constexpr std::size_t headBytes = widthAt + 8;
-    const std::string bytes = contents(path);
-    if (bytes.size() < headBytes || !bytes.starts_with("\x89PNG\r\n\x1a\n")) {
-        return {};
-    }
-    std::array<unsigned, 2> size = {};
-    for (std::size_t i = widthAt; i < headBytes; ++i) {
-        unsigned& side = size.at((i - widthAt) / 4);
-        side = side << 8U | static_cast<unsigned char>(bytes[i]);
-    }
-    return size;
 }
 
 /// What cmake --install puts below a folder that goes with the test.
@@ -141,19 +118,6 @@ TEST_F(Install, TheServiceNamesTheProgramByItsWholePath) {
         EXPECT_THAT(keys, Contains(Pair("Name", applicationId)));
         EXPECT_THAT(keys, Contains(Pair("Exec", (prefix / "bin/lumetry").string())));
         EXPECT_TRUE(fs::exists(stage + (prefix / "bin/lumetry").string()));
-    }
-}
-
-TEST_F(Install, PutsTheIconInTheThemeAtEverySize) {
-    ASSERT_NO_FATAL_FAILURE(install(folder()));
-    const fs::path theme = folder() / "share/icons/hicolor";
-    EXPECT_THAT(contents(theme / "scalable/apps" / (applicationId + ".svg")), HasSubstr("<svg"));
-    EXPECT_THAT(contents(theme / "symbolic/apps" / (applicationId + "-symbolic.svg")),
-                HasSubstr("<svg"));
-    for (const unsigned size : {16U, 22U, 24U, 32U, 48U, 64U, 128U, 256U}) {
-        const std::string name = std::to_string(size) + "x" + std::to_string(size);
-        const fs::path icon = theme / name / "apps" / (applicationId + ".png");
-        EXPECT_EQ(pngSize(icon), (std::array{size, size})) << icon;
     }
 }
 

@@ -32,7 +32,7 @@ Variant call(GDBusConnection& bus, const BusObject& object, const char* interfac
              const char* method, GVariant* arguments) {
     return Variant(g_dbus_connection_call_sync(
         &bus, object.name.c_str(), object.path.c_str(), interface, method, arguments, nullptr,
-        G_DBUS_CALL_FLAGS_NO_AUTO_START, busTimeoutMilliseconds, nullptr, nullptr));
+        G_DBUS_CALL_FLAGS_NONE, busTimeoutMilliseconds, nullptr, nullptr));
 }
 
 Variant property(GDBusConnection& bus, const BusObject& object, const char* interface,
