@@ -27,7 +27,11 @@ public:
 private:
     bool eventFilter(QObject* /*watched*/, QEvent* event) override {
         const bool shown = event->type() == QEvent::Move || event->type() == QEvent::WindowActivate;
-        const bool framed = shown && window_.isVisible() && window_.frameSize() != window_.size();
+        // Window managers make the frame first and fit it to the window then: until they have, Qt
+        // takes it for smaller than what it is around.
+        const QSize frame = window_.frameSize();
+        const bool framed = shown && window_.isVisible() && frame != window_.size() &&
+                            frame == frame.expandedTo(window_.size());
         if (framed || event->type() == QEvent::Hide) {
             window_.removeEventFilter(this);
             deleteLater();
