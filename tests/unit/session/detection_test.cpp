@@ -117,9 +117,10 @@ TEST_F(Detection, TellsApplicationsAndPathsApart) {
     hover({730, 125});
     EXPECT_EQ(lastLine(), "app=com.example.mail electron=false path=AX-real header=Button · Save "
                           "box=80x30 win=200x400");
+    makeElectron();
     desktop.accessibility.application(pid).answerWith({});
     hover(onPainted);
-    makeElectron();
+    desktop.accessibility.application(pid).answerWith({&page});
     hover({onPainted.x + 1, onPainted.y});
     EXPECT_NE(lastLine().find("path=coarse→pixel header=≈ element"), std::string::npos);
 }
