@@ -5,14 +5,16 @@
 #include "support/processes/wait_until.h"
 #include "support/real_desktop/chromium.h"
 
+#include <algorithm>
 #include <array>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 
 namespace lumetry::latency {
 namespace {
 
-constexpr int rounds = 60;
+constexpr std::size_t rounds = 60;
 
 std::string listOf(int items) {
     std::string list;
@@ -66,9 +68,7 @@ constexpr std::array<MeasuredPage::Spot, 9> spots = {{
 /// The spots at which something else is found than there is; empty when there are none.
 std::string misreadSpots(const desktop::PrivateDesktop& desktop) {
     std::vector<Point> points;
-    for (const MeasuredPage::Spot& spot : spots) {
-        points.push_back(spot.at);
-    }
+    std::ranges::transform(spots, std::back_inserter(points), &MeasuredPage::Spot::at);
     const auto samples = firstSamples(probeSession(desktop, points));
     std::string misread;
     for (std::size_t i = 0; i < spots.size(); ++i) {
@@ -94,9 +94,10 @@ MeasuredPage::MeasuredPage(desktop::PrivateDesktop& desktop)
     }
 }
 
-std::vector<Point> MeasuredPage::points() const {
+std::vector<Point> MeasuredPage::points() {
     std::vector<Point> points;
-    for (int round = 0; round < rounds; ++round) {
+    points.reserve(rounds * spots.size());
+    for (std::size_t round = 0; round < rounds; ++round) {
         for (const Spot& spot : spots) {
             points.push_back(spot.at);
         }

@@ -22,7 +22,7 @@ public:
     explicit MeasuredPage(desktop::PrivateDesktop& desktop);
 
     /// Each spot many times, never the same one twice in a row.
-    [[nodiscard]] std::vector<Point> points() const;
+    [[nodiscard]] static std::vector<Point> points();
     [[nodiscard]] const Spot& spotOf(std::size_t point) const;
 
 private:

@@ -37,7 +37,7 @@ AccessibleRef findApplication(const std::string& wanted) {
             continue;
         }
         char* name = atspi_accessible_get_name(application.get(), nullptr);
-        const bool matches = name && wanted == name;
+        const bool matches = name != nullptr && wanted == name;
         g_free(name);
         if (matches) {
             return application;

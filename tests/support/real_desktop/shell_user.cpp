@@ -115,7 +115,7 @@ std::string ShellUser::describe() const {
     return all;
 }
 
-Accessible ShellUser::waitFor(const std::string& role, const std::string& name) const {
+Accessible ShellUser::waitFor(const std::string& role, const std::string& name) {
     std::optional<Accessible> found;
     if (!waitUntil([&] { return (found = find(role, name)).has_value(); })) {
         throw std::runtime_error("waited for the " + role + " \"" + name + "\"; there is\n" +

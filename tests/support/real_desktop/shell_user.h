@@ -34,7 +34,7 @@ public:
     void close(const std::string& title) const;
 
     /// An element of Lumetry's windows that is shown.
-    Accessible waitFor(const std::string& role, const std::string& name) const;
+    Accessible waitFor(const std::string& role, const std::string& name);
     [[nodiscard]] bool sees(const std::string& role, const std::string& name) const;
     void click(const Accessible& element);
     void clickButton(const std::string& name) { click(waitFor("push button", name)); }
