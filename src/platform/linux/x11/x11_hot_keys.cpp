@@ -9,6 +9,9 @@ namespace {
 /// The modifier bits that a key event carries, without buttons and groups.
 constexpr std::uint16_t modifierBits = 0xFF;
 
+/// Milliseconds that a key may be held before the server repeats it, at the slowest setting.
+constexpr xcb_timestamp_t longestRepeatDelay = 3000;
+
 std::uint16_t nativeModifiers(std::uint32_t modifiers) {
     std::uint16_t native = 0;
     if ((modifiers & hotKeyShift) != 0) {
@@ -144,15 +147,17 @@ void X11HotKeys::awaitOthers() {
 void X11HotKeys::handle(const xcb_generic_event_t& event) {
     if (typeOf(event) == XCB_KEY_PRESS) {
         press(eventAs<xcb_key_press_event_t>(event));
-    } else if (typeOf(event) == XCB_KEY_RELEASE &&
-               eventAs<xcb_key_release_event_t>(event).detail == heldKey_) {
+    } else if (typeOf(event) == XCB_KEY_RELEASE && heldKey_ &&
+               eventAs<xcb_key_release_event_t>(event).detail == heldKey_->key) {
         heldKey_.reset();
     }
 }
 
 void X11HotKeys::press(const xcb_key_press_event_t& event) {
-    // A key that is held down is pressed again and again.
-    if (heldKey_ == event.detail) {
+    // A key that is held down is pressed again and again. That it was let go of may never be told,
+    // as when its keyboard is unplugged.
+    if (heldKey_ && heldKey_->key == event.detail &&
+        event.time - std::exchange(heldKey_->lastPressed, event.time) < longestRepeatDelay) {
         return;
     }
     const auto modifiers =
@@ -163,7 +168,7 @@ void X11HotKeys::press(const xcb_key_press_event_t& event) {
                    hotKey.grabbed.end();
     });
     if (found != hotKeys_.end()) {
-        heldKey_ = event.detail;
+        heldKey_ = HeldKey{event.detail, event.time};
         deliver(found->id);
     }
 }

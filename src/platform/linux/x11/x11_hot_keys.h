@@ -45,6 +45,11 @@ private:
         bool isWhole = false; ///< nothing of it is another client's
     };
 
+    struct HeldKey {
+        xcb_keycode_t key = 0;
+        xcb_timestamp_t lastPressed = 0; ///< milliseconds of the server
+    };
+
     void handle(const xcb_generic_event_t& event);
     void press(const xcb_key_press_event_t& event);
     void deliver(HotKeyID id);
@@ -57,7 +62,7 @@ private:
 
     Connection& connection_;
     Keyboard& keyboard_;
-    std::optional<xcb_keycode_t> heldKey_; ///< of the hot key that was pressed last
+    std::optional<HeldKey> heldKey_; ///< of the hot key that was pressed last
     int lastNumber_ = 0;
     std::vector<std::pair<int, std::shared_ptr<Handler>>> handlers_;
     std::vector<HotKey> hotKeys_;
