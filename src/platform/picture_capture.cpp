@@ -60,18 +60,30 @@ std::optional<PixelSize> pixelSizeOf(const Rect& area) {
     return PixelSize{static_cast<int>(width), static_cast<int>(height)};
 }
 
-std::optional<Bitmap> PictureCapture::captureBelow(const Rect& area, std::uint32_t windowNumber) {
-    const auto size = pixelSizeOf(area);
+Rect PictureCapture::pixelsOf(const Rect& area) const {
+    return {area.x * scale_, area.y * scale_, area.width * scale_, area.height * scale_};
+}
+
+std::optional<Bitmap> PictureCapture::captureBelow(const Rect& area,
+                                                   std::uint32_t /*windowNumber*/) {
+    const Rect pixels = pixelsOf(area);
+    const auto size = pixelSizeOf(pixels);
     if (!size) {
         return std::nullopt;
     }
-    const Rect whole = {std::floor(area.x), std::floor(area.y), static_cast<double>(size->width),
-                        static_cast<double>(size->height)};
-    return captureBelow(whole, windowNumber, *size, Interpolation::none);
+    const Rect whole = {std::floor(pixels.x), std::floor(pixels.y),
+                        static_cast<double>(size->width), static_cast<double>(size->height)};
+    return drawn(whole, *size, Interpolation::none);
 }
 
 std::optional<Bitmap> PictureCapture::captureBelow(const Rect& area, std::uint32_t /*windowNumber*/,
                                                    PixelSize size, Interpolation interpolation) {
+    return drawn(pixelsOf(area), size, interpolation);
+}
+
+/// The part of the picture at that size, what lies outside of it missing.
+std::optional<Bitmap> PictureCapture::drawn(const Rect& area, PixelSize size,
+                                            Interpolation interpolation) const {
     const bool isFinite = std::isfinite(area.maxX()) && std::isfinite(area.maxY());
     if (!isFinite || !(area.width > 0 && area.height > 0) || size.width < 1 || size.height < 1 ||
         size.width > largestSide || size.height > largestSide) {

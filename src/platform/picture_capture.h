@@ -6,11 +6,12 @@
 
 namespace lumetry {
 
-/// A picture in place of the screen. Its top-left corner is the origin of accessibility space, and
-/// one of its pixels is one point.
+/// A picture in place of the screen. Its top-left corner is the origin of accessibility space.
 class PictureCapture final : public ScreenCapture {
 public:
-    explicit PictureCapture(Bitmap picture) : picture_(std::move(picture)) {}
+    /// @param scale pixels of the picture for each point
+    explicit PictureCapture(Bitmap picture, double scale = 1)
+        : picture_(std::move(picture)), scale_(scale) {}
 
     [[nodiscard]] std::optional<Bitmap> captureBelow(const Rect& area,
                                                      std::uint32_t windowNumber) override;
@@ -19,11 +20,16 @@ public:
                                                      Interpolation interpolation) override;
 
 private:
+    [[nodiscard]] Rect pixelsOf(const Rect& area) const;
+    [[nodiscard]] std::optional<Bitmap> drawn(const Rect& pixels, PixelSize size,
+                                              Interpolation interpolation) const;
+
     Bitmap picture_;
+    double scale_;
 };
 
-/// The whole pixels that an area of points covers at one pixel a point: its size rounded. Absent
-/// when that is no size a bitmap can have.
+/// The size of an area of pixels, rounded to whole ones. Absent when that is no size a bitmap can
+/// have.
 [[nodiscard]] std::optional<PixelSize> pixelSizeOf(const Rect& area);
 
 } // namespace lumetry

@@ -15,7 +15,8 @@ enum class Edges {
 class Rasterizer : public TextMetrics {
 public:
     /// Draws the part of the list inside the area over transparent black.
-    /// @param area view space, whole points; one point is one pixel
+    /// @param list in pixels of the view
+    /// @param area whole pixels of the view
     /// @return area.width × area.height pixels, the first row being the top of the area
     [[nodiscard]] virtual Bitmap rasterize(const DisplayList& list, const Rect& area,
                                            Edges edges) const = 0;

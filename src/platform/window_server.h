@@ -22,6 +22,7 @@ struct WindowInfo {
 struct Screen {
     Rect frame;
     Rect visibleFrame; ///< without menu bars, docks and panels
+    double backingScaleFactor = 1; ///< device pixels for each point
 
     friend bool operator==(const Screen&, const Screen&) = default;
 };

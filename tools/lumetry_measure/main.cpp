@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,9 +41,10 @@ int refuse(const std::string& problem) {
 
 struct Request {
     bool json = false;
-    std::vector<double> point; ///< x and y, or empty for the pointer's place
-    std::vector<double> to;    ///< x and y of the second point, or empty
-    std::string image;         ///< a PNG instead of the screen, or empty
+    std::vector<double> point;   ///< x and y, or empty for the pointer's place
+    std::vector<double> to;      ///< x and y of the second point, or empty
+    std::string image;           ///< a PNG instead of the screen, or empty
+    std::optional<double> scale; ///< of the picture, in pixels for each point
 };
 
 /// The first of the points that lies on no screen, in words; empty when all do.
@@ -130,8 +132,8 @@ int measureScreen(const Request& request, int& argc, char** argv) {
 
 int measureImage(const Request& request) {
     std::string problem;
-    const auto measurement =
-        measureImageFile(request.image, {request.point[0], request.point[1]}, problem);
+    const auto measurement = measureImageFile(request.image, {request.point[0], request.point[1]},
+                                              request.scale, problem);
     if (!measurement) {
         return refuse(problem);
     }
@@ -156,11 +158,19 @@ int main(int argc, char** argv) {
     auto* to = options.add_option("--to", request.to, "Measure the distance to this second point")
                    ->expected(2)
                    ->type_name("X2 Y2");
+    auto* image =
+        options
+            .add_option("--image", request.image,
+                        "Analyse the pixels of a PNG file around X Y instead of the screen")
+            ->type_name("FILE")
+            ->excludes(to);
     options
-        .add_option("--image", request.image,
-                    "Analyse the pixels of a PNG file around X Y instead of the screen")
-        ->type_name("FILE")
-        ->excludes(to);
+        .add_option("--scale", request.scale,
+                    "Pixels of that picture for each point; default: what its file declares, else "
+                    "1")
+        ->needs(image)
+        ->check(CLI::Range(0.5, 8.0))
+        ->type_name("SCALE");
     options.footer(
         "Exit status: 0 when something was measured, 1 when nothing is there, 2 for wrong "
         "usage or a desktop that cannot be read.");

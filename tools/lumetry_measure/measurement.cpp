@@ -2,6 +2,7 @@
 
 #include "platform/accessibility.h"
 #include "platform/run_loop.h"
+#include "platform/window_server.h"
 #include "probe/ax_access.h"
 #include "probe/electron.h"
 
@@ -21,6 +22,8 @@ Measurement measureOnce(NativeDesktop& desktop, ProbeState& state, Point at) {
     sample.window = topWindowInfo(platform, state, at);
     Inspector inspector(platform, state);
     Measurement measurement;
+    const auto screen = platform.windowServer.mainScreen();
+    measurement.scale = screen ? screen->backingScaleFactor : 1;
     measurement.outcome = inspector.look(sample, noWindow);
     inspector.addLiveColor(measurement.outcome, sample, noWindow);
     if (sample.window) {

@@ -15,6 +15,7 @@ struct Measurement {
     HoverOutcome outcome;
     std::string app = "(none)"; ///< bundle identifier, as in the detection log
     std::optional<Rect> window; ///< accessibility space
+    double scale = 1;           ///< device pixels for each point
 };
 
 /// Measures a point once. An application built on Chromium whose tree is still asleep is woken and

@@ -83,7 +83,8 @@ std::string jsonReport(const Measurement& measurement) {
                    {"header", outcome.header},
                    {"rows", std::move(rows)},
                    {"box", jsonRect(outcome.box)},
-                   {"window", jsonRect(measurement.window)}});
+                   {"window", jsonRect(measurement.window)},
+                   {"scale", jsonNumber(measurement.scale)}});
 }
 
 std::string textReport(const Measurement& from, const Measurement& to) {
@@ -104,7 +105,8 @@ std::string jsonReport(const Measurement& from, const Measurement& to) {
     return dumped({{"from", jsonRect(a)},
                    {"to", jsonRect(b)},
                    {"horizontal", jsonDistance(distances.horizontal)},
-                   {"vertical", jsonDistance(distances.vertical)}});
+                   {"vertical", jsonDistance(distances.vertical)},
+                   {"scale", jsonNumber(from.scale)}});
 }
 
 } // namespace lumetry

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/geometry.h"
+#include "platform/linux/root_space.h"
 
 #include <sys/types.h>
 
@@ -36,9 +37,8 @@ public:
     DesktopWindows& operator=(const DesktopWindows&) = delete;
     virtual ~DesktopWindows() = default;
 
-    /// Where the origin of accessibility space, the primary display's top-left corner, lies in the
-    /// coordinates of the root window, which are those that AT-SPI speaks.
-    [[nodiscard]] virtual Point accessibilityOrigin() = 0;
+    /// Where accessibility space lies on the root window, whose coordinates AT-SPI speaks.
+    [[nodiscard]] virtual RootSpace rootSpace() = 0;
     /// The topmost window under a point of accessibility space, docks, menus and the desktop
     /// included, but never one of this program's own.
     /// @param pid only windows of that process, when given

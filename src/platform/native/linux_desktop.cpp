@@ -2,9 +2,13 @@
 
 #include "platform/linux/idle_loop.h"
 #include "platform/linux/lock/lock_services.h"
+#include "platform/linux/root_space.h"
 
+#include <cmath>
 #include <cstdlib>
 #include <iostream>
+#include <optional>
+#include <string>
 
 namespace lumetry {
 namespace {
@@ -25,6 +29,19 @@ void keepQtSmall() {
     setenv("QT_XCB_GL_INTEGRATION", "none", 0);
 }
 
+/// Device pixels for each point, if the user wants others than the desktop declares.
+std::optional<double> chosenScale(const QtDefaults& defaults) {
+    const auto scale = defaults.numberForKey("lumetry.scale");
+    return scale ? usableScale(*scale) : std::nullopt;
+}
+
+/// Has Qt's windows drawn at that scale. It has to be known before Qt's application object is made.
+void scaleQt(double scale) {
+    constexpr double dotsPerInch = 96;
+    const auto dots = static_cast<int>(std::lround(scale * dotsPerInch));
+    setenv("QT_FONT_DPI", std::to_string(dots).c_str(), 1);
+}
+
 } // namespace
 
 LinuxDesktop::LinuxDesktop(const ApplicationMaker& makeApplication)
@@ -39,6 +56,9 @@ std::unique_ptr<LinuxDesktop> LinuxDesktop::open(const ApplicationMaker& makeApp
         return nullptr;
     }
     keepQtSmall();
+    if (const auto scale = chosenScale(QtDefaults())) {
+        scaleQt(*scale);
+    }
     std::unique_ptr<LinuxDesktop> desktop(new LinuxDesktop(makeApplication));
     if (!desktop->connect(problem)) {
         return nullptr;
@@ -47,7 +67,7 @@ std::unique_ptr<LinuxDesktop> LinuxDesktop::open(const ApplicationMaker& makeApp
 }
 
 bool LinuxDesktop::connect(std::string& problem) {
-    x11_ = X11Desktop::open(loop_, loop_, problem);
+    x11_ = X11Desktop::open(loop_, loop_, problem, chosenScale(defaults_));
     if (!x11_) {
         return false;
     }

@@ -42,4 +42,10 @@ void QtDefaults::setBool(bool value, std::string_view key) {
     }
 }
 
+std::optional<double> QtDefaults::numberForKey(std::string_view key) const {
+    bool isNumber = false;
+    const double number = settings_.value(settingName(key)).toString().toDouble(&isNumber);
+    return isNumber ? std::optional(number) : std::nullopt;
+}
+
 } // namespace lumetry

@@ -32,7 +32,7 @@ public:
     /// @param className by which the process's windows are told
     void add(std::string className, pid_t pid) { pids_[std::move(className)] = pid; }
 
-    [[nodiscard]] Point accessibilityOrigin() override { return {}; }
+    [[nodiscard]] RootSpace rootSpace() override { return {}; }
     [[nodiscard]] std::optional<DesktopWindow> windowAt(Point point,
                                                         std::optional<pid_t> pid) override {
         std::optional<DesktopWindow> found;

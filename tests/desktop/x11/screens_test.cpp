@@ -27,7 +27,7 @@ TEST(X11Screens, StandAroundThePrimaryOne) {
     const Screen primary = {{0, 0, 500, 400}, {0, 0, 500, 400}};
     const Screen left = {{-300, 300, 300, 300}, {-300, 300, 300, 300}};
     EXPECT_THAT(server.screens(), ElementsAre(primary, left));
-    EXPECT_EQ(rig.x11().desktopWindows().accessibilityOrigin(), (Point{300, 200}));
+    EXPECT_EQ(rig.x11().desktopWindows().rootSpace(), (RootSpace{{300, 200}, 1}));
 
     const auto window = rig.foreignWindow({10, 20, 100, 50});
     rig.map(window);

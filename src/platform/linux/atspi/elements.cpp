@@ -92,12 +92,9 @@ std::optional<AXUIElement> Element::elementAt(Point point, std::optional<pid_t> 
 
 std::optional<AXValue> Element::place(std::string_view attribute, const Extents& extents,
                                       const ObjectReference& object) const {
-    const Rect place = placeOf(extents, context_.hitTest.placementOf(object));
-    if (attribute == "AXSize") {
-        return place.size();
-    }
-    const Point origin = context_.windows.accessibilityOrigin();
-    return Point{place.x - origin.x, place.y - origin.y};
+    const Rect place = context_.windows.rootSpace().toAccessibility(
+        placeOf(extents, context_.hitTest.placementOf(object)));
+    return attribute == "AXSize" ? AXValue(place.size()) : AXValue(place.origin());
 }
 
 std::optional<AXValue> ObjectElement::copyAttributeValue(std::string_view attribute) const {

@@ -35,12 +35,10 @@ std::optional<HitTest::Hit> HitTest::objectAt(Point point, std::optional<pid_t> 
     if (!window || !owner || !bus_.connect()) {
         return std::nullopt;
     }
-    const Point origin = windows_.accessibilityOrigin();
-    const Point at{point.x + origin.x, point.y + origin.y};
-    for (Rect* const place : {&window->bounds, &window->client}) {
-        place->x += origin.x;
-        place->y += origin.y;
-    }
+    const RootSpace space = windows_.rootSpace();
+    const Point at = space.toRoot(point);
+    window->bounds = space.toRoot(window->bounds);
+    window->client = space.toRoot(window->client);
     auto object = objectIn(*window, *owner, at, deadline);
     if (!object) {
         return std::nullopt;
@@ -73,7 +71,9 @@ std::optional<ObjectReference> HitTest::objectIn(const DesktopWindow& window, pi
         const Placement placement =
             topLevel->toolkit == Toolkit::chromium ? Placement() : placementOf(topLevel->object);
         const Pixel at = unitAt(point, placement);
-        Inquiry inquiry(bus_, at, topLevel->toolkit, deadline);
+        const bool inPixels = habitsOf(topLevel->toolkit).hitsInPixels;
+        const HitPoint hit = {inPixels ? unitAt(point, Placement()) : at, at};
+        Inquiry inquiry(bus_, hit, topLevel->toolkit, deadline);
         if (lastTopLevel_ == topLevel->object) {
             askAboutLastWay(inquiry);
         }

@@ -32,7 +32,7 @@ Question questionOf(Inquiry::About about) {
 
 Message Inquiry::request(const Query& query) const {
     return query.about == About::childAtPoint
-               ? getAccessibleAtPoint(query.object, at_.x, at_.y, habits_.coordinates)
+               ? getAccessibleAtPoint(query.object, at_.asked.x, at_.asked.y, habits_.coordinates)
                : requestFor({query.object, questionOf(query.about)}, habits_.coordinates);
 }
 
@@ -70,7 +70,7 @@ const Reply* Inquiry::known(const Query& query) const {
 
 bool Inquiry::isAtPoint(const ObjectReference& object) {
     const auto extents = extentsOf(reply({object, About::extents}));
-    return extents && extents->contains(at_.x, at_.y);
+    return extents && extents->contains(at_.reported.x, at_.reported.y);
 }
 
 bool Inquiry::isShowing(const ObjectReference& object) {

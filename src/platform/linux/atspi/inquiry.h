@@ -40,10 +40,11 @@ public:
     };
 
     /// @param at in the coordinates that the toolkit's applications are asked in
-    Inquiry(AtspiBus& bus, Pixel at, Toolkit toolkit, Deadline deadline)
+    Inquiry(AtspiBus& bus, const HitPoint& at, Toolkit toolkit, Deadline deadline)
         : bus_(bus), at_(at), habits_(habitsOf(toolkit)), deadline_(deadline) {}
 
-    [[nodiscard]] Pixel at() const { return at_; }
+    /// To be compared with reported places.
+    [[nodiscard]] Pixel at() const { return at_.reported; }
     [[nodiscard]] Deadline deadline() const { return deadline_; }
 
     /// Asks those that have not been asked yet together.
@@ -74,7 +75,7 @@ private:
     [[nodiscard]] Message request(const Query& query) const;
 
     AtspiBus& bus_;
-    Pixel at_;
+    HitPoint at_;
     const Habits& habits_;
     Deadline deadline_;
     std::map<Query, Known> known_;

@@ -10,4 +10,11 @@ struct Pixel {
     std::int32_t y = 0;
 };
 
+/// The same point as an application takes it in a hit test, and as the places that it reports are
+/// to be compared with it.
+struct HitPoint {
+    Pixel asked;
+    Pixel reported;
+};
+
 } // namespace lumetry::atspi

@@ -27,7 +27,7 @@ const Habits& habitsOf(Toolkit toolkit) {
     static constexpr Habits gtk4{.coordinates = ATSPI_COORD_TYPE_WINDOW,
                                  .shown = ATSPI_STATE_VISIBLE};
     static constexpr Habits chromium{.clipsText = true, .bareTexts = true};
-    static constexpr Habits gecko{.bareTexts = true};
+    static constexpr Habits gecko{.hitsInPixels = true, .bareTexts = true};
     switch (toolkit) {
     case Toolkit::gtk:
         return gtk;

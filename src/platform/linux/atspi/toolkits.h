@@ -26,6 +26,8 @@ struct Habits {
     AtspiStateType shown = ATSPI_STATE_SHOWING;
     /// Asked for more text than there is they give what there is, without a word in their logs.
     bool clipsText = false;
+    /// Takes the points of hit tests in pixels, whatever units it reports places in.
+    bool hitsInPixels = false;
     /// Some texts have no objects of their own.
     bool bareTexts = false;
 };

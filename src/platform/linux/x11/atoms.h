@@ -46,6 +46,7 @@ enum class Atom : std::size_t {
     utf8String,
     wmState,
     xrootPmapId,
+    xsettingsSettings,
     count,
 };
 
@@ -90,6 +91,7 @@ inline constexpr std::array<std::string_view, atomCount> atomNames = {
     "UTF8_STRING",
     "WM_STATE",
     "_XROOTPMAP_ID",
+    "_XSETTINGS_SETTINGS",
 };
 
 static_assert(!atomNames.back().empty(), "every atom has its name");

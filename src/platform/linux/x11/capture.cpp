@@ -109,8 +109,7 @@ X11ScreenCapture::Wanted X11ScreenCapture::onScreens(const CaptureGrid& grid) {
 }
 
 Rect X11ScreenCapture::onRoot(const Rect& area) {
-    const Point origin = surroundings_.windows.accessibilityOrigin();
-    return {area.x + origin.x, area.y + origin.y, area.width, area.height};
+    return surroundings_.windows.rootSpace().toRoot(area);
 }
 
 std::optional<Bitmap> X11ScreenCapture::capture(const Wanted& wanted, std::uint32_t windowNumber) {

@@ -14,7 +14,7 @@ namespace lumetry::x11 {
 /// What is to be put into a window.
 struct Painting {
     const DisplayList& list;
-    std::span<const Rect> areas; ///< view space
+    std::span<const Rect> areas; ///< pixels of view space, like all here
     Size view;
     const DisplayList* before = nullptr; ///< what the areas show now; null when that is not known
 };

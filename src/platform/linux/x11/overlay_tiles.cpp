@@ -12,7 +12,7 @@
 namespace lumetry::x11 {
 namespace {
 
-/// Points. Smaller tiles would follow edges more closely, but each has its own cost.
+/// Pixels. Smaller tiles would follow edges more closely, but each has its own cost.
 constexpr double tileSize = 16;
 
 /// How far from its outline a shape may show or fail to: for smoothing, and for outlines that are

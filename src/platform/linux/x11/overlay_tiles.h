@@ -9,7 +9,7 @@
 namespace lumetry::x11 {
 
 /// How an area of a drawing gets onto the screen with as few pixels computed as can be. The parts
-/// do not overlap. All rectangles are in view space and lie on whole points.
+/// do not overlap. All rectangles are whole pixels of view space.
 struct TilePlan {
     /// An area that has one and the same colour throughout.
     struct Uniform {

@@ -13,20 +13,15 @@ bool meets(double start, double end, double low, double high) {
 } // namespace
 
 Point ScreenLayout::toScreenSpace(Point onRoot) const {
-    return {onRoot.x - primary().minX(), primary().maxY() - onRoot.y};
+    return flipped(space().toAccessibility(onRoot), primary().height / scale);
 }
 
 Rect ScreenLayout::toScreenSpace(const Rect& onRoot) const {
-    return {onRoot.x - primary().minX(), primary().maxY() - onRoot.maxY(), onRoot.width,
-            onRoot.height};
+    return flipped(space().toAccessibility(onRoot), primary().height / scale);
 }
 
 Rect ScreenLayout::fromScreenSpace(const Rect& rect) const {
-    return {rect.x + primary().minX(), primary().maxY() - rect.maxY(), rect.width, rect.height};
-}
-
-Rect ScreenLayout::toAccessibilitySpace(const Rect& onRoot) const {
-    return {onRoot.x - primary().minX(), onRoot.y - primary().minY(), onRoot.width, onRoot.height};
+    return space().toRoot(flipped(rect, primary().height / scale));
 }
 
 Rect withoutStruts(const Rect& screen, const Rect& root, std::span<const Strut> struts) {
@@ -80,7 +75,8 @@ std::vector<Screen> describeScreens(const ScreenLayout& layout, std::span<const 
             const Rect usable = intersect(screen, *workArea);
             visible = usable.isNull() ? screen : usable;
         }
-        screens.push_back({layout.toScreenSpace(screen), layout.toScreenSpace(visible)});
+        screens.push_back(
+            {layout.toScreenSpace(screen), layout.toScreenSpace(visible), layout.scale});
     }
     return screens;
 }

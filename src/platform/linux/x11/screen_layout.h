@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/geometry.h"
+#include "platform/linux/root_space.h"
 #include "platform/linux/x11/window_record.h"
 #include "platform/window_server.h"
 
@@ -11,17 +12,18 @@
 
 namespace lumetry::x11 {
 
-/// How the screens lie on the root window. All rectangles are in its coordinates, whose y grows
-/// downwards.
+/// How the screens lie on the root window. All rectangles are in its coordinates: device pixels, y
+/// downwards. Accessibility space and screen space are in points.
 struct ScreenLayout {
     Rect root;
     std::vector<Rect> screens; ///< the primary one first; never empty
+    double scale = 1;          ///< pixels for each point
 
     [[nodiscard]] const Rect& primary() const { return screens.front(); }
     [[nodiscard]] Point toScreenSpace(Point onRoot) const;
     [[nodiscard]] Rect toScreenSpace(const Rect& onRoot) const;
     [[nodiscard]] Rect fromScreenSpace(const Rect& rect) const;
-    [[nodiscard]] Rect toAccessibilitySpace(const Rect& onRoot) const;
+    [[nodiscard]] RootSpace space() const { return {primary().origin(), scale}; }
 
     friend bool operator==(const ScreenLayout&, const ScreenLayout&) = default;
 };

@@ -39,10 +39,10 @@ void ScreenManager::handle(const xcb_generic_event_t& event) {
     if (change.selection != selection_) {
         return;
     }
-    const bool wasRunning = isRunning();
+    const xcb_window_t before = owner_;
     const bool owned = change.subtype == XCB_XFIXES_SELECTION_EVENT_SET_SELECTION_OWNER;
     owner_ = owned ? change.owner : xcb_window_t{XCB_WINDOW_NONE};
-    if (isRunning() != wasRunning) {
+    if (owner_ != before) {
         handlers_.call();
     }
 }

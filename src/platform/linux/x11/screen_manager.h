@@ -21,7 +21,7 @@ public:
     ~ScreenManager() = default;
 
     [[nodiscard]] bool isRunning() const { return owner_ != XCB_WINDOW_NONE; }
-    /// Calls the handler whenever one has come or gone.
+    /// Calls the handler whenever one has come, gone or made way for another.
     [[nodiscard]] Token onChange(std::function<void()> handler) {
         return handlers_.add(std::move(handler));
     }

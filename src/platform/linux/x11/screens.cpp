@@ -3,36 +3,42 @@
 #include <xcb/randr.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace lumetry::x11 {
 
-Screens::Screens(Connection& connection) : connection_(connection) {
+Screens::Screens(Connection& connection, std::optional<double> chosenScale)
+    : connection_(connection), scale_(connection, chosenScale) {
     const auto& screen = connection.screen();
     const Rect root = {0, 0, static_cast<double>(screen.width_in_pixels),
                        static_cast<double>(screen.height_in_pixels)};
-    lastKnown_ = {root, {root}};
+    layout_ = {root, {root}};
 }
 
 const ScreenLayout& Screens::layout() {
-    if (layout_) {
-        return *layout_;
+    if (!isCurrent_) {
+        listen();
+        readLayout();
     }
-    listen();
+    layout_.scale = scale_.value();
+    return layout_;
+}
+
+void Screens::readLayout() {
     auto* const c = connection_.get();
     const auto size = xcb_get_geometry(c, connection_.root());
-    ScreenLayout layout;
-    layout.screens = readMonitors();
+    auto screens = readMonitors();
     const auto geometry = connection_.reply(xcb_get_geometry_reply, size);
     if (!geometry) {
-        return lastKnown_;
+        return;
     }
-    layout.root = {0, 0, static_cast<double>(geometry->width),
-                   static_cast<double>(geometry->height)};
-    if (layout.screens.empty()) {
-        layout.screens.push_back(layout.root);
+    isCurrent_ = true;
+    layout_.root = {0, 0, static_cast<double>(geometry->width),
+                    static_cast<double>(geometry->height)};
+    if (screens.empty()) {
+        screens.push_back(layout_.root);
     }
-    lastKnown_ = layout;
-    return layout_.emplace(std::move(layout));
+    layout_.screens = std::move(screens);
 }
 
 void Screens::listen() {
@@ -50,7 +56,7 @@ void Screens::listen() {
             randr != 0 &&
             (type == randr + XCB_RANDR_SCREEN_CHANGE_NOTIFY || type == randr + XCB_RANDR_NOTIFY);
         if (rootChanged || monitorsChanged) {
-            layout_.reset();
+            isCurrent_ = false;
         }
     });
     rootEvents_ = connection_.selectOnRoot(XCB_EVENT_MASK_STRUCTURE_NOTIFY);

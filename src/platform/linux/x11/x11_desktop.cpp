@@ -43,8 +43,8 @@ private:
 } // namespace
 
 struct X11Desktop::Parts {
-    explicit Parts(std::unique_ptr<x11::Connection> opened)
-        : connection(std::move(opened)), windows(*connection), keyboard(*connection),
+    Parts(std::unique_ptr<x11::Connection> opened, std::optional<double> chosenScale)
+        : connection(std::move(opened)), windows(*connection, chosenScale), keyboard(*connection),
           pointer(*connection, windows, keyboard), eventMonitors(*connection, windows, keyboard),
           captureRedirection(*connection), captureFormats(*connection) {}
 
@@ -84,7 +84,8 @@ struct X11Desktop::Parts {
 };
 
 std::unique_ptr<X11Desktop> X11Desktop::open(FileDescriptorWatcher& watcher, RunLoop& runLoop,
-                                             std::string& problem) {
+                                             std::string& problem,
+                                             std::optional<double> chosenScale) {
     const std::string display = environmentText("DISPLAY");
     if (display.empty()) {
         problem = environmentText("WAYLAND_DISPLAY").empty()
@@ -98,7 +99,7 @@ std::unique_ptr<X11Desktop> X11Desktop::open(FileDescriptorWatcher& watcher, Run
         return nullptr;
     }
     return std::unique_ptr<X11Desktop>(
-        new X11Desktop(std::make_unique<Parts>(std::move(connection))));
+        new X11Desktop(std::make_unique<Parts>(std::move(connection), chosenScale)));
 }
 
 X11Desktop::X11Desktop(std::unique_ptr<Parts> parts) : parts_(std::move(parts)) {}

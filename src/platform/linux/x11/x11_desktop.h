@@ -28,8 +28,10 @@ class X11Desktop {
 public:
     /// Connects to the X server that $DISPLAY names.
     /// @param problem a sentence for the user that says what to do, when the answer is empty
-    [[nodiscard]] static std::unique_ptr<X11Desktop> open(FileDescriptorWatcher& watcher,
-                                                          RunLoop& runLoop, std::string& problem);
+    /// @param chosenScale device pixels for each point; when absent, what the desktop declares
+    [[nodiscard]] static std::unique_ptr<X11Desktop>
+    open(FileDescriptorWatcher& watcher, RunLoop& runLoop, std::string& problem,
+         std::optional<double> chosenScale = std::nullopt);
     X11Desktop(const X11Desktop&) = delete;
     X11Desktop& operator=(const X11Desktop&) = delete;
     ~X11Desktop();

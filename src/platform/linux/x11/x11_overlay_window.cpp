@@ -1,5 +1,7 @@
 #include "platform/linux/x11/x11_overlay_window.h"
 
+#include "platform/scaled_canvas.h"
+
 #include <xcb/shape.h>
 #include <xcb/xfixes.h>
 
@@ -36,13 +38,21 @@ void setNumber(Connection& connection, xcb_window_t window, Atom property, xcb_a
                         type, 32, 1, &number);
 }
 
+/// A place that a window can have.
+Rect wholePixels(const Rect& onRoot) {
+    constexpr double largest = 0x7FFF;
+    const Rect rect = onRoot.isEmpty() ? Rect{0, 0, 1, 1} : onRoot;
+    return {std::round(rect.x), std::round(rect.y), std::clamp(std::round(rect.width), 1., largest),
+            std::clamp(std::round(rect.height), 1., largest)};
+}
+
 } // namespace
 
 X11OverlayWindow::X11OverlayWindow(const OverlaySurroundings& surroundings, const Rect& contentRect,
                                    const OverlayWindowStyle& style)
     : surroundings_(surroundings), connection_(surroundings.connection),
       format_(bestFormat(connection_)),
-      onRoot_(surroundings.windows.layout().fromScreenSpace(contentRect)) {
+      onRoot_(wholePixels(surroundings.windows.layout().fromScreenSpace(contentRect))) {
     createWindow();
     describeWindow(style);
     surface_.emplace(connection_, window_, format_);
@@ -52,6 +62,7 @@ X11OverlayWindow::X11OverlayWindow(const OverlaySurroundings& surroundings, cons
         surface_->setEdges(wantedEdges());
         repaintEverything();
     });
+    scaleChange_ = surroundings_.windows.onScaleChange([this] { setNeedsDisplay(); });
     connection_.flush();
 }
 
@@ -68,16 +79,16 @@ void X11OverlayWindow::createWindow() {
     window_ = xcb_generate_id(c);
     colormap_ = xcb_generate_id(c);
     xcb_create_colormap(c, XCB_COLORMAP_ALLOC_NONE, colormap_, connection_.root(), format_.visual);
-    const Rect rect = wholePixels();
     xcb_create_window_value_list_t values{};
     values.border_pixel = 0;
     values.override_redirect = 1;
     values.event_mask = XCB_EVENT_MASK_EXPOSURE;
     values.colormap = colormap_;
     xcb_create_window_aux(
-        c, format_.depth, window_, connection_.root(), static_cast<std::int16_t>(rect.x),
-        static_cast<std::int16_t>(rect.y), static_cast<std::uint16_t>(rect.width),
-        static_cast<std::uint16_t>(rect.height), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, format_.visual,
+        c, format_.depth, window_, connection_.root(), static_cast<std::int16_t>(onRoot_.x),
+        static_cast<std::int16_t>(onRoot_.y), static_cast<std::uint16_t>(onRoot_.width),
+        static_cast<std::uint16_t>(onRoot_.height), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+        format_.visual,
         XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK | XCB_CW_COLORMAP,
         &values);
 }
@@ -108,13 +119,6 @@ void X11OverlayWindow::describeWindow(const OverlayWindowStyle& style) {
     }
 }
 
-Rect X11OverlayWindow::wholePixels() const {
-    constexpr double largest = 0x7FFF;
-    const Rect rect = onRoot_.isEmpty() ? Rect{0, 0, 1, 1} : onRoot_;
-    return {std::round(rect.x), std::round(rect.y), std::clamp(std::round(rect.width), 1., largest),
-            std::clamp(std::round(rect.height), 1., largest)};
-}
-
 Edges X11OverlayWindow::wantedEdges() const {
     return format_.hasAlpha && surroundings_.compositingManager.isRunning() ? Edges::smooth
                                                                             : Edges::hard;
@@ -130,12 +134,11 @@ Rect X11OverlayWindow::frame() const {
 }
 
 void X11OverlayWindow::setFrame(const Rect& frame) {
-    onRoot_ = surroundings_.windows.layout().fromScreenSpace(frame);
-    const Rect rect = wholePixels();
+    onRoot_ = wholePixels(surroundings_.windows.layout().fromScreenSpace(frame));
     const std::array<std::uint32_t, 4> values = {
-        static_cast<std::uint32_t>(static_cast<std::int32_t>(rect.x)),
-        static_cast<std::uint32_t>(static_cast<std::int32_t>(rect.y)),
-        static_cast<std::uint32_t>(rect.width), static_cast<std::uint32_t>(rect.height)};
+        static_cast<std::uint32_t>(static_cast<std::int32_t>(onRoot_.x)),
+        static_cast<std::uint32_t>(static_cast<std::int32_t>(onRoot_.y)),
+        static_cast<std::uint32_t>(onRoot_.width), static_cast<std::uint32_t>(onRoot_.height)};
     xcb_configure_window(connection_.get(), window_,
                          XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
                              XCB_CONFIG_WINDOW_HEIGHT,
@@ -218,11 +221,15 @@ void X11OverlayWindow::repaint() {
 }
 
 DisplayList X11OverlayWindow::drawView() {
-    RecordingCanvas canvas(surroundings_.rasterizer);
-    if (view_) {
-        view_->draw(canvas, frame());
+    RecordingCanvas pixels(surroundings_.rasterizer);
+    const double scale = surroundings_.windows.layout().scale;
+    if (view_ && scale == 1) {
+        view_->draw(pixels, frame());
+    } else if (view_) {
+        ScaledCanvas points(pixels, scale);
+        view_->draw(points, frame());
     }
-    return canvas.take();
+    return pixels.take();
 }
 
 void X11OverlayWindow::publishTexts() {

@@ -47,7 +47,6 @@ public:
 private:
     void createWindow();
     void describeWindow(const OverlayWindowStyle& style);
-    [[nodiscard]] Rect wholePixels() const;
     [[nodiscard]] Edges wantedEdges() const;
     void handle(const xcb_generic_event_t& event);
     void repaintEverything();
@@ -59,7 +58,7 @@ private:
     OverlaySurroundings surroundings_;
     Connection& connection_;
     PixelFormat format_;
-    Rect onRoot_; ///< its frame in root coordinates: there it stays when the screens move
+    Rect onRoot_; ///< its frame in whole device pixels: there it stays when the screens move
     xcb_window_t window_ = XCB_WINDOW_NONE;
     xcb_colormap_t colormap_ = XCB_COLORMAP_NONE;
     std::optional<OverlaySurface> surface_;
@@ -68,13 +67,14 @@ private:
     Token captureBackdrop_;              ///< likewise
     ContentView* view_ = nullptr;
 
-    DisplayList shown_;           ///< what the window shows
-    std::vector<Rect> uncovered_; ///< view space; what has to be put in again
+    DisplayList shown_;           ///< what the window shows, in pixels
+    std::vector<Rect> uncovered_; ///< pixels of its view space; what has to be put in again
     bool viewChanged_ = false;
     bool repaintScheduled_ = false;
     std::shared_ptr<X11OverlayWindow*> self_ = std::make_shared<X11OverlayWindow*>(this);
     Token events_;
     Token compositing_;
+    Token scaleChange_;
 };
 
 } // namespace lumetry::x11

@@ -9,9 +9,9 @@
 
 namespace lumetry::x11 {
 
-X11Windows::X11Windows(Connection& connection)
-    : connection_(connection), screens_(connection), table_(connection), traits_(connection),
-      ownPid_(getpid()) {}
+X11Windows::X11Windows(Connection& connection, std::optional<double> chosenScale)
+    : connection_(connection), screens_(connection, chosenScale), table_(connection),
+      traits_(connection), ownPid_(getpid()) {}
 
 bool X11Windows::isOnScreen(const WindowRecord& window) const {
     return traits_.isOnScreen(window, table_.root().currentDesktop);
@@ -31,13 +31,13 @@ bool X11Windows::visitOnScreen(const std::function<bool(const WindowRecord&)>& v
 }
 
 std::optional<std::vector<WindowInfo>> X11Windows::onScreenWindows() {
-    const ScreenLayout& layout = screens_.layout();
+    const RootSpace space = rootSpace();
     std::vector<WindowInfo> list;
     visitOnScreen([&](const WindowRecord& window) {
         const WindowKind kind = traits_.kindOf(window);
         if (kind != WindowKind::desktop) {
             list.push_back({window.pid, alphaOf(window), layerOf(kind),
-                            layout.toAccessibilitySpace(boundsOf(window))});
+                            space.toAccessibility(boundsOf(window))});
         }
         return false;
     });
@@ -95,21 +95,17 @@ void X11Windows::getShareableContent(std::function<void()> completion) {
     connection_.runLoop().async(std::move(completion));
 }
 
-Point X11Windows::accessibilityOrigin() {
-    return screens_.layout().primary().origin();
-}
-
 std::optional<DesktopWindow> X11Windows::windowAt(Point point, std::optional<pid_t> pid) {
-    const ScreenLayout& layout = screens_.layout();
+    const RootSpace space = rootSpace();
     std::optional<DesktopWindow> found;
     visitOnScreen([&](const WindowRecord& window) {
-        const Rect bounds = layout.toAccessibilitySpace(boundsOf(window));
+        const Rect bounds = space.toAccessibility(boundsOf(window));
         if (isOwn(window) || (pid && window.pid != pid) || !bounds.contains(point)) {
             return false;
         }
         found = DesktopWindow{window.client.value_or(window.id), window.pid, bounds,
                               traits_.kindOf(window) == WindowKind::popup,
-                              layout.toAccessibilitySpace(clientBoundsOf(window))};
+                              space.toAccessibility(clientBoundsOf(window))};
         return true;
     });
     return found;

@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace lumetry::x11 {
@@ -16,7 +17,8 @@ namespace lumetry::x11 {
 /// Answers what the program asks of the windows and screens.
 class X11Windows final : public WindowServer, public DesktopWindows {
 public:
-    explicit X11Windows(Connection& connection);
+    /// @param chosenScale device pixels for each point, whatever the desktop declares
+    X11Windows(Connection& connection, std::optional<double> chosenScale);
 
     [[nodiscard]] std::optional<std::vector<WindowInfo>> onScreenWindows() override;
     [[nodiscard]] std::vector<Screen> screens() override;
@@ -25,12 +27,16 @@ public:
     bool requestScreenCaptureAccess() override;
     void getShareableContent(std::function<void()> completion) override;
 
-    [[nodiscard]] Point accessibilityOrigin() override;
+    [[nodiscard]] RootSpace rootSpace() override { return layout().space(); }
     [[nodiscard]] std::optional<DesktopWindow> windowAt(Point point,
                                                         std::optional<pid_t> pid) override;
     [[nodiscard]] ProcessWindows windowsOf(pid_t pid) override;
 
     [[nodiscard]] const ScreenLayout& layout() { return screens_.layout(); }
+    /// Calls the handler when it is heard that points have become larger or smaller.
+    [[nodiscard]] Token onScaleChange(std::function<void()> handler) {
+        return screens_.onScaleChange(std::move(handler));
+    }
     /// The windows whose pixels make up what the screen shows below a window, the topmost first,
     /// click-through ones included. Valid until the next event.
     /// @param above one of this program's windows; 0, or one that is hidden: everything that is not

@@ -56,7 +56,7 @@ class SaidWindows final : public DesktopWindows {
 public:
     std::map<pid_t, ProcessWindows> windows;
 
-    [[nodiscard]] Point accessibilityOrigin() override { return {}; }
+    [[nodiscard]] RootSpace rootSpace() override { return {}; }
     [[nodiscard]] std::optional<DesktopWindow> windowAt(Point /*point*/,
                                                         std::optional<pid_t> /*pid*/) override {
         return std::nullopt;

@@ -24,9 +24,9 @@ namespace lumetry::test {
 class FixedWindows final : public DesktopWindows {
 public:
     std::vector<DesktopWindow> windows;
-    Point origin;
+    RootSpace space;
 
-    [[nodiscard]] Point accessibilityOrigin() override { return origin; }
+    [[nodiscard]] RootSpace rootSpace() override { return space; }
     [[nodiscard]] std::optional<DesktopWindow> windowAt(Point point,
                                                         std::optional<pid_t> pid) override {
         for (const DesktopWindow& window : windows) {

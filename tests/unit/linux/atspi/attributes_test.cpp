@@ -171,7 +171,7 @@ TEST_F(Attributes, LeaveOutWhatAComboBoxWouldDropDown) {
 }
 
 TEST_F(Attributes, AreMeasuredFromThePrimaryDisplay) {
-    windows.origin = {1920, 100};
+    windows.space.origin = {1920, 100};
     const auto shown = element(object("x", {2000, 150, 30, 40}));
     EXPECT_EQ(inWords(shown.copyAttributeValue("AXPosition")), "point 80.000000 50.000000");
 }

@@ -272,7 +272,7 @@ TEST_F(Hits, TakeTheWindowThatIsUnderThePoint) {
     tree[rootPath].children = {{"", "/shut"}, {"", "/window"}, {"", "/right"}};
     auto& application = start(tree);
     // The second display's corner is the origin; AT-SPI counts from the first one's.
-    windows.origin = {0, 100};
+    windows.space.origin = {0, 100};
     windows.windows = {{1, application.pid(), {0, -120, 400, 620}, false},
                        {2, application.pid(), {400, -120, 400, 620}, false}};
 
