@@ -63,6 +63,12 @@ Placement placementInside(const Extents& reported, const Rect& client) {
              client.y + (client.height - reported.height * scale) / 2}};
 }
 
+Placement placementFilling(const Extents& reported, const Rect& client) {
+    const double scale =
+        scaleBetween({0, 0, reported.width, reported.height}, {0, 0, client.width, client.height});
+    return {scale, {client.x - reported.x * scale, client.y - reported.y * scale}};
+}
+
 bool lieAlike(const Rect& a, const Rect& b) {
     constexpr double widestShadow = 64;
     return std::abs(a.minX() - b.minX()) <= widestShadow &&

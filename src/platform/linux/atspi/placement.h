@@ -30,6 +30,11 @@ struct Placement {
 /// @param client pixels of the root window, without decorations and shadow
 [[nodiscard]] Placement placementInside(const Extents& reported, const Rect& client);
 
+/// Of something in such an application that has a window of its own, which it fills: of its place
+/// only the size counts, as it is said to lie where what has opened it begins.
+/// @param client as above
+[[nodiscard]] Placement placementFilling(const Extents& reported, const Rect& client);
+
 /// Whether both are the same window's, of which one may be with its shadow.
 [[nodiscard]] bool lieAlike(const Rect& a, const Rect& b);
 

@@ -28,6 +28,12 @@ bool countsFromWindow(Toolkit toolkit) {
     return habitsOf(toolkit).coordinates == ATSPI_COORD_TYPE_WINDOW;
 }
 
+/// The same as from the window's own origin, which goes with it when it is moved.
+Placement relativeTo(const DesktopWindow& window, const Placement& placement) {
+    return {placement.scale,
+            {placement.origin.x - window.client.x, placement.origin.y - window.client.y}};
+}
+
 } // namespace
 
 std::optional<TopLevel> TopLevels::of(const DesktopWindow& window, pid_t pid, Deadline deadline) {
@@ -48,7 +54,7 @@ std::optional<TopLevel> TopLevels::of(const DesktopWindow& window, pid_t pid, De
                   [&](const Candidate& candidate) { return candidate.likeness < least; });
     if (candidates.empty()) {
         known.topLevel =
-            window.popup ? searchPopup(topLevels, window.bounds, pid, deadline) : std::nullopt;
+            window.popup ? searchPopup(topLevels, window, pid, deadline) : std::nullopt;
         known.searches += window.popup && !known.topLevel ? 1 : 0;
         return known.topLevel;
     }
@@ -73,9 +79,7 @@ std::optional<TopLevel> TopLevels::of(const DesktopWindow& window, pid_t pid, De
     if (certain) {
         known.topLevel = best.topLevel;
         if (countsFromHere) {
-            known.insideWindow = Placement{best.placement.scale,
-                                           {best.placement.origin.x - window.client.x,
-                                            best.placement.origin.y - window.client.y}};
+            known.insideWindow = relativeTo(window, best.placement);
         }
     }
     return best.topLevel;
@@ -152,7 +156,8 @@ std::vector<TopLevels::Candidate> TopLevels::rate(const std::vector<TopLevel>& t
 }
 
 std::optional<TopLevel> TopLevels::searchPopup(const std::vector<TopLevel>& topLevels,
-                                               const Rect& bounds, pid_t pid, Deadline deadline) {
+                                               const DesktopWindow& window, pid_t pid,
+                                               Deadline deadline) {
     if (topLevels.empty()) {
         return std::nullopt;
     }
@@ -163,16 +168,25 @@ std::optional<TopLevel> TopLevels::searchPopup(const std::vector<TopLevel>& topL
     for (const TopLevel& topLevel : topLevels) {
         starts.push_back(topLevel.object);
     }
-    const Placement placement = placementOf(topLevels.front().object);
-    const auto fills = [&bounds, &placement](const Extents& extents) {
-        return likeness(placeOf(extents, placement), bounds) >= leastPopupLikeness;
-    };
     const Toolkit toolkit = topLevels.front().toolkit;
+    Placement placement = placementOf(topLevels.front().object);
+    const auto fills = [&](const Extents& extents) {
+        if (countsFromWindow(toolkit)) {
+            placement = placementFilling(extents, window.client);
+        }
+        return likeness(placeOf(extents, placement), window.bounds) >= leastPopupLikeness;
+    };
     auto found = firstShowingBelow(bus_, std::move(starts), habitsOf(toolkit), fills, deadline);
+    if (!found) {
+        return std::nullopt;
+    }
+    if (countsFromWindow(toolkit)) {
+        placements_.insert_or_assign(found->name, placement);
+        entry(window.id).insideWindow = relativeTo(window, placement);
+        return TopLevel{std::move(*found), toolkit};
+    }
     // Inside of it, most answer like any toolkit.
-    return found ? std::optional(TopLevel{std::move(*found),
-                                          toolkit == Toolkit::gtk4 ? toolkit : Toolkit::other})
-                 : std::nullopt;
+    return TopLevel{std::move(*found), Toolkit::other};
 }
 
 /// Chromium reports its windows in the toolkit's units, but takes points and reports what is on its

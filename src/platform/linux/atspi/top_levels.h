@@ -66,7 +66,7 @@ private:
     [[nodiscard]] std::vector<Candidate> rate(const std::vector<TopLevel>& topLevels,
                                               const DesktopWindow& window, Deadline deadline);
     [[nodiscard]] std::optional<TopLevel> searchPopup(const std::vector<TopLevel>& topLevels,
-                                                      const Rect& bounds, pid_t pid,
+                                                      const DesktopWindow& window, pid_t pid,
                                                       Deadline deadline);
     Known& entry(std::uint32_t window);
     void learnPlacement(const Candidate& candidate);
