@@ -148,6 +148,9 @@ Descent descend(Inquiry& inquiry, Popovers& popovers, const TopLevel& topLevel) 
     case Toolkit::gtk4:
         // Version 4.8 knows nothing at any point.
         return descendByLooking(inquiry, topLevel, child ? std::move(child) : topLevel.object);
+    case Toolkit::java:
+        // Its root panes answer with themselves.
+        return descendByLooking(inquiry, topLevel, topLevel.object);
     case Toolkit::gtk:
         return descendThroughGtk(inquiry, popovers, topLevel, std::move(child));
     case Toolkit::gecko:

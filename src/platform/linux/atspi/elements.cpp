@@ -92,8 +92,10 @@ std::optional<AXUIElement> Element::elementAt(Point point, std::optional<pid_t> 
 
 std::optional<AXValue> Element::place(std::string_view attribute, const Extents& extents,
                                       const ObjectReference& object) const {
-    const Rect place = context_.windows.rootSpace().toAccessibility(
-        placeOf(extents, context_.hitTest.placementOf(object)));
+    const HitTest& hitTest = context_.hitTest;
+    const Rect onRoot =
+        hitTest.placeOfFrame(object).value_or(placeOf(extents, hitTest.placementOf(object)));
+    const Rect place = context_.windows.rootSpace().toAccessibility(onRoot);
     return attribute == "AXSize" ? AXValue(place.size()) : AXValue(place.origin());
 }
 

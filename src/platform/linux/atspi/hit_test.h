@@ -47,6 +47,10 @@ public:
     [[nodiscard]] Placement placementOf(const ObjectReference& object) const {
         return topLevels_.placementOf(object);
     }
+    /// Where a frame is that does not say so itself, in pixels of the root window.
+    [[nodiscard]] std::optional<Rect> placeOfFrame(const ObjectReference& object) const {
+        return topLevels_.placeOfFrame(object);
+    }
     [[nodiscard]] std::vector<BareText> bareTextsIn(const ObjectReference& object,
                                                     Deadline deadline) {
         return bareTexts_.in(object, deadline);

@@ -6,12 +6,13 @@
 namespace lumetry::atspi {
 
 Toolkit toolkitNamed(std::string_view name) {
-    constexpr std::array<std::pair<std::string_view, Toolkit>, 5> names = {
+    constexpr std::array<std::pair<std::string_view, Toolkit>, 6> names = {
         {{"gtk", Toolkit::gtk}, // up to version 3
          {"GTK", Toolkit::gtk4},
          {"Chromium", Toolkit::chromium},
          {"Gecko", Toolkit::gecko},
-         {"Qt", Toolkit::qt}}};
+         {"Qt", Toolkit::qt},
+         {"J2SE-access-bridge", Toolkit::java}}};
     for (const auto& [known, toolkit] : names) {
         if (name == known) {
             return toolkit;
@@ -28,6 +29,7 @@ const Habits& habitsOf(Toolkit toolkit) {
                                  .shown = ATSPI_STATE_VISIBLE};
     static constexpr Habits chromium{.clipsText = true, .bareTexts = true};
     static constexpr Habits gecko{.hitsInPixels = true, .bareTexts = true};
+    static constexpr Habits java{.placelessFrames = true};
     switch (toolkit) {
     case Toolkit::gtk:
         return gtk;
@@ -37,6 +39,8 @@ const Habits& habitsOf(Toolkit toolkit) {
         return chromium;
     case Toolkit::gecko:
         return gecko;
+    case Toolkit::java:
+        return java;
     case Toolkit::qt:
     case Toolkit::other:
         break;

@@ -12,7 +12,7 @@
 namespace lumetry::atspi {
 
 /// What an application is built with, as far as its answers differ.
-enum class Toolkit : std::uint8_t { gtk, gtk4, chromium, gecko, qt, other };
+enum class Toolkit : std::uint8_t { gtk, gtk4, chromium, gecko, qt, java, other };
 
 /// By the name that an application's root gives.
 [[nodiscard]] Toolkit toolkitNamed(std::string_view name);
@@ -28,6 +28,8 @@ struct Habits {
     bool clipsText = false;
     /// Takes the points of hit tests in pixels, whatever units it reports places in.
     bool hitsInPixels = false;
+    /// Its frames do not say where they are, but what fills them does.
+    bool placelessFrames = false;
     /// Some texts have no objects of their own.
     bool bareTexts = false;
 };

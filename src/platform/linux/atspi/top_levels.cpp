@@ -37,6 +37,14 @@ Placement relativeTo(const DesktopWindow& window, const Placement& placement) {
 } // namespace
 
 std::optional<TopLevel> TopLevels::of(const DesktopWindow& window, pid_t pid, Deadline deadline) {
+    auto topLevel = find(window, pid, deadline);
+    if (topLevel && habitsOf(topLevel->toolkit).placelessFrames) {
+        framePlaces_.insert_or_assign(topLevel->object, window.bounds);
+    }
+    return topLevel;
+}
+
+std::optional<TopLevel> TopLevels::find(const DesktopWindow& window, pid_t pid, Deadline deadline) {
     Known& known = entry(window.id);
     if (known.insideWindow) {
         const auto& [scale, inset] = *known.insideWindow;
@@ -93,6 +101,7 @@ TopLevels::Known& TopLevels::entry(std::uint32_t window) {
         placements_.clear();
         toolkits_.forgetAll();
         windowScales_.clear();
+        framePlaces_.clear();
     }
     return known_[window];
 }
@@ -131,6 +140,7 @@ std::vector<TopLevels::Candidate> TopLevels::rate(const std::vector<TopLevel>& t
         requests.push_back(getState(object));
     }
     const auto replies = bus_.exchange(std::move(requests), deadline);
+    const auto contents = contentsOf(topLevels, deadline);
     std::vector<Candidate> candidates;
     for (std::size_t index = 0; index < topLevels.size(); ++index) {
         const TopLevel& topLevel = topLevels[index];
@@ -140,19 +150,58 @@ std::vector<TopLevels::Candidate> TopLevels::rate(const std::vector<TopLevel>& t
         candidate.topLevel = topLevel;
         candidate.showing = hasState(states, habitsOf(topLevel.toolkit).shown);
         candidate.active = hasState(states, ATSPI_STATE_ACTIVE);
-        if (countsFromWindow(topLevel.toolkit)) {
-            candidate.placement = placementInside(extents, window.client);
+        if (const auto content = contents.find(topLevel.object); content != contents.end()) {
+            const Extents& inside = content->second;
+            candidate.placement = placementFilling(inside, window.client);
+            candidate.place = placeOf(inside, {candidate.placement.scale, {}});
         } else {
-            const auto known = placements_.find(topLevel.object.name);
-            candidate.placement = known != placements_.end()
-                                      ? known->second
-                                      : Placement{scaleBetween(extents, window.bounds), {}};
+            candidate.placement = placementFrom(extents, topLevel, window);
+            candidate.place = placeOf(extents, candidate.placement);
         }
-        candidate.place = placeOf(extents, candidate.placement);
         candidate.likeness = likeness(candidate.place, window.bounds);
         candidates.push_back(std::move(candidate));
     }
     return candidates;
+}
+
+Placement TopLevels::placementFrom(const Extents& reported, const TopLevel& topLevel,
+                                   const DesktopWindow& window) const {
+    if (countsFromWindow(topLevel.toolkit)) {
+        return placementInside(reported, window.client);
+    }
+    const auto known = placements_.find(topLevel.object.name);
+    return known != placements_.end() ? known->second
+                                      : Placement{scaleBetween(reported, window.bounds), {}};
+}
+
+/// What fills the frames that do not say where they are, by the frame.
+std::map<ObjectReference, Extents> TopLevels::contentsOf(const std::vector<TopLevel>& topLevels,
+                                                         Deadline deadline) {
+    std::vector<ObjectReference> frames;
+    std::vector<Message> requests;
+    for (const auto& [object, toolkit] : topLevels) {
+        if (habitsOf(toolkit).placelessFrames) {
+            frames.push_back(object);
+            requests.push_back(getChildren(object));
+        }
+    }
+    std::vector<ObjectReference> fillings;
+    for (const Reply& reply : bus_.exchange(std::move(requests), deadline)) {
+        auto children = referencesOf(reply).value_or(std::vector<ObjectReference>());
+        fillings.push_back(children.empty() ? ObjectReference() : std::move(children.front()));
+    }
+    requests.clear();
+    for (const ObjectReference& filling : fillings) {
+        requests.push_back(getExtents(filling, ATSPI_COORD_TYPE_SCREEN));
+    }
+    const auto replies = bus_.exchange(std::move(requests), deadline);
+    std::map<ObjectReference, Extents> contents;
+    for (std::size_t index = 0; index < frames.size(); ++index) {
+        if (const auto extents = extentsOf(replies[index])) {
+            contents.emplace(std::move(frames[index]), *extents);
+        }
+    }
+    return contents;
 }
 
 std::optional<TopLevel> TopLevels::searchPopup(const std::vector<TopLevel>& topLevels,
@@ -195,11 +244,16 @@ void TopLevels::learnPlacement(const Candidate& candidate) {
     const auto& [object, toolkit] = candidate.topLevel;
     if (toolkit == Toolkit::chromium) {
         windowScales_[object] = candidate.placement.scale;
-    } else if (countsFromWindow(toolkit)) {
+    } else if (countsFromWindow(toolkit) || habitsOf(toolkit).placelessFrames) {
         placements_.insert_or_assign(object.name, candidate.placement);
     } else {
         placements_.emplace(object.name, candidate.placement);
     }
+}
+
+std::optional<Rect> TopLevels::placeOfFrame(const ObjectReference& object) const {
+    const auto place = framePlaces_.find(object);
+    return place == framePlaces_.end() ? std::nullopt : std::optional(place->second);
 }
 
 Placement TopLevels::placementOf(const ObjectReference& object) const {

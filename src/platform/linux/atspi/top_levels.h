@@ -45,6 +45,9 @@ public:
     /// windows have shown that; in one that counts from its windows, those of the window that was
     /// looked for last.
     [[nodiscard]] Placement placementOf(const ObjectReference& object) const;
+    /// Where the window of a frame that does not say so was last, in pixels of the root window.
+    /// Absent for all other objects.
+    [[nodiscard]] std::optional<Rect> placeOfFrame(const ObjectReference& object) const;
 
 private:
     struct Candidate {
@@ -62,9 +65,15 @@ private:
         std::optional<Placement> insideWindow = std::nullopt;
     };
 
+    [[nodiscard]] std::optional<TopLevel> find(const DesktopWindow& window, pid_t pid,
+                                               Deadline deadline);
     [[nodiscard]] std::vector<TopLevel> topLevelsOf(pid_t pid, Deadline deadline);
     [[nodiscard]] std::vector<Candidate> rate(const std::vector<TopLevel>& topLevels,
                                               const DesktopWindow& window, Deadline deadline);
+    [[nodiscard]] Placement placementFrom(const Extents& reported, const TopLevel& topLevel,
+                                          const DesktopWindow& window) const;
+    [[nodiscard]] std::map<ObjectReference, Extents>
+    contentsOf(const std::vector<TopLevel>& topLevels, Deadline deadline);
     [[nodiscard]] std::optional<TopLevel> searchPopup(const std::vector<TopLevel>& topLevels,
                                                       const DesktopWindow& window, pid_t pid,
                                                       Deadline deadline);
@@ -80,6 +89,7 @@ private:
     std::map<std::string, Placement> placements_; ///< by the application's name
     /// Of windows that are measured in other units than what they show.
     std::map<ObjectReference, double> windowScales_;
+    std::map<ObjectReference, Rect> framePlaces_;
 };
 
 } // namespace lumetry::atspi
