@@ -50,5 +50,7 @@ void tourApplication(const std::string& lumetry, Album& album);
 
 /// The pictures over a page in a browser.
 void tourPage(const std::string& lumetry, Album& album);
+/// A button of that page on a screen of twice the density.
+void tourDensePage(const std::string& lumetry, Album& album);
 
 } // namespace lumetry::desktop

@@ -23,6 +23,7 @@ int main(int argc, char** argv) {
         lumetry::desktop::Album album(argv[2]);
         lumetry::desktop::tourApplication(lumetry, album);
         lumetry::desktop::tourPage(lumetry, album);
+        lumetry::desktop::tourDensePage(lumetry, album);
         lumetry::desktop::tourShell(lumetry, album);
     } catch (const std::exception& failure) {
         std::cerr << "The tour ended early: " << failure.what() << '\n';

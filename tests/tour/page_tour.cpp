@@ -31,17 +31,18 @@ yours.</p>
 <button>Start for free</button>
 <ul><li>Starter</li><li>Studio</li><li>Company</li></ul>)";
 
-DesktopOptions pageDesktop() {
+DesktopOptions pageDesktop(int scale) {
     DesktopOptions options;
-    options.width = 1180;
-    options.height = 760;
+    options.width = 1180 * scale;
+    options.height = 760 * scale;
+    options.scale = scale;
     return options;
 }
 
 } // namespace
 
 void tourPage(const std::string& lumetry, Album& album) {
-    PrivateDesktop desktop(pageDesktop());
+    PrivateDesktop desktop(pageDesktop(1));
     const auto browser = startChromiumWith(desktop, page);
     static_cast<void>(waitForWindow(desktop.server(), hasClass("Chromium")));
     Inspection inspection(desktop, lumetry, album);
@@ -49,6 +50,17 @@ void tourPage(const std::string& lumetry, Album& album) {
     inspection.hover(heading, "page-heading");
     inspection.hover(paragraph, "page-paragraph");
     inspection.hover(listGround, "page-list");
+}
+
+void tourDensePage(const std::string& lumetry, Album& album) {
+    constexpr int scale = 2;
+    PrivateDesktop desktop(pageDesktop(scale));
+    const auto browser = startChromiumWith(desktop, page);
+    static_cast<void>(waitForWindow(desktop.server(), hasClass("Chromium")));
+    Inspection inspection(desktop, lumetry, album);
+    const Rect pixels = {button.x * scale, button.y * scale, button.width * scale,
+                         button.height * scale};
+    inspection.hover(pixels, "page-button-200", "Button · Start for free");
 }
 
 } // namespace lumetry::desktop

@@ -23,10 +23,11 @@ void rest(double seconds) {
     std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
 }
 
-DesktopOptions smallDesktop(AccessibilityBus accessibility) {
+DesktopOptions smallDesktop(AccessibilityBus accessibility, int scale = 1) {
     DesktopOptions options;
-    options.width = 1100;
-    options.height = 760;
+    options.width = 1100 * scale;
+    options.height = 760 * scale;
+    options.scale = scale;
     options.accessibility = accessibility;
     return options;
 }
@@ -57,6 +58,18 @@ void tourPermissions(const std::string& lumetry, Album& album) {
                       "Accessibility is granted, Screen Recording asked for");
 }
 
+/// At 200 %: the same on a screen of twice the density.
+constexpr int dense = 2;
+
+void tourDensePractice(const std::string& lumetry, Album& album) {
+    PrivateDesktop desktop(smallDesktop(AccessibilityBus::enabled, dense));
+    ShellUser user(desktop, lumetry);
+    const auto process = user.startLumetry();
+    user.waitFor("label", "waiting for your keys…");
+    rest(entranceSeconds);
+    album.takePicture(desktop.server(), "onboarding-practice-200", "The shortcut, at 200 %");
+}
+
 void tourPractice(const std::string& lumetry, Album& album) {
     PrivateDesktop desktop(smallDesktop(AccessibilityBus::enabled));
     ShellUser user(desktop, lumetry);
@@ -80,7 +93,9 @@ void tourPractice(const std::string& lumetry, Album& album) {
 
 /// Lumetry as it is after the onboarding, with inspect mode left again.
 struct RestingLumetry {
-    explicit RestingLumetry(const std::string& lumetry, const std::vector<std::string>& tray = {}) {
+    explicit RestingLumetry(const std::string& lumetry, const std::vector<std::string>& tray = {},
+                            int scale = 1)
+        : desktop(smallDesktop(AccessibilityBus::enabled, scale)) {
         markOnboarded(desktop);
         if (!tray.empty()) {
             trayProcess = desktop.start(tray);
@@ -91,7 +106,7 @@ struct RestingLumetry {
         user->waitUntilInspecting(false);
     }
 
-    PrivateDesktop desktop{smallDesktop(AccessibilityBus::enabled)};
+    PrivateDesktop desktop;
     std::optional<ChildProcess> trayProcess;
     std::optional<ShellUser> user;
     std::optional<ChildProcess> process;
@@ -136,13 +151,14 @@ void tourPanel(const std::string& lumetry, Album& album) {
     throw std::runtime_error("no click on the panel opens Lumetry's menu");
 }
 
-void tourControlPanel(const std::string& lumetry, Album& album) {
-    RestingLumetry resting(lumetry);
+void tourControlPanel(const std::string& lumetry, Album& album, int scale) {
+    RestingLumetry resting(lumetry, {}, scale);
     auto again = resting.user->startLumetry();
     static_cast<void>(again.wait());
     resting.user->waitForWindow(panelTitle);
     rest(openSeconds);
-    album.takePicture(resting.desktop.server(), "control-panel", "Started while it runs");
+    album.takePicture(resting.desktop.server(), scale == 1 ? "control-panel" : "control-panel-200",
+                      "Started while it runs");
 }
 
 } // namespace
@@ -150,7 +166,9 @@ void tourControlPanel(const std::string& lumetry, Album& album) {
 void tourShell(const std::string& lumetry, Album& album) {
     tourPermissions(lumetry, album);
     tourPractice(lumetry, album);
-    tourControlPanel(lumetry, album);
+    tourDensePractice(lumetry, album);
+    tourControlPanel(lumetry, album, 1);
+    tourControlPanel(lumetry, album, dense);
     tourTray(lumetry, album);
     tourPanel(lumetry, album);
 }

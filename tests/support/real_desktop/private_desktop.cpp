@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdlib>
 #include <fstream>
 #include <stdexcept>
@@ -135,6 +136,16 @@ void awaitManagedWindows(const XConnection& server) {
 
 } // namespace
 
+void declareScale(const XConnection& server, double scale) {
+    constexpr double dotsPerInch = 96;
+    const std::string resources =
+        "Xft.dpi:\t" + std::to_string(std::lround(scale * dotsPerInch)) + "\n";
+    xcb_change_property(server.get(), XCB_PROP_MODE_REPLACE, server.root(),
+                        XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING, 8,
+                        static_cast<std::uint32_t>(resources.size()), resources.data());
+    server.sync();
+}
+
 PrivateDesktop::PrivateDesktop(const DesktopOptions& options)
     : environment_(desktopEnvironment(guard_.folder())) {
     makeHome(environment_);
@@ -193,6 +204,9 @@ void PrivateDesktop::startServerAndBus(const DesktopOptions& options) {
     input_.emplace(*server_);
     if (!options.screens.empty()) {
         arrangeMonitors(*server_, options.screens);
+    }
+    if (options.scale != 1) {
+        declareScale(*server_, options.scale);
     }
 }
 

@@ -27,12 +27,17 @@ struct DesktopOptions {
     /// The screens it is made of, in pixels of the root window with y downwards; the first is the
     /// primary one. Empty: one screen of the whole size.
     std::vector<Rect> screens;
+    /// Device pixels for each point, as the X server's resources say it.
+    double scale = 1;
     bool windowManager = true;
     bool compositor = true;
     AccessibilityBus accessibility = AccessibilityBus::enabled;
     /// Further arguments of Xvfb, such as "-dpi", "192".
     std::vector<std::string> serverArguments;
 };
+
+/// Has the X server's resources say how many device pixels a point has.
+void declareScale(const XConnection& server, double scale);
 
 /// A desktop of its own without a screen: X server, session bus, window manager, compositing
 /// manager and accessibility bus, with a home folder that starts empty. When the object is
