@@ -5,6 +5,7 @@
 #include "platform/window_server.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace lumetry {
 namespace {
@@ -57,6 +58,13 @@ double primaryDisplayHeight(WindowServer& windowServer) {
         return primary->frame.height;
     }
     return screens.empty() ? 0 : screens.front().frame.height;
+}
+
+double frameRounding(WindowServer& windowServer) {
+    constexpr double largestError = 1e-6; // of the sums
+    const auto screens = windowServer.screens();
+    const double scale = screens.empty() ? 1 : screens.front().backingScaleFactor;
+    return scale == std::floor(scale) ? 0 : 1 / scale + largestError;
 }
 
 } // namespace lumetry

@@ -33,4 +33,9 @@ class WindowServer;
 /// that of the screen at the origin, else of the first one, else 0.
 [[nodiscard]] double primaryDisplayHeight(WindowServer& windowServer);
 
+/// By how many points a frame may reach beyond what it is the frame of: where points are not whole
+/// device pixels, applications round to whole ones, and frames that touch may seem to overlap by
+/// one.
+[[nodiscard]] double frameRounding(WindowServer& windowServer);
+
 } // namespace lumetry

@@ -72,13 +72,14 @@ double median(std::vector<double>& values) {
 }
 
 /// The spaces between neighbours, without overlaps and jumps.
-std::vector<double> gapsBetween(std::span<const Item> items) {
+/// @param rounding neighbours that overlap by no more touch
+std::vector<double> gapsBetween(std::span<const Item> items, double rounding) {
     constexpr double firstJump = 200;
     std::vector<double> gaps;
     for (std::size_t i = 1; i < items.size(); ++i) {
         const double gap = items[i].start - items[i - 1].end();
-        if (gap >= 0 && gap < firstJump) {
-            gaps.push_back(gap);
+        if (gap >= -rounding && gap < firstJump) {
+            gaps.push_back(std::max(gap, 0.0));
         }
     }
     return gaps;
@@ -128,8 +129,8 @@ std::optional<std::string> axPadding(Accessibility& accessibility, const AXUIEle
     return paddingText(insets);
 }
 
-std::optional<CollectionGap> collectionGap(Accessibility& accessibility,
-                                           const AXUIElement& element) {
+std::optional<CollectionGap> collectionGap(Accessibility& accessibility, const AXUIElement& element,
+                                           double rounding) {
     constexpr std::size_t fewestChildren = 2;
     constexpr std::size_t mostChildren = 300;
     constexpr std::size_t mostMeasured = 60;
@@ -151,7 +152,7 @@ std::optional<CollectionGap> collectionGap(Accessibility& accessibility,
         lengths.push_back(items.back().length);
     }
     std::ranges::stable_sort(items, {}, &Item::start);
-    auto gaps = gapsBetween(items);
+    auto gaps = gapsBetween(items, rounding);
     if (gaps.empty()) {
         return std::nullopt;
     }

@@ -32,7 +32,8 @@ struct CollectionGap {
 
 /// The spacing of an element's children. Absent when they are fewer than 2 or more than 300, or
 /// when they do not follow each other regularly.
-[[nodiscard]] std::optional<CollectionGap> collectionGap(Accessibility& accessibility,
-                                                         const AXUIElement& element);
+/// @param rounding as frameRounding says; neighbours that overlap by no more touch
+[[nodiscard]] std::optional<CollectionGap>
+collectionGap(Accessibility& accessibility, const AXUIElement& element, double rounding = 0);
 
 } // namespace lumetry

@@ -93,8 +93,13 @@ private:
                            : SurfaceInfo();
     }
 
+    [[nodiscard]] std::optional<CollectionGap> collectionSpacing() const {
+        return collectionGap(platform_.accessibility, resolved_.component,
+                             frameRounding(platform_.windowServer));
+    }
+
     void addCollection() {
-        const auto spacing = collectionGap(platform_.accessibility, resolved_.component);
+        const auto spacing = collectionSpacing();
         if (spacing) {
             add("gap", pixels(spacing->gap));
             add(spacing->vertical ? "row height" : "item width", pixels(spacing->item));
@@ -127,7 +132,7 @@ private:
         const SurfaceInfo info = surface();
         addSurfaceRows(rows_, info);
         addPadding(true);
-        const auto spacing = collectionGap(platform_.accessibility, resolved_.component);
+        const auto spacing = collectionSpacing();
         if (spacing && spacing->count >= fewestItems) {
             add("gap", pixels(spacing->gap));
         }

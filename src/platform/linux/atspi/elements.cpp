@@ -93,9 +93,12 @@ std::optional<AXUIElement> Element::elementAt(Point point, std::optional<pid_t> 
 std::optional<AXValue> Element::place(std::string_view attribute, const Extents& extents,
                                       const ObjectReference& object) const {
     const HitTest& hitTest = context_.hitTest;
-    const Rect onRoot =
+    const RootSpace space = context_.windows.rootSpace();
+    const Rect reported =
         hitTest.placeOfFrame(object).value_or(placeOf(extents, hitTest.placementOf(object)));
-    const Rect place = context_.windows.rootSpace().toAccessibility(onRoot);
+    const Rect place =
+        space.toAccessibility(onWholePoints(reported, context_.toolkits.habitsFor(object).rounding,
+                                            hitTest.lastClient().origin(), space.scale));
     return attribute == "AXSize" ? AXValue(place.size()) : AXValue(place.origin());
 }
 

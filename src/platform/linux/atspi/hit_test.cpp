@@ -39,6 +39,7 @@ std::optional<HitTest::Hit> HitTest::objectAt(Point point, std::optional<pid_t> 
     const Point at = space.toRoot(point);
     window->bounds = space.toRoot(window->bounds);
     window->client = space.toRoot(window->client);
+    lastClient_ = window->client;
     auto object = objectIn(*window, *owner, at, deadline);
     if (!object) {
         return std::nullopt;

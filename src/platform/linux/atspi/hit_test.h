@@ -51,6 +51,8 @@ public:
     [[nodiscard]] std::optional<Rect> placeOfFrame(const ObjectReference& object) const {
         return topLevels_.placeOfFrame(object);
     }
+    /// The window of the last hit, without its decorations, in pixels of the root window.
+    [[nodiscard]] const Rect& lastClient() const { return lastClient_; }
     [[nodiscard]] std::vector<BareText> bareTextsIn(const ObjectReference& object,
                                                     Deadline deadline) {
         return bareTexts_.in(object, deadline);
@@ -75,6 +77,7 @@ private:
     /// then one exchange serves the whole way down.
     std::vector<Inquiry::Query> lastWay_;
     ObjectReference lastTopLevel_;
+    Rect lastClient_;
     std::optional<ObjectReference> lastChild_; ///< what that window answered
 };
 

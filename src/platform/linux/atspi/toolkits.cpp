@@ -27,7 +27,8 @@ const Habits& habitsOf(Toolkit toolkit) {
     // Its widgets are never said to be showing, only to be visible.
     static constexpr Habits gtk4{.coordinates = ATSPI_COORD_TYPE_WINDOW,
                                  .shown = ATSPI_STATE_VISIBLE};
-    static constexpr Habits chromium{.clipsText = true, .bareTexts = true};
+    static constexpr Habits chromium{
+        .clipsText = true, .rounding = Rounding::outward, .bareTexts = true};
     static constexpr Habits gecko{.hitsInPixels = true, .bareTexts = true};
     static constexpr Habits java{.placelessFrames = true};
     switch (toolkit) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/linux/atspi/object_reference.h"
+#include "platform/linux/atspi/whole_points.h"
 
 #include <atspi/atspi.h>
 
@@ -28,6 +29,8 @@ struct Habits {
     bool clipsText = false;
     /// Takes the points of hit tests in pixels, whatever units it reports places in.
     bool hitsInPixels = false;
+    /// How it makes whole pixels of places that have fractions.
+    Rounding rounding = Rounding::none;
     /// Its frames do not say where they are, but what fills them does.
     bool placelessFrames = false;
     /// Some texts have no objects of their own.
