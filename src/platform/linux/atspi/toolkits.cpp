@@ -29,7 +29,8 @@ const Habits& habitsOf(Toolkit toolkit) {
                                  .shown = ATSPI_STATE_VISIBLE};
     static constexpr Habits chromium{
         .clipsText = true, .rounding = Rounding::outward, .bareTexts = true};
-    static constexpr Habits gecko{.hitsInPixels = true, .bareTexts = true};
+    static constexpr Habits gecko{
+        .hitsInPixels = true, .rounding = Rounding::nearest, .bareTexts = true};
     static constexpr Habits java{.placelessFrames = true};
     switch (toolkit) {
     case Toolkit::gtk:
