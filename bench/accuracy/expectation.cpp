@@ -1,5 +1,7 @@
 #include "expectation.h"
 
+#include "hex_color.h"
+
 #include "base/color_metrics.h"
 #include "base/number_text.h"
 
@@ -7,10 +9,8 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <cstdio>
 #include <cstdlib>
 #include <numeric>
-#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -25,18 +25,6 @@ std::string pixels(double value) {
     return wholeNumber(value) + "px";
 }
 
-std::optional<std::array<int, 3>> channelsIn(const std::string& text) {
-    const auto hash = text.find('#');
-    std::array<unsigned, 3> read{};
-    if (hash == std::string::npos ||
-        std::sscanf(text.c_str() + hash, "#%2x%2x%2x", &std::get<0>(read), &std::get<1>(read),
-                    &std::get<2>(read)) != 3) {
-        return std::nullopt;
-    }
-    return std::array{static_cast<int>(read[0]), static_cast<int>(read[1]),
-                      static_cast<int>(read[2])};
-}
-
 /// @param largestDifference of a channel, of 255
 Expectation colored(std::string label, const Color& color, int largestDifference) {
     const std::string text = hexString(color);
@@ -49,13 +37,12 @@ Expectation colored(std::string label, const Color& color, int largestDifference
             }};
 }
 
-constexpr int fillTolerance = 2;
-
-Expectation contrastOf(const Truth& truth) {
-    constexpr double tolerance = 0.2; // of the fill, which is read from the screen
-    const double ratio = wcagContrast(truth.color, truth.fill);
+Expectation contrastOf(const Color& color, const Color& fill) {
+    constexpr double rounding = 0.05;
+    constexpr double ofFill = 0.02; // which is read from the screen
+    const double ratio = wcagContrast(color, fill);
     return {"contrast", fixedText(ratio, 1) + ":1", [ratio](const std::string& said) {
-                return std::abs(std::atof(said.c_str()) - ratio) <= tolerance;
+                return std::abs(std::atof(said.c_str()) - ratio) <= rounding + ofFill * ratio;
             }};
 }
 
@@ -63,24 +50,17 @@ std::string weightWord(int weight) {
     constexpr std::array<std::string_view, 9> words = {"thin",    "extralight", "light",
                                                        "regular", "medium",     "semibold",
                                                        "bold",    "extrabold",  "black"};
-    return std::string(words[static_cast<std::size_t>(weight) / 100 - 1]);
+    return std::string(words.at(static_cast<std::size_t>(weight) / 100 - 1));
 }
 
 constexpr std::string_view separator = " · ";
 
 /// Family and size; the weight is a row of its own here, for applications may not tell it.
-Expectation fontOf(const Truth& truth) {
-    const std::string text = truth.family + std::string(separator) + pixels(truth.fontSize);
+Expectation fontOf(const std::string& family, double size) {
+    const std::string text = family + std::string(separator) + pixels(size);
     return {"font", text, [text](const std::string& said) {
                 return said == text || said.starts_with(text + std::string(separator));
             }};
-}
-
-/// The whole pixels that a place takes up.
-Rect onScreen(const Rect& place) {
-    const double left = std::floor(place.minX());
-    const double top = std::floor(place.minY());
-    return {left, top, std::ceil(place.maxX()) - left, std::ceil(place.maxY()) - top};
 }
 
 /// The numbers in a row such as "64 × 33" or "8px 16px".
@@ -92,22 +72,6 @@ std::vector<double> numbersIn(const std::string& text) {
         start = text.find_first_of(digits, text.find_first_not_of(digits, start));
     }
     return numbers;
-}
-
-/// Whether a whole number of pixels stands for a length whose ends may lie between two.
-bool isLength(double said, double length) {
-    return std::abs(said - length) < 1;
-}
-
-Expectation sizeOf(const Rect& place) {
-    const Rect pixel = onScreen(place);
-    const auto holds = [=](const std::string& said) {
-        const auto numbers = numbersIn(said);
-        return numbers.size() == 2 &&
-               (isLength(numbers[0], place.width) || numbers[0] == pixel.width) &&
-               (isLength(numbers[1], place.height) || numbers[1] == pixel.height);
-    };
-    return {"size", wholeNumber(pixel.width) + " × " + wholeNumber(pixel.height), holds};
 }
 
 /// Top, right, bottom and left as the row writes them.
@@ -132,26 +96,13 @@ std::vector<double> paddingIn(const std::string& said) {
     }
 }
 
-Expectation paddingAround(const Rect& content, const Rect& frame) {
-    const std::array<double, 4> sides = {
-        content.minY() - frame.minY(), frame.maxX() - content.maxX(), frame.maxY() - content.maxY(),
-        content.minX() - frame.minX()};
-    return {"padding", paddingText(sides), [sides](const std::string& said) {
-                return std::ranges::equal(paddingIn(said), sides, isLength);
-            }};
+std::array<double, 4> sidesBetween(const Rect& content, const Rect& frame) {
+    return {content.minY() - frame.minY(), frame.maxX() - content.maxX(),
+            frame.maxY() - content.maxY(), content.minX() - frame.minX()};
 }
 
 Rect boxAround(const std::vector<Rect>& places) {
     return std::accumulate(places.begin(), places.end(), Rect::null(), unite);
-}
-
-std::vector<Expectation> textRows(const Truth& truth, const char* colorLabel) {
-    return {fontOf(truth), exactly("weight", weightWord(truth.fontWeight)),
-            colored(colorLabel, truth.color, 0), contrastOf(truth)};
-}
-
-void append(std::vector<Expectation>& rows, std::vector<Expectation> more) {
-    std::ranges::move(more, std::back_inserter(rows));
 }
 
 bool runsDown(const std::vector<Rect>& items) {
@@ -162,57 +113,132 @@ double gapOf(const std::vector<Rect>& items) {
     return runsDown(items) ? items[1].minY() - items[0].maxY() : items[1].minX() - items[0].maxX();
 }
 
-std::vector<Expectation> listRows(const Truth& truth) {
-    const Rect& first = truth.items.front();
-    return {exactly("gap", pixels(gapOf(truth.items))),
-            runsDown(truth.items) ? exactly("row height", pixels(first.height))
-                                  : exactly("item width", pixels(first.width)),
-            exactly("items", std::to_string(truth.items.size()))};
+/// The screen's pixels, between which the ends of a length may lie.
+struct Grid {
+    double scale = 1; ///< pixels to a point
+
+    /// Whether a whole number of points stands for a length.
+    [[nodiscard]] bool isLength(double said, double length) const {
+        constexpr double half = 0.5;
+        return std::abs(said - length) < half + half / scale;
+    }
+
+    /// The whole pixels that a place takes up, in points.
+    [[nodiscard]] Rect around(const Rect& place) const {
+        const double left = std::floor(place.minX() * scale) / scale;
+        const double top = std::floor(place.minY() * scale) / scale;
+        return {left, top, std::ceil(place.maxX() * scale) / scale - left,
+                std::ceil(place.maxY() * scale) / scale - top};
+    }
+};
+
+Expectation sizeOf(const Rect& place, const Grid& grid) {
+    const Rect outer = grid.around(place);
+    const auto holds = [=](const std::string& said) {
+        const auto numbers = numbersIn(said);
+        return numbers.size() == 2 &&
+               (grid.isLength(numbers[0], place.width) || numbers[0] == std::round(outer.width)) &&
+               (grid.isLength(numbers[1], place.height) || numbers[1] == std::round(outer.height));
+    };
+    return {"size", wholeNumber(outer.width) + " × " + wholeNumber(outer.height), holds};
 }
 
-std::vector<Expectation> groupRows(const Truth& truth) {
-    constexpr std::size_t fewestWithGap = 3;
-    std::vector<Expectation> rows = {colored("fill", truth.fill, fillTolerance),
-                                     paddingAround(boxAround(truth.items), truth.frame)};
-    if (truth.items.size() >= fewestWithGap) {
-        rows.push_back(exactly("gap", pixels(gapOf(truth.items))));
-    }
-    return rows;
+Expectation lengthOf(std::string label, double length, const Grid& grid) {
+    return {std::move(label), pixels(length), [=](const std::string& said) {
+                const auto numbers = numbersIn(said);
+                return numbers.size() == 1 && grid.isLength(numbers[0], length);
+            }};
 }
 
-std::vector<Expectation> pictureRows(const Truth& truth) {
-    std::vector<Expectation> rows = {colored("pixel", truth.fill, 0)};
-    if (auto ratio = aspectString(truth.frame.size())) {
-        rows.push_back(exactly("ratio", std::move(*ratio)));
+Expectation paddingOf(const std::array<double, 4>& sides, const Grid& grid) {
+    return {"padding", paddingText(sides), [=](const std::string& row) {
+                return std::ranges::equal(paddingIn(row), sides, [&](double said, double length) {
+                    return grid.isLength(said, length);
+                });
+            }};
+}
+
+using Rows = std::vector<Expectation>;
+
+void addTypography(Rows& rows, const Truth& truth, const char* colorLabel) {
+    if (truth.family && truth.fontSize) {
+        rows.push_back(fontOf(*truth.family, *truth.fontSize));
     }
-    return rows;
+    if (truth.fontWeight) {
+        rows.push_back(exactly("weight", weightWord(*truth.fontWeight)));
+    }
+    if (truth.color) {
+        rows.push_back(colored(colorLabel, *truth.color, 0));
+    }
+    if (truth.color && truth.fill) {
+        rows.push_back(contrastOf(*truth.color, *truth.fill));
+    }
+}
+
+void addSurface(Rows& rows, const Truth& truth, const Grid& grid) {
+    constexpr int fillTolerance = 2;
+    if (truth.fill) {
+        rows.push_back(colored("fill", *truth.fill, fillTolerance));
+    }
+    if (truth.padding) {
+        rows.push_back(paddingOf(*truth.padding, grid));
+    } else if (truth.frame && (truth.text || !truth.items.empty())) {
+        const Rect content = truth.kind == "group" ? boxAround(truth.items) : *truth.text;
+        rows.push_back(paddingOf(sidesBetween(content, *truth.frame), grid));
+    }
+}
+
+void addItems(Rows& rows, const Truth& truth, const Grid& grid) {
+    constexpr std::size_t fewestInGroup = 3;
+    constexpr std::size_t fewestInList = 2;
+    const auto& items = truth.items;
+    const bool isList = truth.kind == "list";
+    if (items.size() < (isList ? fewestInList : fewestInGroup)) {
+        return;
+    }
+    rows.push_back(lengthOf("gap", gapOf(items), grid));
+    if (isList) {
+        rows.push_back(runsDown(items) ? lengthOf("row height", items[0].height, grid)
+                                       : lengthOf("item width", items[0].width, grid));
+        rows.push_back(exactly("items", std::to_string(items.size())));
+    }
+}
+
+void addPicture(Rows& rows, const Truth& truth) {
+    if (truth.fill) {
+        rows.push_back(colored("pixel", *truth.fill, 0));
+    }
+    if (const auto ratio = aspectString(truth.frame.value_or(Rect()).size())) {
+        rows.push_back(exactly("ratio", *ratio));
+    }
 }
 
 } // namespace
 
-std::vector<Expectation> expectationsOf(const Truth& truth) {
-    std::vector<Expectation> rows = {sizeOf(truth.kind == "text" ? truth.text : truth.frame)};
+std::vector<Expectation> expectationsOf(const Truth& truth, double scale) {
+    const Grid grid{scale};
+    Rows rows;
+    if (const auto& place = truth.kind == "text" && truth.text ? truth.text : truth.frame) {
+        rows.push_back(sizeOf(*place, grid));
+    }
     if (truth.kind == "text" || truth.kind == "heading") {
-        append(rows, textRows(truth, "color"));
+        addTypography(rows, truth, "color");
     } else if (truth.kind == "control" || truth.kind == "input") {
-        rows.push_back(colored("fill", truth.fill, fillTolerance));
-        // The text of an input stands in a box of its own, which fills what the padding leaves.
-        rows.push_back(truth.kind == "input" ? exactly("padding", paddingText(truth.padding))
-                                             : paddingAround(truth.text, truth.frame));
-        append(rows, textRows(truth, "text"));
-    } else if (truth.kind == "list") {
-        append(rows, listRows(truth));
+        addSurface(rows, truth, grid);
+        addTypography(rows, truth, "text");
     } else if (truth.kind == "group") {
-        append(rows, groupRows(truth));
+        addSurface(rows, truth, grid);
+        addItems(rows, truth, grid);
+    } else if (truth.kind == "list") {
+        addItems(rows, truth, grid);
     } else if (truth.kind == "picture") {
-        append(rows, pictureRows(truth));
+        addPicture(rows, truth);
     }
     return rows;
 }
 
 bool hasCorners(const Truth& truth) {
-    return truth.kind == "control" || truth.kind == "input" || truth.kind == "group" ||
-           truth.kind == "picture";
+    return truth.radius && truth.kind != "text" && truth.kind != "heading" && truth.kind != "list";
 }
 
 } // namespace lumetry::accuracy

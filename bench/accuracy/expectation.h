@@ -15,8 +15,9 @@ struct Expectation {
     std::function<bool(const std::string&)> holds; ///< of the row's value
 };
 
-/// The rows of that kind of element, radii aside.
-[[nodiscard]] std::vector<Expectation> expectationsOf(const Truth& truth);
+/// The rows of that kind of element for which there is a truth, radii aside.
+/// @param scale pixels to a point
+[[nodiscard]] std::vector<Expectation> expectationsOf(const Truth& truth, double scale);
 
 /// Whether the element has a surface whose corners are measured.
 [[nodiscard]] bool hasCorners(const Truth& truth);

@@ -1,86 +1,105 @@
-// How right the measurements are: what lumetry-measure says of the elements of a page in a browser
-// against what the browser itself says of them.
+// How right the measurements are: what lumetry-measure says of the elements of a window against
+// what the program that shows the window says of them.
 //
-//   lumetry_accuracy [--browser chromium|firefox]
+//   lumetry_accuracy [--kit KIT] [--scale SCALE] [--seed SEED]
 //
-// LUMETRY_ACCURACY_PICTURE may name a PNG file for a picture of the page.
+// LUMETRY_ACCURACY_PICTURE may name a PNG file for a picture of the window.
 
-#include "browser.h"
 #include "comparison.h"
-#include "page.h"
-#include "page_server.h"
+#include "kits.h"
+#include "plan.h"
 #include "reading.h"
 #include "report.h"
 #include "truth.h"
 
 #include "support/processes/wait_until.h"
-#include "support/real_desktop/chromium.h"
-#include "support/real_desktop/firefox.h"
 #include "support/real_desktop/private_desktop.h"
 #include "support/real_desktop/screenshot.h"
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
-#include <map>
 #include <string>
 #include <vector>
 
 namespace {
 
+using namespace lumetry;
 using namespace lumetry::accuracy;
 using namespace lumetry::desktop;
 
-/// The tree of a page is built once it is asked for, and arrives piece by piece.
-void awaitTree(const PrivateDesktop& desktop, const Truth& last) {
-    (void)requireUntil("the tree of the page",
-                       [&] { return measure(desktop, last.point).header.starts_with(last.role); });
+/// Declares the desktop's resolution, as its session would before the first application starts.
+void declareScale(const XConnection& server, double scale) {
+    constexpr double dpiOfOne = 96;
+    const std::string resource =
+        "Xft.dpi:\t" + std::to_string(std::lround(dpiOfOne * scale)) + "\n";
+    xcb_change_property(server.get(), XCB_PROP_MODE_REPLACE, server.root(),
+                        XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING, 8,
+                        static_cast<std::uint32_t>(resource.size()), resource.data());
+    server.sync();
 }
 
-ChildProcess startBrowser(Browser browser, PrivateDesktop& desktop, const std::string& html) {
-    return browser == Browser::firefox ? startFirefoxWith(desktop, html, FirefoxGuise::application)
-                                       : startChromiumWith(desktop, html);
+/// A tree may be built only once it is asked for, and arrive piece by piece.
+void awaitTree(const PrivateDesktop& desktop, const std::vector<Truth>& truths) {
+    constexpr auto patience = std::chrono::seconds(10);
+    (void)waitUntil(
+        [&] {
+            return measure(desktop, truths.back().point).header.starts_with(truths.back().role);
+        },
+        patience);
 }
 
-void run(Browser kind) {
+void run(const Kit& kit, double scale, unsigned seed) {
+    constexpr int aroundWindow = 60; ///< for its title and shadow, in points
     DesktopOptions options;
-    options.width = screenWidth;
-    options.height = screenHeight;
+    options.width = static_cast<int>(std::ceil((windowWidth + aroundWindow) * scale));
+    options.height = static_cast<int>(std::ceil((windowHeight + aroundWindow) * scale));
     PrivateDesktop desktop(options);
-    PageServer server(pageHtml(), truthPath);
-    const auto browser = startBrowser(
-        kind, desktop, "<meta http-equiv=refresh content='0;url=" + server.address() + "'>");
-    const std::vector<Truth> truths = parseTruth(server.waitForPost(generousDeadline));
+    declareScale(desktop.server(), scale);
+    const Shown shown = kit.show(kit, desktop, makePlan(seed), scale);
+    const std::vector<Truth> truths = parseTruth(shown.truth, shown.origin, scale);
+    awaitTree(desktop, truths);
     if (const char* picture = std::getenv("LUMETRY_ACCURACY_PICTURE")) {
         writePng(screenshot(desktop.server()), picture);
     }
-    awaitTree(desktop, truths.back());
     std::vector<Finding> findings;
     for (const Truth& truth : truths) {
-        for (Finding& finding : compare(truth, measure(desktop, truth.point))) {
+        for (Finding& finding : compare(truth, measure(desktop, truth.point), kit, scale)) {
             findings.push_back(std::move(finding));
         }
     }
     std::printf("%zu elements\n\n", truths.size());
-    printReport(findings, kind);
+    printReport(findings);
+}
+
+const Kit& kitNamed(const std::string& name) {
+    return *std::ranges::find_if(kits(), [&](const Kit& kit) { return kit.name == name; });
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    CLI::App options("Measures a page in a browser and compares with what the browser says of it.",
+    CLI::App options("Measures a window, and compares with what its own program says of it.",
                      "lumetry_accuracy");
-    Browser browser = Browser::chromium;
-    const std::map<std::string, Browser> browsers = {{"chromium", Browser::chromium},
-                                                     {"firefox", Browser::firefox}};
-    options.add_option("--browser", browser, "Which browser shows the page")
-        ->transform(CLI::CheckedTransformer(browsers));
+    std::vector<std::string> names;
+    for (const Kit& kit : kits()) {
+        names.emplace_back(kit.name);
+    }
+    std::string kit = names.front();
+    double scale = 1;
+    unsigned seed = 1;
+    options.add_option("--kit", kit, "What the window is built with")->check(CLI::IsMember(names));
+    options.add_option("--scale", scale, "Pixels to a point")->check(CLI::Range(1.0, 3.0));
+    options.add_option("--seed", seed, "Of the elements' places and styles");
     CLI11_PARSE(options, argc, argv);
     try {
-        run(browser);
+        run(kitNamed(kit), scale, seed);
     } catch (const std::exception& problem) {
         std::cerr << "lumetry_accuracy: " << problem.what() << '\n';
         return 1;

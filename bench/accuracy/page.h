@@ -1,16 +1,16 @@
 #pragma once
 
+#include "plan.h"
+
 #include <string>
+#include <vector>
 
 namespace lumetry::accuracy {
 
-inline constexpr int screenWidth = 1920;  ///< pixels
-inline constexpr int screenHeight = 1400; ///< pixels
-
-/// A page that fits on the screen, with elements of many kinds that are styled in many ways. Once
-/// it is laid out it posts to its own server, under truthPath, where each element is and how it is
-/// styled, as the browser itself says: what parseTruth reads.
-[[nodiscard]] std::string pageHtml();
+/// A page of those elements, each at its place. Once it is laid out it posts to its own server,
+/// under truthPath, where each element is and how it is styled, as the browser itself says: what
+/// parseTruth reads.
+[[nodiscard]] std::string pageHtml(const std::vector<Planned>& plan);
 
 inline constexpr const char* truthPath = "/truth";
 

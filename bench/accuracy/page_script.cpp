@@ -3,56 +3,53 @@
 namespace lumetry::accuracy {
 
 std::string pageScript() {
-    // A point in the middle of an element hits the text that stands there, one in its padding the
-    // element itself; data-point says which of them is meant.
     return R"(
-const rectOf = box => ({x: box.x, y: box.y, width: box.width, height: box.height});
+const listed = box => [box.x, box.y, box.width, box.height];
 const contentOf = element => {
   const range = document.createRange();
   range.selectNodeContents(element);
   return range;
 };
+const hexOf = css =>
+  '#' + css.match(/\d+/g).slice(0, 3).map(n => (+n).toString(16).padStart(2, '0')).join('');
 const fillOf = element => {
   for (let e = element; e; e = e.parentElement) {
     const fill = getComputedStyle(e).backgroundColor;
-    if (!/, 0\)$/.test(fill)) return fill;
+    if (!/, 0\)$/.test(fill)) return hexOf(fill);
   }
-  return 'rgb(255, 255, 255)';
+  return '#ffffff';
 };
-const pointIn = element => {
-  const frame = element.getBoundingClientRect();
-  if (element.dataset.point === 'edge') {
-    return {x: frame.right - 4, y: (frame.top + frame.bottom) / 2};
-  }
-  const box = element.dataset.point === 'text' ? contentOf(element).getClientRects()[0] : frame;
-  return {x: (box.left + box.right) / 2, y: (box.top + box.bottom) / 2};
-};
-const truthOf = element => {
+const itemsOf = element => [...(element.tBodies ? element.rows : element.children)]
+  .map(item => item.getBoundingClientRect()).filter(box => box.width > 0).map(listed);
+const placesOf = element => ({
+  id: element.id, frame: listed(element.getBoundingClientRect()),
+  items: itemsOf(element),
+  ...(element.textContent ? {text: listed(contentOf(element).getBoundingClientRect())} : {}),
+});
+const styleOf = element => {
   const style = getComputedStyle(element);
-  const border = side => parseFloat(style['border' + side + 'Width']);
-  const padding = side => parseFloat(style['padding' + side]) + border(side);
+  const inset = side => parseFloat(style['padding' + side]);
   return {
-    id: element.id, kind: element.dataset.kind, role: element.dataset.role,
-    point: pointIn(element),
-    frame: rectOf(element.getBoundingClientRect()),
-    text: rectOf(contentOf(element).getBoundingClientRect()),
-    items: [...element.children].map(child => rectOf(child.getBoundingClientRect())),
     family: style.fontFamily.split(',')[0].replaceAll('"', ''),
-    fontSize: parseFloat(style.fontSize), fontWeight: parseInt(style.fontWeight),
-    color: style.color, fill: fillOf(element), radius: parseFloat(style.borderTopLeftRadius),
-    padding: ['Top', 'Right', 'Bottom', 'Left'].map(padding),
+    size: parseFloat(style.fontSize), weight: parseInt(style.fontWeight),
+    color: hexOf(style.color), fill: fillOf(element), radius: parseFloat(style.borderTopLeftRadius),
+    // The text of a field stands in a box of its own, which fills what the padding leaves.
+    ...(element.matches('input, textarea, select')
+      ? {padding: ['Top', 'Right', 'Bottom', 'Left'].map(inset)} : {}),
   };
 };
+// Nothing can be said of how the browser draws a box to be ticked.
+const truthOf = element => element.matches('.check, .radio')
+  ? placesOf(element) : {...placesOf(element), ...styleOf(element)};
+const measured = element => element.matches('.menubar') ? element.firstChild : element;
 const settled = () => new Promise(done => requestAnimationFrame(() => requestAnimationFrame(done)));
 const report = async () => {
   await document.fonts.ready;
   await settled();
-  const root = document.documentElement;
-  const elements = [...document.querySelectorAll('[data-kind]')];
+  const elements = [...document.querySelectorAll('main > *')];
   await fetch('/truth', {method: 'POST', body: JSON.stringify({
-    overflow: {x: root.scrollWidth - innerWidth, y: root.scrollHeight - innerHeight},
-    origin: {x: screenX, y: screenY}, pixelRatio: devicePixelRatio,
-    elements: elements.map(truthOf),
+    origin: [screenX * devicePixelRatio, screenY * devicePixelRatio], unit: devicePixelRatio,
+    elements: elements.map(element => ({...truthOf(measured(element)), id: element.id})),
   })});
 };
 addEventListener('load', report);

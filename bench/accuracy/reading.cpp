@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include <stdexcept>
+#include <utility>
 
 namespace lumetry::accuracy {
 namespace {
@@ -15,14 +16,7 @@ std::optional<std::string> weightIn(const std::string& font) {
                                       : std::optional(font.substr(found + sizeEnd.size()));
 }
 
-} // namespace
-
-std::optional<std::string> Reading::value(const std::string& label) const {
-    const auto found = rows.find(label);
-    return found == rows.end() ? std::nullopt : std::optional(found->second);
-}
-
-Reading measure(const desktop::PrivateDesktop& desktop, Point at) {
+Reading measureOnce(const desktop::PrivateDesktop& desktop, Point at) {
     constexpr int nothingThere = 1;
     desktop::ProcessOptions options;
     options.environment = desktop.environment();
@@ -40,6 +34,26 @@ Reading measure(const desktop::PrivateDesktop& desktop, Point at) {
     const auto font = reading.value("font");
     if (const auto weight = font ? weightIn(*font) : std::nullopt) {
         reading.rows.insert_or_assign("weight", *weight);
+    }
+    return reading;
+}
+
+} // namespace
+
+std::optional<std::string> Reading::value(const std::string& label) const {
+    const auto found = rows.find(label);
+    return found == rows.end() ? std::nullopt : std::optional(found->second);
+}
+
+Reading measure(const desktop::PrivateDesktop& desktop, Point at) {
+    constexpr int mostAttempts = 6;
+    Reading reading = measureOnce(desktop, at);
+    for (int attempt = 1; attempt < mostAttempts; ++attempt) {
+        Reading again = measureOnce(desktop, at);
+        if (again == reading) {
+            break;
+        }
+        reading = std::move(again);
     }
     return reading;
 }

@@ -1,5 +1,6 @@
 #include "report.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <map>
@@ -12,15 +13,18 @@ struct Count {
     int asked = 0;
     int shown = 0;
     int right = 0;
+
+    void add(const Finding& finding) {
+        ++asked;
+        shown += finding.said ? 1 : 0;
+        right += finding.right ? 1 : 0;
+    }
 };
 
 void printTable(const std::vector<Finding>& findings) {
     std::map<std::string, Count> counts;
     for (const Finding& finding : findings) {
-        Count& count = counts[finding.label];
-        ++count.asked;
-        count.shown += finding.said ? 1 : 0;
-        count.right += finding.right && finding.label != "radius" ? 1 : 0;
+        counts[finding.label].add(finding);
     }
     std::puts("| row | asked | shown | right |\n|---|---|---|---|");
     for (const auto& [label, count] : counts) {
@@ -34,55 +38,57 @@ void printProblems(const std::vector<Finding>& findings) {
     for (const bool shown : {true, false}) {
         std::printf("\n%s\n", shown ? "wrong" : "not shown");
         for (const Finding& finding : findings) {
-            const bool missing = !finding.said && finding.label != "no radius";
-            if (shown ? finding.said && !finding.right : missing) {
-                std::printf("  %-12s %-10s is %s%s%s\n", finding.element.c_str(),
-                            finding.label.c_str(), finding.truth.c_str(), shown ? ", said " : "",
-                            finding.said.value_or("").c_str());
+            if (finding.right || finding.error || shown != finding.said.has_value()) {
+                continue;
             }
+            std::printf("  %-12s %-10s is %s%s%s\n", finding.element.c_str(), finding.label.c_str(),
+                        finding.truth.c_str(), shown ? ", said " : "",
+                        finding.said.value_or("").c_str());
         }
     }
 }
 
-/// Why rows may be wrong or missing though all is well.
-void printLimits(Browser browser) {
-    std::puts(
-        browser == Browser::firefox
-            ? "\nFirefox tells sizes of fonts in whole points: 15 px are 11 pt, and so are 14 "
-              "px. It tells nothing\nof what is inside a field, and no text of a drop-down. "
-              "It goes by another name here: of what\ngoes by a browser's own name, only "
-              "the size is shown."
-            : "\nChromium tells no weight but bold, or where the family's name says it; "
-              "nothing of what is inside\na field, and no text of a drop-down.");
-    std::puts("An edge between two pixels looks like a corner of one step, 3.4 px, of the radius "
-              "estimate.");
-}
-
 void printRadii(const std::vector<Finding>& findings) {
-    std::map<int, int> counts;
+    std::map<long, int> counts;
     double sum = 0;
     int radii = 0;
     for (const Finding& finding : findings) {
-        if (finding.label == "radius" && finding.said) {
-            ++counts[static_cast<int>(std::lround(finding.radiusError))];
-            sum += std::abs(finding.radiusError);
+        if (finding.error) {
+            ++counts[std::lround(*finding.error)];
+            sum += std::abs(*finding.error);
             ++radii;
         }
     }
     std::printf("\nradius: %d estimates, off by %.1f px on average; how many are off by how much\n",
-                radii, radii > 0 ? sum / radii : 0.0);
+                radii, sum / std::max(radii, 1));
     for (const auto& [error, count] : counts) {
-        std::printf("  %+3d px  %d\n", error, count);
+        std::printf("  %+3ld px  %d\n", error, count);
     }
+    std::puts(
+        "An edge between two pixels looks like a corner of one step, 3.4 px, of the estimate.");
+}
+
+/// Without what counts apart.
+void printSum(const std::vector<Finding>& findings) {
+    Count all;
+    int shownRight = 0;
+    for (const Finding& finding : findings) {
+        if (!finding.apart) {
+            all.add(finding);
+            shownRight += finding.said && finding.right ? 1 : 0;
+        }
+    }
+    std::printf("\nasked %d, shown %d, right %d (%.1f %%)\n", all.asked, all.shown, shownRight,
+                100.0 * shownRight / std::max(all.shown, 1));
 }
 
 } // namespace
 
-void printReport(const std::vector<Finding>& findings, Browser browser) {
+void printReport(const std::vector<Finding>& findings) {
     printTable(findings);
     printProblems(findings);
     printRadii(findings);
-    printLimits(browser);
+    printSum(findings);
 }
 
 } // namespace lumetry::accuracy

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "browser.h"
 #include "comparison.h"
 
 #include <vector>
@@ -8,7 +7,7 @@
 namespace lumetry::accuracy {
 
 /// Prints a table of how often each row was asked for, shown and right; every row that was wrong or
-/// missing; and how far the radii are off.
-void printReport(const std::vector<Finding>& findings, Browser browser);
+/// missing; how far the radii are off; and in one line how many of the rows shown are right.
+void printReport(const std::vector<Finding>& findings);
 
 } // namespace lumetry::accuracy
