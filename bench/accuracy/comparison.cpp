@@ -58,21 +58,6 @@ void setApart(Finding& finding, const Truth& truth, const Reading& reading, cons
     }
 }
 
-/// @param told what the element is asked for though it would not be shown
-std::vector<Finding> untoldRows(const Truth& truth, const Reading& reading, const Kit& kit) {
-    std::vector<Finding> findings;
-    for (const Untold& untold : kit.untold) {
-        const std::string label(untold.row);
-        if (!isUntold(kit, truth.what, label) ||
-            (!untold.what.empty() && untold.what != truth.what)) {
-            continue;
-        }
-        const auto said = restsOnEstimate(label, reading) ? std::nullopt : reading.value(label);
-        findings.push_back({"no " + label, truth.id, "", said, !said});
-    }
-    return findings;
-}
-
 } // namespace
 
 std::vector<Finding> compare(const Truth& truth, const Reading& reading, const Kit& kit,
@@ -80,18 +65,21 @@ std::vector<Finding> compare(const Truth& truth, const Reading& reading, const K
     std::vector<Finding> findings = {
         {"element", truth.id, truth.role, reading.header,
          reading.header == truth.role || reading.header.starts_with(truth.role + " ")}};
+    const auto untold = untoldRows(kit, truth.what);
     for (const Expectation& row : expectationsOf(truth, scale)) {
-        const auto said = reading.value(row.label);
-        // Colours that are not told are estimated, and shown.
-        if (isUntold(kit, truth.what, row.label) && !restsOnEstimate(row.label, reading)) {
-            continue;
+        // A colour that is not told is estimated, and shown.
+        if (!untold.contains(row.label) || restsOnEstimate(row.label, reading)) {
+            const auto said = reading.value(row.label);
+            Finding finding = {row.label, truth.id, row.text, said, said && row.holds(*said)};
+            setApart(finding, truth, reading, kit);
+            findings.push_back(std::move(finding));
         }
-        Finding finding = {row.label, truth.id, row.text, said, said && row.holds(*said)};
-        setApart(finding, truth, reading, kit);
-        findings.push_back(std::move(finding));
     }
-    for (Finding& finding : untoldRows(truth, reading, kit)) {
-        findings.push_back(std::move(finding));
+    for (const std::string& label : untold) {
+        if (!restsOnEstimate(label, reading)) {
+            const auto said = reading.value(label);
+            findings.push_back({"no " + label, truth.id, "", said, !said});
+        }
     }
     if (hasCorners(truth)) {
         findings.push_back(cornersOf(truth, reading));

@@ -13,6 +13,8 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <sstream>
 #include <stdexcept>
 #include <utility>
 
@@ -84,26 +86,51 @@ Shown showWindow(const Kit& kit, PrivateDesktop& desktop, const std::vector<Plan
     return showProgram(desktop, {program, planFile(desktop, plan)}, scale);
 }
 
-/// Browsers have no objects for what is inside a field.
-const std::vector<Untold> untoldByBrowsers = {
-    {"entry", "padding"}, {"area", "padding"}, {"spin", "padding"}, {"combo", "padding"},
-    {"popup", "padding"}, {"popup", "font"},   {"popup", "weight"}, {"popup", "text"}};
+constexpr const char* fields = "entry area spin combo popup";
+constexpr const char* buttons = "button check radio popup";
+constexpr const char* typography = "font weight text contrast";
+
+std::vector<std::string> wordsOf(const std::string& text) {
+    std::istringstream words(text);
+    return {std::istream_iterator<std::string>(words), {}};
+}
 
 } // namespace
 
 const std::vector<Kit>& kits() {
     static const std::vector<Kit> all = {
-        {"chromium", showPage, untoldByBrowsers, FontSteps::fine},
-        {"firefox", showPage, untoldByBrowsers, FontSteps::roundedPoints},
-        {"gtk3", showWindow, {}, FontSteps::cutPoints},
+        // They have no objects for what is inside a field.
+        {"chromium", showPage, {{fields, "padding"}, {"popup", typography}}},
+        {"firefox",
+         showPage,
+         {{fields, "padding"}, {"popup", typography}},
+         FontSteps::roundedPoints},
+        // Nor has it for what is inside a button.
+        {"gtk3",
+         showWindow,
+         {{fields, "padding"}, {buttons, "padding"}, {buttons, typography}},
+         FontSteps::cutPoints},
+        // Only its texts of many lines tell of fonts.
+        {"qt6",
+         showWindow,
+         {{fields, "padding"},
+          {buttons, "padding"},
+          {buttons, typography},
+          {"entry spin combo", typography},
+          {"label cell", "font weight color contrast"}}},
     };
     return all;
 }
 
-bool isUntold(const Kit& kit, std::string_view what, std::string_view row) {
-    return std::ranges::any_of(kit.untold, [&](const Untold& untold) {
-        return (untold.what.empty() || untold.what == what) && untold.row == row;
-    });
+std::set<std::string> untoldRows(const Kit& kit, const std::string& what) {
+    std::set<std::string> rows;
+    for (const Untold& untold : kit.untold) {
+        const auto whats = wordsOf(untold.whats);
+        if (std::ranges::find(whats, what) != whats.end()) {
+            std::ranges::move(wordsOf(untold.rows), std::inserter(rows, rows.end()));
+        }
+    }
+    return rows;
 }
 
 } // namespace lumetry::accuracy

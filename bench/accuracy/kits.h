@@ -8,16 +8,17 @@
 #include "support/real_desktop/private_desktop.h"
 
 #include <cstdint>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace lumetry::accuracy {
 
-/// A row that a toolkit does not tell.
+/// Rows that a toolkit does not tell of some elements; words between blanks.
 struct Untold {
-    std::string_view what; ///< as in the plan; empty for all that have the row
-    std::string_view row;
+    const char* whats; ///< as in the plan
+    const char* rows;
 };
 
 /// In which steps a toolkit tells sizes of fonts: as they are, or in whole points of typography.
@@ -36,13 +37,14 @@ struct Kit {
     /// Shows the elements of the plan, those that the toolkit has.
     /// @param scale pixels to a point
     Shown (*show)(const Kit&, desktop::PrivateDesktop&, const std::vector<Planned>&, double scale);
-    /// Rows that the toolkit does not tell, which therefore are not to be shown.
     std::vector<Untold> untold;
     FontSteps fontSteps = FontSteps::fine;
 };
 
 [[nodiscard]] const std::vector<Kit>& kits();
 
-[[nodiscard]] bool isUntold(const Kit& kit, std::string_view what, std::string_view row);
+/// The rows that are not to be shown of such an element, since its toolkit does not tell them.
+/// @param what as in the plan
+[[nodiscard]] std::set<std::string> untoldRows(const Kit& kit, const std::string& what);
 
 } // namespace lumetry::accuracy

@@ -131,8 +131,10 @@ Planned box(Chance& chance, bool hides) {
     return element;
 }
 
-Planned table(Chance& /*chance*/) {
-    return {{"rows", "5"}, {"columns", "3"}};
+Planned table(Chance& chance) {
+    Planned element = text(chance);
+    element.insert({{"rows", "5"}, {"columns", "3"}});
+    return element;
 }
 
 Planned picture(Chance& chance) {
@@ -173,7 +175,7 @@ constexpr std::array recipes = std::to_array<Recipe>({
     {"row", 1, 80, [](Chance& chance) { return box(chance, false); }},
     {"row", 1, 80, [](Chance& chance) { return box(chance, true); }},
     {"panel", 1, 160, [](Chance& chance) { return box(chance, false); }},
-    {"table", 1, 190, table},
+    {"table", 1, 214, table},
     {"image", 2, 96, picture},
 });
 
