@@ -3,6 +3,7 @@
 #include "page.h"
 #include "page_server.h"
 
+#include "support/processes/programs.h"
 #include "support/processes/wait_until.h"
 #include "support/real_desktop/chromium.h"
 #include "support/real_desktop/desktop_windows.h"
@@ -86,6 +87,22 @@ Shown showWindow(const Kit& kit, PrivateDesktop& desktop, const std::vector<Plan
     return showProgram(desktop, {program, planFile(desktop, plan)}, scale);
 }
 
+/// Java asks for its bridge to the accessibility bus by name.
+Shown showJava(const Kit& kit, PrivateDesktop& desktop, const std::vector<Planned>& plan,
+               double scale) {
+    constexpr const char* bridge = "/usr/share/java/java-atk-wrapper.jar";
+    if (!desktop::findProgram("java") || !std::filesystem::exists(bridge)) {
+        missPackages(kit, "Java, or its bridge,");
+    }
+    return showProgram(
+        desktop,
+        {"java", "-Dsun.java2d.uiScale=" + std::to_string(scale),
+         "-Djavax.accessibility.assistive_technologies=org.GNOME.Accessibility.AtkWrapper",
+         "--class-path", bridge, LUMETRY_SOURCES "/bench/accuracy/kits/java/Accuracy.java",
+         planFile(desktop, plan)},
+        scale);
+}
+
 constexpr const char* fields = "entry area spin combo popup";
 constexpr const char* buttons = "button check radio popup";
 constexpr const char* typography = "font weight text contrast";
@@ -113,11 +130,15 @@ const std::vector<Kit>& kits() {
         // Only its texts of many lines tell of fonts.
         {"qt6",
          showWindow,
-         {{fields, "padding"},
+         {{"entry spin", "padding"},
           {buttons, "padding"},
           {buttons, typography},
           {"entry spin combo", typography},
-          {"label cell", "font weight color contrast"}}},
+          {"label cell", "font weight color contrast"}},
+         FontSteps::roundedPoints},
+        // Paddings are outside of the content boxes that it tells.
+        {"gtk4", showWindow, {{fields, "padding"}, {buttons, "padding"}, {"box row", "padding"}}},
+        {"java", showJava, {}},
     };
     return all;
 }

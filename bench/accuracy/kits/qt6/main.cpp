@@ -18,6 +18,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSpinBox>
+#include <QStyleOptionButton>
 #include <QTableWidget>
 #include <QTextEdit>
 #include <QTimer>
@@ -56,11 +57,13 @@ QString textOf(const Planned& element, const std::string& name) {
     return QString::fromStdString(element.at(name));
 }
 
+/// Fonts in points: of fonts in pixels Qt tells no size.
 QString fontOf(const Planned& element) {
+    constexpr double pointsPerPixel = 0.75;
+    const QString size = QString::number(number(element, "size") * pointsPerPixel);
     return "font-family: '" + textOf(element, "family") +
-           "'; font-weight: " + textOf(element, "weight") +
-           "; font-size: " + textOf(element, "size") + "px; color: " + textOf(element, "color") +
-           ";";
+           "'; font-weight: " + textOf(element, "weight") + "; font-size: " + size +
+           "pt; color: " + textOf(element, "color") + ";";
 }
 
 QString surfaceOf(const Planned& element) {
@@ -85,36 +88,51 @@ QWidget* button(const Planned& element) {
     return widget;
 }
 
-QWidget* styledField(const Planned& element, QWidget* widget) {
+constexpr auto styled = {"family", "size", "weight", "color", "fill", "radius"};
+
+void style(const Planned& element, QWidget* widget) {
     widget->setStyleSheet(fontOf(element) + surfaceOf(element));
     widget->setFixedWidth(number(element, "width"));
-    statements.emplace_back([=] {
-        state(element, widget, {"family", "size", "weight", "color", "fill", "radius"});
-    });
-    return widget;
 }
 
 QWidget* entry(const Planned& element) {
-    return styledField(element, new QLineEdit(textOf(element, "text")));
+    auto* const widget = new QLineEdit(textOf(element, "text"));
+    style(element, widget);
+    statements.emplace_back([=] { state(element, widget, styled); });
+    return widget;
 }
 
 QWidget* area(const Planned& element) {
     auto* const widget = new QTextEdit(textOf(element, "text"));
+    style(element, widget);
     widget->setFixedHeight(number(element, "height"));
-    return styledField(element, widget);
+    widget->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    statements.emplace_back(
+        [=] { state(element, widget, styled)["text"] = placeOf(widget->viewport()); });
+    return widget;
 }
 
-QWidget* choice(const Planned& element, QWidget* widget) {
-    statements.emplace_back([=] { state(element, widget, {})["fill"] = "#ffffff"; });
+/// What counts is where it can be clicked.
+QWidget* choice(const Planned& element, QAbstractButton* widget, QStyle::SubElement clicked) {
+    statements.emplace_back([=] {
+        QStyleOptionButton option;
+        option.initFrom(widget);
+        option.text = widget->text();
+        Json& stated = statement.add(element.at("id"), element, {});
+        stated["frame"] =
+            placeIn(widget, widget->style()->subElementRect(clicked, &option, widget));
+        stated["fill"] = "#ffffff";
+    });
     return widget;
 }
 
 QWidget* check(const Planned& element) {
-    return choice(element, new QCheckBox(textOf(element, "text")));
+    return choice(element, new QCheckBox(textOf(element, "text")), QStyle::SE_CheckBoxClickRect);
 }
 
 QWidget* radio(const Planned& element) {
-    return choice(element, new QRadioButton(textOf(element, "text")));
+    return choice(element, new QRadioButton(textOf(element, "text")),
+                  QStyle::SE_RadioButtonClickRect);
 }
 
 QWidget* plain(const Planned& element, QWidget* widget) {
@@ -126,19 +144,22 @@ QWidget* spin(const Planned& element) {
     return plain(element, new QSpinBox);
 }
 
-QWidget* comboBox(const Planned& element, bool editable) {
+QComboBox* comboBox() {
     auto* const widget = new QComboBox;
     widget->addItems({"Monthly", "Yearly"});
-    widget->setEditable(editable);
-    return plain(element, widget);
+    return widget;
 }
 
 QWidget* popup(const Planned& element) {
-    return comboBox(element, false);
+    return plain(element, comboBox());
 }
 
 QWidget* combo(const Planned& element) {
-    return comboBox(element, true);
+    QComboBox* const widget = comboBox();
+    widget->setEditable(true);
+    statements.emplace_back(
+        [=] { state(element, widget, {})["text"] = placeOf(widget->lineEdit()); });
+    return widget;
 }
 
 QWidget* menubar(const Planned& element) {
