@@ -183,7 +183,9 @@ void addSurface(Rows& rows, const Truth& truth, const Grid& grid) {
     if (truth.padding) {
         rows.push_back(paddingOf(*truth.padding, grid));
     } else if (truth.frame && (truth.text || !truth.items.empty())) {
-        const Rect content = truth.kind == "group" ? boxAround(truth.items) : *truth.text;
+        const Rect content = truth.items.empty() || (truth.text && truth.kind != "group")
+                                 ? *truth.text
+                                 : boxAround(truth.items);
         rows.push_back(paddingOf(sidesBetween(content, *truth.frame), grid));
     }
 }

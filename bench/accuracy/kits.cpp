@@ -137,8 +137,15 @@ const std::vector<Kit>& kits() {
           {"label cell", "font weight color contrast"}},
          FontSteps::roundedPoints},
         // Paddings are outside of the content boxes that it tells.
-        {"gtk4", showWindow, {{fields, "padding"}, {buttons, "padding"}, {"box row", "padding"}}},
-        {"java", showJava, {}},
+        {"gtk4", showWindow, {{fields, "padding"}, {"button", "padding"}, {"box row", "padding"}}},
+        // It tells no fonts, and what is inside a field or a button neither.
+        {"java",
+         showJava,
+         {{fields, "padding"},
+          {buttons, "padding"},
+          {fields, typography},
+          {buttons, typography},
+          {"label", "font weight color contrast"}}},
     };
     return all;
 }

@@ -122,7 +122,11 @@ GtkWidget* area(const Planned& element) {
 
 GtkWidget* check(const Planned& element) {
     GtkWidget* const widget = gtk_check_button_new_with_label(element.at("text").c_str());
-    statements.emplace_back([=] { state(element, widget, {})["fill"] = "#ffffff"; });
+    statements.emplace_back([=] {
+        Json& stated = state(element, widget, {});
+        stated["fill"] = "#ffffff";
+        stated["items"] = placesOfShown(widget);
+    });
     return widget;
 }
 

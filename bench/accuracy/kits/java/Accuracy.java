@@ -8,7 +8,6 @@ import java.awt.Container;
 import java.awt.Dimension;
 import java.awt.Font;
 import java.awt.Graphics;
-import java.awt.GridLayout;
 import java.awt.Point;
 import java.awt.Rectangle;
 import java.awt.image.BufferedImage;
@@ -71,6 +70,10 @@ public final class Accuracy {
 
     private static Rectangle placeOf(Component component) {
         return placeIn(component, new Rectangle(component.getSize()));
+    }
+
+    private static String listedPlaces(List<? extends Component> components) {
+        return listed(components.stream().map(Accuracy::placeOf).collect(Collectors.toList()));
     }
 
     private static String listed(List<Rectangle> places) {
@@ -144,10 +147,28 @@ public final class Accuracy {
         return component;
     }
 
-    private static Component combo(Map<String, String> element, boolean editable) {
-        JComboBox<String> combo = new JComboBox<>(new String[] {"Monthly", "Yearly"});
-        combo.setEditable(editable);
-        return plain(combo, element);
+    private static JComboBox<String> comboBox() {
+        return new JComboBox<>(new String[] {"Monthly", "Yearly"});
+    }
+
+    /** Of what has a field in it, that is what is found. */
+    private static Component withField(JComponent component, Component field,
+                                       Map<String, String> element) {
+        component.setPreferredSize(new Dimension(number(element, "width"), 30));
+        statements.add(() -> state("entry-" + element.get("id"), placeOf(field), element, ""));
+        return component;
+    }
+
+    private static Component combo(Map<String, String> element) {
+        JComboBox<String> combo = comboBox();
+        combo.setEditable(true);
+        return withField(combo, combo.getEditor().getEditorComponent(), element);
+    }
+
+    private static Component spin(Map<String, String> element) {
+        JSpinner spinner = new JSpinner();
+        return withField(spinner, ((JSpinner.DefaultEditor) spinner.getEditor()).getTextField(),
+                         element);
     }
 
     private static Component menubar(Map<String, String> element) {
@@ -189,28 +210,27 @@ public final class Accuracy {
     private static Component box(Map<String, String> element, boolean across) {
         int padding = number(element, "padding");
         int gap = number(element, "gap");
-        JPanel panel = new JPanel(
-            across ? new GridLayout(1, 0, gap, 0) : new GridLayout(0, 1, 0, gap));
-        panel.setBorder(BorderFactory.createEmptyBorder(padding, padding, padding, padding));
+        Rectangle next = new Rectangle(padding, padding, 64, 20);
+        Rectangle all = new Rectangle(next);
+        JPanel panel = new JPanel(null);
         panel.setBackground(Color.decode(element.get("fill")));
-        int hidden = number(element, "hidden");
         List<JLabel> shown = new ArrayList<>();
         for (int n = 0; n < number(element, "items"); ++n) {
             JLabel item = new JLabel("Item " + n);
             item.setForeground(Color.decode(element.get("color")));
-            item.setPreferredSize(new Dimension(64, 20));
-            item.setVisible(n != hidden);
+            item.setBounds(next);
             panel.add(item);
-            if (n == hidden) {
-                // This layout keeps a place for what is not shown: it goes out of it.
-                item.setBounds(0, 0, 64, 20);
-            } else {
-                shown.add(item);
+            if (n == number(element, "hidden")) {
+                item.setVisible(false);
+                continue;
             }
+            shown.add(item);
+            all = all.union(next);
+            next.translate(across ? next.width + gap : 0, across ? 0 : next.height + gap);
         }
+        panel.setPreferredSize(new Dimension(all.width + 2 * padding, all.height + 2 * padding));
         statements.add(() -> state(
-            element.get("id"), placeOf(panel), element,
-            ",\"items\":" + listed(shown.stream().map(Accuracy::placeOf).collect(Collectors.toList())),
+            element.get("id"), placeOf(panel), element, ",\"items\":" + listedPlaces(shown),
             "fill"));
         return panel;
     }
@@ -258,9 +278,9 @@ public final class Accuracy {
             case "area": return area(element);
             case "check": return plain(new JCheckBox(text), element);
             case "radio": return plain(new JRadioButton(text), element);
-            case "spin": return plain(new JSpinner(), element);
-            case "popup": return combo(element, false);
-            case "combo": return combo(element, true);
+            case "spin": return spin(element);
+            case "popup": return plain(comboBox(), element);
+            case "combo": return combo(element);
             case "menubar": return menubar(element);
             case "list": return list(element);
             case "box": case "panel": return box(element, false);

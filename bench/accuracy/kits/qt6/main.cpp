@@ -107,8 +107,15 @@ QWidget* area(const Planned& element) {
     style(element, widget);
     widget->setFixedHeight(number(element, "height"));
     widget->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    statements.emplace_back(
-        [=] { state(element, widget, styled)["text"] = placeOf(widget->viewport()); });
+    statements.emplace_back([=] {
+        Json& stated = state(element, widget, styled);
+        stated["text"] = placeOf(widget->viewport());
+        // Of other weights it tells which of these is nearest.
+        const int weight = number(element, "weight");
+        if (weight != QFont::Normal && weight != QFont::Bold) {
+            stated.erase("weight");
+        }
+    });
     return widget;
 }
 
