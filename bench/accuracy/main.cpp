@@ -34,17 +34,6 @@ using namespace lumetry;
 using namespace lumetry::accuracy;
 using namespace lumetry::desktop;
 
-/// Declares the desktop's resolution, as its session would before the first application starts.
-void declareScale(const XConnection& server, double scale) {
-    constexpr double dpiOfOne = 96;
-    const std::string resource =
-        "Xft.dpi:\t" + std::to_string(std::lround(dpiOfOne * scale)) + "\n";
-    xcb_change_property(server.get(), XCB_PROP_MODE_REPLACE, server.root(),
-                        XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING, 8,
-                        static_cast<std::uint32_t>(resource.size()), resource.data());
-    server.sync();
-}
-
 /// A tree may be built only once it is asked for, and arrive piece by piece.
 void awaitTree(const PrivateDesktop& desktop, const std::vector<Truth>& truths) {
     constexpr auto patience = std::chrono::seconds(10);
@@ -60,8 +49,8 @@ void run(const Kit& kit, double scale, unsigned seed) {
     DesktopOptions options;
     options.width = static_cast<int>(std::ceil((windowWidth + aroundWindow) * scale));
     options.height = static_cast<int>(std::ceil((windowHeight + aroundWindow) * scale));
+    options.scale = scale;
     PrivateDesktop desktop(options);
-    declareScale(desktop.server(), scale);
     const Shown shown = kit.show(kit, desktop, makePlan(seed), scale);
     const std::vector<Truth> truths = parseTruth(shown.truth, shown.origin, scale);
     awaitTree(desktop, truths);
