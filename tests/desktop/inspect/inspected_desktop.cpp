@@ -29,8 +29,8 @@ bool isAccent(const Bitmap& screen, Pixel at) {
 
 InspectedDesktop::InspectedDesktop(const DesktopOptions& options) : desktop(options) {}
 
-ChildProcess InspectedDesktop::startWidgetFactory() {
-    auto application = desktop.start({"gtk3-widget-factory"});
+ChildProcess InspectedDesktop::startWidgetFactory(const Environment& variables) {
+    auto application = desktop.start({"gtk3-widget-factory"}, variables);
     const auto window = waitForWindow(desktop.server(), hasClass("Gtk3-widget-factory"));
     placeWindow(desktop.server(), window.id, {0, 0, window.bounds.width, window.bounds.height});
     [[maybe_unused]] const auto shown =

@@ -17,7 +17,8 @@ public:
 
     /// Starts gtk3-widget-factory with its window at the top-left and waits until its elements can
     /// be asked for.
-    [[nodiscard]] ChildProcess startWidgetFactory();
+    /// @param variables added to its environment
+    [[nodiscard]] ChildProcess startWidgetFactory(const Environment& variables = {});
     /// Starts the program as it is after the onboarding, and waits until its overlay is shown.
     [[nodiscard]] ChildProcess startLumetry();
 

@@ -138,5 +138,28 @@ TEST_P(OverWidgetFactory, MeasuresTheWindowInFront) {
         }));
 }
 
+TEST(OverADenseScreen, OutlinesInPixelsWhatItMeasuresInPoints) {
+    DesktopOptions options = optionsWith(true);
+    options.width *= 2;
+    options.height *= 2;
+    options.scale = 2;
+    InspectedDesktop inspected(options);
+    const auto application =
+        inspected.startWidgetFactory({{"GDK_SCALE", "2"}, {"GDK_DPI_SCALE", "0.5"}});
+    const auto lumetry = inspected.startLumetry();
+    // GTK tells places in its own units, of which each has as many pixels as a point.
+    const auto points = inspected.tree.waitFor(factory, "check box", "checkbutton").extents();
+    ASSERT_TRUE(points);
+    const Rect pixels = {points->x * 2, points->y * 2, points->width * 2, points->height * 2};
+    inspected.desktop.input().glidePointer(static_cast<int>(pixels.midX()),
+                                           static_cast<int>(pixels.midY()));
+    const auto readout = inspected.overlay.waitForHeader("CheckBox · checkbutton");
+    EXPECT_EQ(readout.value("size"), sizeText(*points));
+    const auto problem = [&] {
+        return outlineProblem(screenshot(inspected.desktop.server()), pixels);
+    };
+    EXPECT_TRUE(waitUntil([&] { return problem().empty(); })) << problem();
+}
+
 } // namespace
 } // namespace lumetry::desktop

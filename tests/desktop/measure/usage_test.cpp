@@ -43,6 +43,8 @@ TEST(MeasureUsage, RefusesWhatMakesNoSense) {
         {{"--image", "some.png"}, "give the point"},
         {{"1", "2", "--image", "some.png", "--to", "3", "4"}, "--help"},
         {{"1", "2", "--image", "/nowhere/some.png"}, "give the path of a PNG"},
+        {{"1", "2", "--scale", "2"}, "--help"},
+        {{"1", "2", "--image", "some.png", "--scale", "0"}, "--help"},
         {{"1", "2"}, "DISPLAY"},
     };
     for (const auto& [arguments, expected] : cases) {
@@ -82,16 +84,23 @@ TEST(MeasureImage, MeasuresAPictureWithoutAnyDesktop) {
     fillRoundedRect(picture, {200, 150, 180, 60}, radius, 0x0F6B5C);
     writePng(picture, file);
 
-    const auto finished = measureWithoutDesktop({"--json", "--image", file.string(), "290", "180"});
-    ASSERT_EQ(finished.status.code, 0) << finished.error;
-    const Json measured = Json::parse(finished.output);
-    // Edges are found to the pixel beside them.
-    const Rect box = {measured["box"][0], measured["box"][1], measured["box"][2],
-                      measured["box"][3]};
-    EXPECT_NEAR(box.minX(), 200, 1);
-    EXPECT_NEAR(box.minY(), 150, 1);
-    EXPECT_NEAR(box.maxX(), 380, 1);
-    EXPECT_NEAR(box.maxY(), 210, 1);
+    Json measured;
+    for (const double scale : {2.0, 1.0}) {
+        const auto number = [scale](int pixels) { return std::to_string(pixels / scale); };
+        const auto finished =
+            measureWithoutDesktop({"--json", "--image", file.string(), number(290), number(180),
+                                   "--scale", std::to_string(scale)});
+        ASSERT_EQ(finished.status.code, 0) << finished.error;
+        measured = Json::parse(finished.output);
+        // Edges are found to the pixel beside them.
+        const Rect box = {measured["box"][0], measured["box"][1], measured["box"][2],
+                          measured["box"][3]};
+        EXPECT_NEAR(box.minX(), 200 / scale, 1);
+        EXPECT_NEAR(box.minY(), 150 / scale, 1);
+        EXPECT_NEAR(box.maxX(), 380 / scale, 1);
+        EXPECT_NEAR(box.maxY(), 210 / scale, 1);
+        EXPECT_EQ(measured["scale"], scale);
+    }
     EXPECT_EQ(measured["window"], nullptr);
     EXPECT_EQ(measured["path"], "image");
     EXPECT_EQ(rowValue(measured, "fill"), "≈ #0F6B5C");

@@ -4,7 +4,9 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdint>
 #include <ostream>
+#include <string>
 
 namespace lumetry::desktop {
 
@@ -49,6 +51,60 @@ TEST(X11Screens, FollowWhenTheyAreRearranged) {
     arrangeMonitors(rig.desktop.server(), {{0, 0, 400, 600}, {400, 0, 400, 600}});
     EXPECT_TRUE(rig.loop.runUntil([&] { return server.screens().size() == 2; }));
     EXPECT_EQ(server.screens().back().frame, (Rect{400, 0, 400, 600}));
+}
+
+/// The settings of a manager that declares that many dots per inch, and nothing else.
+std::string settings(std::uint32_t dotsPerInch) {
+    struct {
+        std::uint8_t byteOrder[4] = {}; // the least significant first
+        std::uint32_t serial = 1;
+        std::uint32_t count = 1;
+        std::uint8_t integer[2] = {};
+        std::uint16_t nameLength = 7;
+        char name[8] = {'X', 'f', 't', '/', 'D', 'P', 'I'};
+        std::uint32_t lastChange = 1;
+        std::uint32_t value;
+    } bytes;
+    bytes.value = dotsPerInch * 1024;
+    return {reinterpret_cast<const char*>(&bytes), sizeof bytes};
+}
+
+TEST(X11Screens, FollowTheScaleThatTheDesktopDeclares) {
+    X11Rig rig;
+    const XConnection& desktop = rig.desktop.server();
+    auto& server = rig.x11().windowServer();
+    const auto becomes = [&](double scale) {
+        return rig.loop.runUntil([&] {
+            const Screen screen = server.screens().front();
+            return screen.backingScaleFactor == scale && screen.frame.width == 800 / scale;
+        });
+    };
+    EXPECT_TRUE(becomes(1));
+    declareScale(desktop, 1.25);
+    EXPECT_TRUE(becomes(1.25));
+    // A settings manager's word counts more, until it ends.
+    const xcb_atom_t selection = desktop.atom("_XSETTINGS_S0");
+    const xcb_atom_t property = desktop.atom("_XSETTINGS_SETTINGS");
+    const auto say = [&](xcb_window_t manager, std::uint32_t dotsPerInch) {
+        const std::string bytes = settings(dotsPerInch);
+        xcb_change_property(desktop.get(), XCB_PROP_MODE_REPLACE, manager, property, property, 8,
+                            static_cast<std::uint32_t>(bytes.size()), bytes.data());
+        xcb_set_selection_owner(desktop.get(), manager, selection, XCB_CURRENT_TIME);
+        desktop.sync();
+    };
+    const auto manager = rig.ownWindow({-9, -9, 1, 1});
+    say(manager, 192);
+    EXPECT_TRUE(becomes(2));
+    say(manager, 144);
+    EXPECT_TRUE(becomes(1.5));
+    const auto another = rig.ownWindow({-9, -9, 1, 1});
+    say(another, 288);
+    EXPECT_TRUE(becomes(3));
+    rig.destroy(another);
+    EXPECT_TRUE(becomes(1.25));
+    xcb_delete_property(desktop.get(), desktop.root(), XCB_ATOM_RESOURCE_MANAGER);
+    desktop.sync();
+    EXPECT_TRUE(becomes(1));
 }
 
 TEST(X11Screens, LeaveOutWhatPanelsKeep) {

@@ -1,6 +1,8 @@
 #include "probe/spacing.h"
 
+#include "probe/ax_access.h"
 #include "support/fake_platform/fake_accessibility.h"
+#include "support/fake_platform/fake_windows.h"
 
 #include <gtest/gtest.h>
 
@@ -146,6 +148,17 @@ TEST(CollectionGap, IsTheTypicalSpaceOfRegularItems) {
          }) {
         EXPECT_EQ(Family(children).gap(), expected) << name;
     }
+}
+
+TEST(CollectionGap, TakesWhatOverlapsByOnePixelForTouching) {
+    Family rows({{0, 0, 9, 33.6}, {0, 32.8, 9, 33.6}, {0, 65.6, 9, 33.6}});
+    EXPECT_EQ(rows.gap(), std::nullopt);
+    FakeWindowServer screen;
+    screen.allScreens = {{{0, 0, 800, 600}, {0, 0, 800, 600}, 1.25}};
+    EXPECT_EQ(collectionGap(rows.accessibility, rows.parent.handle(), frameRounding(screen)),
+              (CollectionGap{0, 3, 34, true}));
+    screen.allScreens.front().backingScaleFactor = 2;
+    EXPECT_EQ(frameRounding(screen), 0);
 }
 
 TEST(Spacing, AsksNoMoreThanItNeedsAndAllAtOnce) {

@@ -170,12 +170,6 @@ TEST_F(Attributes, LeaveOutWhatAComboBoxWouldDropDown) {
     EXPECT_EQ(inWords(children.front().copyAttributeValue("AXTitle")), "\"button\"");
 }
 
-TEST_F(Attributes, AreMeasuredFromThePrimaryDisplay) {
-    windows.space.origin = {1920, 100};
-    const auto shown = element(object("x", {2000, 150, 30, 40}));
-    EXPECT_EQ(inWords(shown.copyAttributeValue("AXPosition")), "point 80.000000 50.000000");
-}
-
 TEST_F(Attributes, AreAskedOnceWhileAnswersAreKept) {
     const auto window =
         element(object("window", {0, 0, 9, 9}, {"/a", "/b"}),

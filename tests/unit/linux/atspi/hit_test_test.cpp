@@ -340,6 +340,35 @@ TEST_F(Hits, CountFromTheWindowInGtk4) {
     }
 }
 
+TEST_F(Hits, FindAGtk4PopoverByItsSize) {
+    const auto inside = [](const char* title, const std::array<std::int32_t, 4>& place,
+                           std::vector<std::string> children = {}) {
+        ScriptedObject object = test::object(title, place, children);
+        object.states = std::uint64_t{1} << ATSPI_STATE_VISIBLE;
+        object.childAt = [](int, int) { return ""; };
+        return object;
+    };
+    // It is said to lie where the button does that has opened it.
+    auto& application =
+        start(windowWith(inside("window", {0, 0, 780, 580}, {"/button"}),
+                         {{"/button", inside("Menu", {20, 30, 40, 30}, {"/popover"})},
+                          {"/popover", inside("popover", {20, 30, 200, 120}, {"/entry"})},
+                          {"/entry", inside("About", {30, 40, 180, 30})}},
+                         "GTK"));
+    windows.windows = {{2, application.pid(), {300, 100, 200, 120}, true, {300, 100, 200, 120}},
+                       {1, application.pid(), {0, 0, 800, 600}, false, {0, 0, 800, 600}}};
+    for (const double x : {300, 350}) {
+        windows.windows.front().bounds.x = windows.windows.front().client.x = x;
+        const auto entry = hit(application, static_cast<float>(x + 50), 120);
+        ASSERT_TRUE(entry);
+        EXPECT_EQ(entry->copyAttributeValue("AXTitle")->as<std::string>(), "About");
+        EXPECT_EQ(entry->copyAttributeValue("AXPosition")->as<Point>(), (Point{x + 10, 110}));
+    }
+    const auto button = hit(application, 35, 50);
+    ASSERT_TRUE(button);
+    EXPECT_EQ(button->copyAttributeValue("AXPosition")->as<Point>(), (Point{30, 40}));
+}
+
 TEST_F(Hits, AskLittleOfALongList) {
     using Place = std::array<std::int32_t, 4>;
     constexpr int items = 300;

@@ -1,4 +1,5 @@
 #include "platform/linux/atspi/placement.h"
+#include "platform/linux/atspi/whole_points.h"
 
 #include "atspi_test.h"
 
@@ -30,32 +31,87 @@ TEST(Placement, ScaleIsToldByAWindowThatIsReportedSmaller) {
     }
 }
 
-TEST_F(AtspiTest, ScaledApplicationsAreHitAndMeasuredInPixels) {
-    const ScriptedTree tree = windowWith(object("window", {0, 0, 400, 300}, {"/button"}),
-                                         {{"/button", object("button", {100, 50, 60, 20})}});
-    auto& application = start(tree);
-    showWindow(application);
-    EXPECT_EQ(titleAt(application, 210, 110), "button");
-    EXPECT_EQ(titleAt(application, 190, 110), "window");
-    const auto button = hit(application, 210, 110);
-    ASSERT_TRUE(button);
-    EXPECT_EQ(button->copyAttributeValue("AXPosition")->as<Point>(), (Point{200, 100}));
-    EXPECT_EQ(button->copyAttributeValue("AXSize")->as<Size>(), (Size{120, 40}));
+TEST(Placement, FindsTheWholePointsThatWereRounded) {
+    using atspi::onWholePoints;
+    using atspi::Rounding;
+    struct Case {
+        std::string name;
+        Rect reported;
+        Rounding rounding;
+        double scale;
+        Rect points; ///< from the window's origin
+    };
+    constexpr Point origin = {7, 3};
+    for (const auto& [name, reported, rounding, scale, points] : {
+             // As Chromium and Firefox tell them of the same page.
+             Case{"outward", {758, 24, 152, 52}, Rounding::outward, 1.25, {601, 17, 121, 41}},
+             Case{"nearest", {758, 24, 152, 52}, Rounding::nearest, 1.25, {601, 17, 121, 41}},
+             Case{"an exact edge", {19, 18, 375, 10}, Rounding::outward, 1.25, {10, 12, 299, 8}},
+             Case{"none below", {7, 157, 188, 29}, Rounding::outward, 1.25, {0, 123.2, 150, 23.2}},
+             Case{"a hairline", {8, 4, 1, 1}, Rounding::nearest, 1.25, {0.8, 0.8, 0.8, 0.8}},
+             Case{"whole pixels", {9, 4, 3, 5}, Rounding::outward, 2, {1, 0.5, 1.5, 2.5}},
+             Case{"not rounded", {8, 4, 152, 52}, Rounding::none, 1.25, {0.8, 0.8, 121.6, 41.6}},
+         }) {
+        const Rect found = onWholePoints(reported, rounding, origin, scale);
+        EXPECT_NEAR((found.x - origin.x) / scale, points.x, 1e-9) << name;
+        EXPECT_NEAR((found.y - origin.y) / scale, points.y, 1e-9) << name;
+        EXPECT_NEAR(found.width / scale, points.width, 1e-9) << name;
+        EXPECT_NEAR(found.height / scale, points.height, 1e-9) << name;
+    }
 }
 
-// Its windows are reported in scaled units, its pages in pixels.
-TEST_F(AtspiTest, ScaledChromiumIsHitInPixels) {
-    const ScriptedTree tree =
-        windowWith(object("window", {0, 0, 400, 300}, {"/button"}),
-                   {{"/button", object("button", {200, 100, 120, 40})}}, "Chromium");
-    auto& application = start(tree);
-    showWindow(application);
-    const auto button = hit(application, 210, 110);
+// Programs and the desktop count in units of different sizes.
+TEST_F(AtspiTest, EveryApplicationIsHitAndMeasuredInPoints) {
+    struct Case {
+        const char* toolkit;
+        std::array<std::int32_t, 4> window;
+        std::array<std::int32_t, 4> button;
+        Point asked; ///< where the button is hit, as the application takes it
+    };
+    // Of the button's 60 × 20 points at 100, 50, on a screen of twice the density.
+    for (const Case& each : {
+             Case{"gtk", {0, 0, 400, 300}, {100, 50, 60, 20}, {105, 55}},
+             Case{"Qt", {0, 0, 800, 600}, {200, 100, 120, 40}, {210, 110}},
+             Case{"Gecko", {0, 0, 400, 300}, {100, 50, 60, 20}, {210, 110}},
+             // Its windows are reported in scaled units, its pages in pixels.
+             Case{"Chromium", {0, 0, 400, 300}, {200, 100, 120, 40}, {210, 110}},
+         }) {
+        SCOPED_TRACE(each.toolkit);
+        accessibility = std::make_unique<AtspiAccessibility>(windows, loop);
+        windows.windows.clear();
+        windows.space.scale = 2;
+        ScriptedObject window = object("window", each.window, {"/button"});
+        Point asked;
+        window.childAt = [&asked](int x, int y) {
+            asked = {static_cast<double>(x), static_cast<double>(y)};
+            return "/button";
+        };
+        auto& application =
+            start(windowWith(window, {{"/button", object("button", each.button)}}, each.toolkit));
+        windows.windows = {{1, application.pid(), {0, 0, 400, 300}, false, {0, 0, 400, 300}}};
+        const auto button = hit(application, 105, 55);
+        ASSERT_TRUE(button);
+        EXPECT_EQ(button->copyAttributeValue("AXPosition")->as<Point>(), (Point{100, 50}));
+        EXPECT_EQ(button->copyAttributeValue("AXSize")->as<Size>(), (Size{60, 20}));
+    }
+}
+
+TEST_F(AtspiTest, FramesOfJavaAreWhereTheirWindowsAre) {
+    ScriptedObject frame = object("frame", {-1, -1, -1, -1}, {"/rootPane"});
+    ScriptedObject pane = object("pane", {50, 40, 200, 100}, {"/button"});
+    pane.childAt = [](int, int) { return "/rootPane"; };
+    auto& application = start(
+        windowWith(frame, {{"/rootPane", pane}, {"/button", object("Save", {60, 50, 30, 20})}},
+                   "J2SE-access-bridge"));
+    windows.windows = {{1, application.pid(), {100, 60, 402, 224}, false, {101, 81, 400, 200}}};
+    const auto button = hit(application, 130, 110);
     ASSERT_TRUE(button);
-    EXPECT_EQ(button->copyAttributeValue("AXSize")->as<Size>(), (Size{120, 40}));
-    const auto window = hit(application, 790, 590);
-    ASSERT_TRUE(window);
-    EXPECT_EQ(window->copyAttributeValue("AXSize")->as<Size>(), (Size{800, 600}));
+    EXPECT_EQ(button->copyAttributeValue("AXTitle")->as<std::string>(), "Save");
+    EXPECT_EQ(button->copyAttributeValue("AXPosition")->as<Point>(), (Point{121, 101}));
+    EXPECT_EQ(button->copyAttributeValue("AXSize")->as<Size>(), (Size{60, 40}));
+    const auto title = hit(application, 130, 65);
+    ASSERT_TRUE(title);
+    EXPECT_EQ(title->copyAttributeValue("AXSize")->as<Size>(), (Size{402, 224}));
 }
 
 } // namespace

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
+#include <optional>
 #include <vector>
 
 namespace lumetry::x11 {
@@ -75,6 +77,28 @@ TEST(ScreenLayout, TheWorkAreaCountsOnlyForOneScreenWithoutPanels) {
     EXPECT_EQ(describeScreens(one, panel, workArea).front().visibleFrame, (Rect{0, 10, 1000, 790}));
     EXPECT_EQ(describeScreens(two, {}, workArea).front().visibleFrame, (Rect{0, 0, 500, 800}));
     EXPECT_EQ(describeScreens(one, {}, Rect{}).front().visibleFrame, (Rect{0, 0, 1000, 800}));
+}
+
+TEST(ScreenLayout, CountsPointsFromThePrimaryScreen) {
+    // One above the other, the lower one primary.
+    const ScreenLayout layout = {
+        {0, 0, 1920, 2160}, {{0, 1080, 1920, 1080}, {0, 0, 1920, 1080}}, 1.5};
+    const auto screens = describeScreens(layout, {}, std::nullopt);
+    EXPECT_EQ(screens[0].frame, (Rect{0, 0, 1280, 720}));
+    EXPECT_EQ(screens[1].frame, (Rect{0, 720, 1280, 720}));
+    EXPECT_EQ(screens[1].backingScaleFactor, 1.5);
+    const Rect button = {150, 60, 45, 30};
+    EXPECT_EQ(layout.space().toAccessibility(button), (Rect{100, -680, 30, 20}));
+    EXPECT_EQ(layout.toScreenSpace(button), (Rect{100, 1380, 30, 20}));
+    // Pixels come back as they were, whatever the scale.
+    for (const double scale : {1.1, 1.25, 1.75, 3.0}) {
+        const ScreenLayout any = {layout.root, layout.screens, scale};
+        for (double edge = 1; edge < 1920; edge += 7) {
+            const Rect rect = {edge, edge / 2 - 0.5, 1921 - edge, 13};
+            const Rect whole = {rect.x, std::floor(rect.y), rect.width, rect.height};
+            EXPECT_EQ(any.fromScreenSpace(any.toScreenSpace(whole)), whole) << scale;
+        }
+    }
 }
 
 } // namespace
