@@ -27,14 +27,16 @@ std::string countsText(const std::vector<Sample>& samples) {
 
 } // namespace
 
-void reportHover(int width, int height) {
+void reportHover(int width, int height, int scale) {
     desktop::DesktopOptions options;
     options.width = width;
     options.height = height;
+    options.scale = scale;
     desktop::PrivateDesktop desktop(options);
-    const WidgetFactory factory(desktop);
-    // The same points whatever the screen's size.
-    const auto points = gridOver(intersect(factory.window, {0, 0, 1280, 800}));
+    const WidgetFactory factory(desktop, scale);
+    // The same points whatever the screen's size. Those of the application are as large.
+    const Rect window = {0, 0, factory.window.width / scale, factory.window.height / scale};
+    const auto points = gridOver(intersect(window, {0, 0, 1280, 800}));
 
     BareCalls warmUp;
     probeBare(desktop, WidgetFactory::name, points, warmUp);
@@ -44,7 +46,8 @@ void reportHover(int width, int height) {
     probeBare(desktop, WidgetFactory::name, points, bare);
 
     const Cost bareCost = costOf(bare.microseconds);
-    std::printf("%d x %d, %zu points over %s\n", width, height, points.size(), WidgetFactory::name);
+    std::printf("%d x %d at %d, %zu points over %s\n", width, height, scale, points.size(),
+                WidgetFactory::name);
     std::printf("  %-26s %-19s   %-19s   requests / waits / X round trips\n", "",
                 "median (to bare)", "95 % (to bare)");
     std::array<char, 64> calls{};

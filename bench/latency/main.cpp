@@ -28,6 +28,7 @@ int main(int argc, char** argv) {
         if (wanted("hover")) {
             reportHover(1280, 800);
             reportHover(5120, 2880);
+            reportHover(2560, 1600, 2);
         }
         if (wanted("buckets")) {
             reportBuckets();

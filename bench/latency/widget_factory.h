@@ -12,7 +12,8 @@ public:
     static constexpr const char* name = "gtk3-widget-factory";
 
     /// Returns once its elements can be asked for.
-    explicit WidgetFactory(desktop::PrivateDesktop& desktop);
+    /// @param scale pixels for each point
+    explicit WidgetFactory(desktop::PrivateDesktop& desktop, int scale = 1);
 
 private:
     desktop::ChildProcess process_;
