@@ -6,6 +6,7 @@
 
 #include <limits>
 #include <map>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -43,6 +44,10 @@ struct ServerCase {
     std::vector<std::string> arguments;
     int tolerance; ///< of a colour's components
     bool sharesMemory;
+
+    friend std::ostream& operator<<(std::ostream& out, const ServerCase& each) {
+        return out << each.name;
+    }
 };
 
 class X11CaptureOn : public testing::TestWithParam<ServerCase> {};

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -75,6 +76,10 @@ struct LayerCase {
     std::vector<std::string_view> types;
     std::vector<std::string_view> states;
     std::optional<int> layer; ///< absent: not in the list
+
+    friend std::ostream& operator<<(std::ostream& out, const LayerCase& each) {
+        return out << each.name;
+    }
 };
 
 class X11WindowLayer : public testing::TestWithParam<LayerCase> {};
