@@ -37,22 +37,69 @@ std::optional<std::pair<double, std::string_view>> leadingNumber(std::string_vie
     return std::pair(number, std::string_view(end, text.data() + text.size()));
 }
 
-/// A font size in pixels; sizes without a unit are points.
-std::optional<double> pixelsOf(std::string_view size) {
+/// The even one of two whole numbers of pixels that become that many whole points.
+double usualPixels(double points, double pixels) {
+    constexpr double pointsPerPixel = 72.0 / 96;
+    const double smaller = pixels - 1;
+    const bool isEven = std::fmod(smaller, 2) == 0;
+    return isEven && std::round(smaller * pointsPerPixel) == points ? smaller : pixels;
+}
+
+/// A font size in whole pixels; sizes without a unit are points.
+std::optional<double> pixelsOf(std::string_view size, const FontHabits& habits, double scale) {
     constexpr double pixelsPerPoint = 96.0 / 72;
-    // Points are told in tenths, so that a whole number of pixels comes out that much beside it.
-    constexpr double tellingError = 0.07;
     constexpr double largest = 10000;
     const auto number = leadingNumber(size);
     if (!number || number->first <= 0 || number->first > largest) {
         return std::nullopt;
     }
-    if (number->second.starts_with("px")) {
-        return number->first;
+    const bool inPixels = number->second.starts_with("px");
+    double pixels = std::round(number->first * (inPixels ? 1 : pixelsPerPoint) * scale);
+    if (!inPixels && habits.roundsPoints) {
+        pixels = usualPixels(number->first, pixels);
     }
-    const double pixels = number->first * pixelsPerPoint;
-    const double whole = std::round(pixels);
-    return whole > 0 && std::abs(pixels - whole) <= tellingError ? whole : pixels;
+    return pixels > 0 ? std::optional(pixels) : std::nullopt;
+}
+
+/// The factor of the size that is told, of those that can be one.
+double scaleOf(const TextAttributes& attributes) {
+    constexpr double largest = 100;
+    const auto scale = leadingNumber(valueOf(attributes, {"scale"}).value_or(""));
+    return scale && scale->first > 0 && scale->first <= largest ? scale->first : 1;
+}
+
+struct WeightStep {
+    double told = 0;
+    std::string_view styleSheet;
+};
+
+constexpr std::array libreOfficeWeights = std::to_array<WeightStep>({
+    {4, "100"},   {8, "200"},   {12, "300"},  {16, "300"},  {20, "400"},
+    {24, "500"},  {28, "600"},  {32, "700"},  {36, "800"},  {40, "900"},
+    {200, "100"}, {240, "200"}, {300, "300"}, {360, "300"}, {400, "400"},
+    {440, "600"}, {600, "700"}, {700, "800"}, {800, "900"},
+});
+
+/// Labels of LibreOffice: their weights end before those of its texts begin.
+constexpr double heaviestLabel = 40;
+
+/// The same with its weight and, of labels, its size as in style sheets.
+TextAttributes fromLibreOffice(TextAttributes attributes) {
+    const auto weight = attributes.find("weight");
+    const auto number = weight == attributes.end() ? std::nullopt : leadingNumber(weight->second);
+    const auto* const step =
+        number ? std::ranges::find(libreOfficeWeights, number->first, &WeightStep::told)
+               : libreOfficeWeights.end();
+    if (step == libreOfficeWeights.end()) {
+        attributes.erase("weight");
+        return attributes;
+    }
+    weight->second = step->styleSheet;
+    const auto size = attributes.find("size");
+    if (step->told <= heaviestLabel && size != attributes.end()) {
+        size->second += "px";
+    }
+    return attributes;
 }
 
 /// The name of a weight in a font's name; empty for none.
@@ -158,7 +205,10 @@ std::string familyOf(std::string_view family) {
 
 } // namespace
 
-AXDictionary runAttributes(const TextAttributes& attributes) {
+AXDictionary runAttributes(const TextAttributes& told, const FontHabits& habits) {
+    const TextAttributes attributes =
+        habits.weights == FontHabits::Weights::ofLibreOffice ? fromLibreOffice(told) : told;
+    const double scale = habits.scalesSize ? scaleOf(attributes) : 1;
     AXDictionary font;
     std::string family = familyOf(valueOf(attributes, {"family-name", "font-family"}).value_or(""));
     std::string weight(weightName(valueOf(attributes, {"weight", "font-weight"}).value_or("")));
@@ -170,7 +220,8 @@ AXDictionary runAttributes(const TextAttributes& attributes) {
     if (!family.empty()) {
         font.insert_or_assign("AXFontFamily", AXValue(family));
     }
-    if (const auto size = pixelsOf(valueOf(attributes, {"size", "font-size"}).value_or(""))) {
+    if (const auto size =
+            pixelsOf(valueOf(attributes, {"size", "font-size"}).value_or(""), habits, scale)) {
         font.insert_or_assign("AXFontSize", AXValue(AXNumber{*size}));
     }
     if (!weight.empty()) {

@@ -2,6 +2,7 @@
 
 #include "platform/ax_value.h"
 
+#include <cstdint>
 #include <map>
 #include <string>
 
@@ -11,9 +12,24 @@ namespace lumetry::atspi {
 /// "Inter", "size" to "10.5pt", "weight" to "700" and "fg-color" to "30,144,255".
 using TextAttributes = std::map<std::string, std::string, std::less<>>;
 
-/// The same as attributes of an attributed string: "AXFont" with family, size in pixels and, where
-/// the weight is told, a font name that contains it; "AXForegroundColor". What is not told, or
-/// makes no sense, is left out.
-[[nodiscard]] AXDictionary runAttributes(const TextAttributes& attributes);
+/// What toolkits mean by some of that.
+struct FontHabits {
+    /// Sizes are told in points without their fractions. Some of those are what two whole numbers
+    /// of pixels become, of which the even one is the usual one.
+    bool roundsPoints = false;
+    /// "scale" is that of the size; elsewhere it is something else or not told.
+    bool scalesSize = false;
+    /// In which numbers weights are told.
+    enum class Weights : std::uint8_t {
+        ofStyleSheets, ///< 400 is regular, 700 bold
+        ofLibreOffice, ///< four times its own: of texts 100 is regular and 150 bold, of labels, of
+                       ///< which the size is told in pixels, 5 and 8
+    } weights = Weights::ofStyleSheets;
+};
+
+/// The same as attributes of an attributed string: "AXFont" with family, size in whole pixels and,
+/// where the weight is told, a font name that contains it; "AXForegroundColor". What is not told,
+/// or makes no sense, is left out.
+[[nodiscard]] AXDictionary runAttributes(const TextAttributes& told, const FontHabits& habits = {});
 
 } // namespace lumetry::atspi

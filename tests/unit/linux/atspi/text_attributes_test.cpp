@@ -10,8 +10,8 @@ namespace lumetry::atspi {
 namespace {
 
 /// "family/name/size; r g b" of what the attributes become; "-" for what is left out.
-std::string described(const TextAttributes& attributes) {
-    const AXDictionary run = runAttributes(attributes);
+std::string described(const TextAttributes& attributes, const FontHabits& habits = {}) {
+    const AXDictionary run = runAttributes(attributes, habits);
     std::string text;
     const auto font = run.find("AXFont");
     if (font != run.end()) {
@@ -54,7 +54,7 @@ TEST(TextAttributes, BecomeAFontAndAColour) {
           {"size", "10"},
           {"weight", "400"},
           {"fg-color", "65535,0,32896"}},
-         "Sans/Sans-Regular/1333 255 0 128"},
+         "Sans/Sans-Regular/1300 255 0 128"},
         // As in style sheets.
         {{{"font-family", "\"DejaVu Sans\", serif"},
           {"font-size", "13px"},
@@ -73,12 +73,48 @@ TEST(TextAttributes, BecomeAFontAndAColour) {
         // What makes no sense is left out.
         {{{"family-name", " "}, {"size", "huge"}, {"weight", "-1"}, {"fg-color", "red"}}, ""},
         {{{"size", "-10pt"}, {"fg-color", "1,2"}}, ""},
-        {{{"family-name", "Inter"}, {"size", "0.01pt"}}, "Inter/-/1"},
+        {{{"family-name", "Inter"}, {"size", "0.01pt"}}, "Inter/-/-"},
         {{{"size", "1e999"}, {"fg-color", "70000,0,0"}, {"weight", "nan"}}, ""},
         {{}, ""},
     };
     for (const auto& [attributes, expected] : cases) {
         EXPECT_EQ(described(attributes), expected);
+    }
+}
+
+TEST(TextAttributes, AreUnderstoodAsTheToolkitMeansThem) {
+    constexpr FontHabits gtk{.scalesSize = true};
+    constexpr FontHabits gecko{.roundsPoints = true};
+    constexpr FontHabits libreOffice{.weights = FontHabits::Weights::ofLibreOffice};
+    const struct {
+        TextAttributes attributes;
+        const FontHabits& habits;
+        std::string expected;
+    } cases[] = {
+        // Whole points of 11 and 15 pixels.
+        {{{"size", "8"}}, gtk, "-/-/1100"},
+        {{{"size", "11"}}, gtk, "-/-/1500"},
+        {{{"size", "10"}, {"scale", "1.2"}}, gtk, "-/-/1600"},
+        {{{"size", "10"}, {"scale", "0.833333"}}, gtk, "-/-/1100"},
+        {{{"size", "10"}, {"scale", "0"}}, gtk, "-/-/1300"},
+        {{{"size", "10"}, {"scale", "1e300"}}, gtk, "-/-/1300"},
+        {{{"size", "10"}, {"scale", "x"}}, gtk, "-/-/1300"},
+        {{{"size", "8"}}, gecko, "-/-/1000"}, // or 11
+        {{{"size", "9"}}, gecko, "-/-/1200"},
+        {{{"size", "10"}}, gecko, "-/-/1300"},
+        {{{"size", "11"}}, gecko, "-/-/1400"}, // or 15
+        {{{"size", "13"}}, gecko, "-/-/1700"},
+        {{{"size", "14"}}, gecko, "-/-/1800"}, // or 19
+        // Only the width of the letters.
+        {{{"size", "12"}, {"scale", "1.5"}, {"weight", "600"}}, libreOffice, "-/Bold/1600"},
+        {{{"size", "11.5"}, {"weight", "440"}}, libreOffice, "-/SemiBold/1500"},
+        // Its labels.
+        {{{"size", "12"}, {"scale", "0"}, {"weight", "20"}}, libreOffice, "-/Regular/1200"},
+        {{{"size", "12"}, {"weight", "123"}}, libreOffice, "-/-/1600"},
+        {{}, libreOffice, ""},
+    };
+    for (const auto& [attributes, habits, expected] : cases) {
+        EXPECT_EQ(described(attributes, habits), expected);
     }
 }
 
