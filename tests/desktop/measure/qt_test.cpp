@@ -92,8 +92,8 @@ TEST(MeasureQt, SaysOfItsWidgetsWhatTheyAreAndWhere) {
     };
     const std::vector<Widget> widgets = {
         {"label", "StaticText · Quarterly prices"}, {"Express", "Button · Express"},
-        {"line", "TextField · Ada Lovelace"},       {"note", "TextField · Two lines\nof a note"},
-        {"check", "CheckBox · Gift wrap"},          {"choice", "ComboBox · Monthly"},
+        {"line", "TextField · Ada Lovelace"},       {"note", "TextArea · Two lines\nof a note"},
+        {"check", "CheckBox · Gift wrap"},          {"choice", "PopUpButton · Monthly"},
     };
     for (const auto& [name, header] : widgets) {
         const Json json = measured.measureAt(form.middleOf(name));

@@ -1,6 +1,7 @@
 #include "platform/linux/atspi/answers.h"
 
 #include "platform/linux/atspi/requests.h"
+#include "platform/linux/atspi/tables.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -56,8 +57,17 @@ std::vector<Asked> Answers::unanswered(const Replies& known,
     return {next.begin(), next.end()};
 }
 
-/// False once it is known that the object does not implement what it takes.
-bool Answers::isUnderstood(const Replies& known, const Asked& question) {
+/// False once it is known that the object does not implement what it takes. The children of tables
+/// that are made of cells are too many to be asked for.
+bool Answers::isUnderstood(const Replies& known, const Asked& question) const {
+    if (question.question == Question::children) {
+        const auto told = [&](Question fact) {
+            const auto reply = known.find({question.object, fact});
+            return reply == known.end() ? Reply() : reply->second;
+        };
+        return !isMadeOfCells(told(Question::role), told(Question::interfaces),
+                              toolkits_.habitsFor(question.object));
+    }
     const auto interface = interfaceFor(question.question);
     const auto reply = known.find({question.object, Question::interfaces});
     return !interface || reply == known.end() ||
@@ -67,6 +77,13 @@ bool Answers::isUnderstood(const Replies& known, const Asked& question) {
 /// What has to be known of the object before it can be asked that.
 std::optional<Asked> Answers::neededFor(const Replies& known, const Asked& question) const {
     const Asked interfaces{question.object, Question::interfaces};
+    if (question.question == Question::children &&
+        toolkits_.habitsFor(question.object).tablesHoldCells) {
+        const Asked role{question.object, Question::role};
+        return !known.contains(interfaces) ? std::optional(interfaces)
+               : !known.contains(role)     ? std::optional(role)
+                                           : std::nullopt;
+    }
     // What is on screen has a place: that is not worth an exchange of its own.
     const bool depends = interfaceFor(question.question) && question.question != Question::extents;
     if (depends && !known.contains(interfaces)) {

@@ -38,7 +38,7 @@ private:
 
     [[nodiscard]] std::vector<Asked> unanswered(const Replies& known,
                                                 std::span<const Asked> questions) const;
-    [[nodiscard]] static bool isUnderstood(const Replies& known, const Asked& question);
+    [[nodiscard]] bool isUnderstood(const Replies& known, const Asked& question) const;
     [[nodiscard]] std::optional<Asked> neededFor(const Replies& known, const Asked& question) const;
     [[nodiscard]] Message request(const Replies& known, const Asked& question) const;
 

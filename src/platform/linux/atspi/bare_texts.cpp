@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "platform/linux/atspi/requests.h"
+#include "platform/linux/atspi/roles.h"
 #include "platform/linux/atspi/states.h"
 
 #include <algorithm>
@@ -74,16 +75,20 @@ std::vector<BareText> piecesOf(std::string_view text, std::size_t markerLength) 
 
 /// Whether what the object holds is typed, or chosen instead of typed: the room around that belongs
 /// to it.
-bool isField(const Reply& role, const Reply& states) {
+bool isField(const Reply& role, const Reply& states, const Habits& habits) {
     constexpr std::array fields = {ATSPI_ROLE_ENTRY, ATSPI_ROLE_PASSWORD_TEXT,
                                    ATSPI_ROLE_SPIN_BUTTON, ATSPI_ROLE_EDITBAR};
-    return hasState(statesOf(states).value_or(0), ATSPI_STATE_EDITABLE) ||
+    return (hasState(statesOf(states).value_or(0), ATSPI_STATE_EDITABLE) &&
+            !habits.editsDocuments) ||
            std::ranges::find(fields, integerOf(role)) != fields.end();
 }
 
-bool isLeafAroundText(const Reply& role, const Reply& children) {
-    const auto inside = referencesOf(children);
-    return integerOf(role) != ATSPI_ROLE_STATIC && inside && inside->empty();
+/// Whether the object is nothing but its text, or a field whatever its states.
+bool isText(const Reply& role) {
+    constexpr std::array<std::string_view, 7> texts = {"AXStaticText", "AXHeading",  "AXLink",
+                                                       "AXTextField",  "AXTextArea", "AXComboBox",
+                                                       "AXIncrementor"};
+    return std::ranges::find(texts, axRole(integerOf(role).value_or(-1))) != texts.end();
 }
 
 /// Chromium rounds the place of a text and that of what is around it, each by itself. The widths of
@@ -107,27 +112,35 @@ std::string withoutPlaceholders(std::string_view text) {
 
 std::vector<BareText> BareTexts::in(const ObjectReference& object, Deadline deadline) {
     const Toolkit toolkit = toolkits_.of(object);
-    if (!habitsOf(toolkit).bareTexts) {
+    const Habits& habits = habitsOf(toolkit);
+    const bool onlyOfLeaves = habits.bareTexts == Habits::BareTexts::ofLeaves;
+    // In Chromium nearly all objects have a text, which is read in any case.
+    if (onlyOfLeaves && toolkit != Toolkit::chromium && !mayHoldText(object, deadline)) {
         return {};
     }
     std::vector<Asked> questions = {{object, Question::text},
                                     {object, Question::characterCount},
                                     {object, Question::states},
                                     {object, Question::role}};
+    if (onlyOfLeaves) {
+        questions.push_back({object, Question::children});
+    }
     if (toolkit == Toolkit::chromium) {
         // The last two are asked along: they are shown of nearly every element.
-        questions.insert(questions.end(), {{object, Question::children},
-                                           {object, Question::extents},
-                                           {object, Question::name},
-                                           {object, Question::value}});
+        questions.insert(
+            questions.end(),
+            {{object, Question::extents}, {object, Question::name}, {object, Question::value}});
     }
     const auto replies = answers_.ask(questions, deadline);
     const auto& role = replies[3];
-    if (isField(role, replies[2])) {
+    if (isField(role, replies[2], habits)) {
         return {};
     }
-    if (toolkit == Toolkit::chromium && !isLeafAroundText(role, replies[4])) {
-        return {};
+    if (onlyOfLeaves) {
+        const auto children = referencesOf(replies[4]);
+        if (integerOf(role) == ATSPI_ROLE_STATIC || !children || !children->empty()) {
+            return {};
+        }
     }
     const auto count = integerOf(replies[1]).value_or(0);
     if (count > longestText) {
@@ -140,7 +153,7 @@ std::vector<BareText> BareTexts::in(const ObjectReference& object, Deadline dead
                                   deadline));
     const std::string_view told = text ? std::string_view(*text) : std::string_view();
     auto pieces = piecesOf(told, integerOf(role) == ATSPI_ROLE_LIST_ITEM ? markerLength(told) : 0);
-    if (toolkit == Toolkit::gecko || pieces.empty()) {
+    if (toolkit != Toolkit::chromium || pieces.empty()) {
         return placed(object, std::move(pieces), deadline);
     }
     awaitPlaces(object, pieces.front(), deadline);
@@ -151,6 +164,14 @@ std::vector<BareText> BareTexts::in(const ObjectReference& object, Deadline dead
         }
     }
     return pieces;
+}
+
+/// By what is known of the object once it has been hit: most have no text, or are nothing but that.
+bool BareTexts::mayHoldText(const ObjectReference& object, Deadline deadline) {
+    const auto replies = answers_.ask(
+        std::array{Asked{object, Question::role}, Asked{object, Question::interfaces}}, deadline);
+    return !isText(replies[0]) &&
+           interfacesOf(replies[1]).value_or(Interfaces()).contains(Interface::text);
 }
 
 /// The pieces that have a place, with it.

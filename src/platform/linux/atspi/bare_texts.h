@@ -35,12 +35,13 @@ public:
     BareTexts(AtspiBus& bus, Answers& answers, const Toolkits& toolkits)
         : bus_(bus), answers_(answers), toolkits_(toolkits) {}
 
-    /// The pieces of an object's text that have no objects: of Gecko all, of Chromium the only one
-    /// in a button. None where the text is to be typed over: the room that belongs to it is larger
-    /// than what is typed so far.
+    /// The pieces of an object's text that have no objects: of Gecko all, of others the only one in
+    /// an object without children, such as a button or a cell. None where the text is to be typed
+    /// over: the room that belongs to it is larger than what is typed so far.
     [[nodiscard]] std::vector<BareText> in(const ObjectReference& object, Deadline deadline);
 
 private:
+    [[nodiscard]] bool mayHoldText(const ObjectReference& object, Deadline deadline);
     [[nodiscard]] std::vector<BareText> placed(const ObjectReference& object,
                                                std::vector<BareText> pieces, Deadline deadline);
     void awaitPlaces(const ObjectReference& object, const BareText& text, Deadline deadline);

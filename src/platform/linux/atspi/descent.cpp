@@ -75,7 +75,6 @@ Descent descendByAsking(Inquiry& inquiry, const TopLevel& topLevel,
         current = std::move(*next);
         next = referenceOf(inquiry.reply({current, About::childAtPoint}));
     }
-    inquiry.use(current, alwaysRead);
     return {Outcome::answered, std::move(current)};
 }
 
@@ -130,18 +129,11 @@ Descent descendByLooking(Inquiry& inquiry, const TopLevel& topLevel,
         }
         current = std::move(*child);
     }
-    inquiry.use(current, alwaysRead);
     return {Outcome::answered, std::move(current)};
 }
 
-} // namespace
-
-Descent descend(Inquiry& inquiry, Popovers& popovers, const TopLevel& topLevel) {
-    const Reply& reply = inquiry.reply({topLevel.object, About::childAtPoint});
-    if (reply.outcome != Outcome::answered) {
-        return {reply.outcome, std::nullopt};
-    }
-    auto child = referenceOf(reply);
+Descent descendInto(Inquiry& inquiry, Popovers& popovers, const TopLevel& topLevel,
+                    std::optional<ObjectReference> child) {
     switch (topLevel.toolkit) {
     case Toolkit::chromium:
         return descendByLooking(inquiry, topLevel, std::move(child));
@@ -152,6 +144,7 @@ Descent descend(Inquiry& inquiry, Popovers& popovers, const TopLevel& topLevel) 
         // Its root panes answer with themselves.
         return descendByLooking(inquiry, topLevel, topLevel.object);
     case Toolkit::gtk:
+    case Toolkit::libreOffice:
         return descendThroughGtk(inquiry, popovers, topLevel, std::move(child));
     case Toolkit::gecko:
     case Toolkit::qt:
@@ -159,6 +152,20 @@ Descent descend(Inquiry& inquiry, Popovers& popovers, const TopLevel& topLevel) 
         break;
     }
     return descendByAsking(inquiry, topLevel, std::move(child));
+}
+
+} // namespace
+
+Descent descend(Inquiry& inquiry, Popovers& popovers, const TopLevel& topLevel) {
+    const Reply& reply = inquiry.reply({topLevel.object, About::childAtPoint});
+    if (reply.outcome != Outcome::answered) {
+        return {reply.outcome, std::nullopt};
+    }
+    Descent descent = descendInto(inquiry, popovers, topLevel, referenceOf(reply));
+    if (descent.object) {
+        inquiry.use(*descent.object, alwaysRead);
+    }
+    return descent;
 }
 
 } // namespace lumetry::atspi

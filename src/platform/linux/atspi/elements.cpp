@@ -4,6 +4,7 @@
 #include "platform/linux/atspi/placement.h"
 #include "platform/linux/atspi/roles.h"
 #include "platform/linux/atspi/states.h"
+#include "platform/linux/atspi/tables.h"
 #include "platform/linux/atspi/text_attributes.h"
 #include "platform/linux/atspi/waking.h"
 
@@ -28,6 +29,9 @@ std::optional<std::string> shownText(const Reply& beginning) {
     const auto characters = textOf(beginning);
     return characters ? std::optional(withoutPlaceholders(*characters)) : std::nullopt;
 }
+
+/// Lists that are longer are not measured.
+constexpr std::size_t mostChildrenMeasured = 300;
 
 /// The application's parent, the list of all applications, is no part of its tree.
 bool isDesktop(const ObjectReference& object, const ObjectReference& child) {
@@ -109,8 +113,9 @@ std::optional<AXValue> ObjectElement::copyAttributeValue(std::string_view attrib
     }
     const auto replies = ask(questions);
     if (attribute == "AXRole") {
-        const auto role = integerOf(replies.front());
-        return role ? std::optional<AXValue>(std::string(axRole(*role))) : std::nullopt;
+        const auto role = axRoleOf(context().answers, context().toolkits.habitsFor(object_),
+                                   object_, context().hitTest.isWindow(object_), deadline());
+        return role ? std::optional<AXValue>(std::string(*role)) : std::nullopt;
     }
     if (attribute == "AXTitle") {
         return axValue(textOf(replies.front()));
@@ -154,8 +159,9 @@ ObjectElement::copyParameterizedAttributeValue(std::string_view attribute,
     text->text = std::move(*characters);
     if (const auto attributes = attributesOf(replies[1])) {
         // The attributes of its first character are those of the whole string here.
-        text->runs.push_back(
-            {{0, range->length}, std::make_shared<AXDictionary>(runAttributes(*attributes))});
+        text->runs.push_back({{0, range->length},
+                              std::make_shared<AXDictionary>(runAttributes(
+                                  *attributes, context().toolkits.habitsFor(object_).fonts))});
     }
     return AXValue(std::shared_ptr<const AXAttributedString>(std::move(text)));
 }
@@ -204,13 +210,21 @@ AXUIElement ObjectElement::relative(ObjectReference object) const {
 }
 
 std::optional<AXValue> ObjectElement::children(const Reply& reply, const Reply& role) const {
+    if (isMadeOfCells(role, context().answers.ask({object_, Question::interfaces}, deadline()),
+                      context().toolkits.habitsFor(object_))) {
+        return rows();
+    }
     auto references = referencesOf(reply);
     if (!references) {
         return std::nullopt;
     }
-    if (integerOf(role) == ATSPI_ROLE_COMBO_BOX) {
-        // What it would drop down is told to be in it, though nothing of that is to be seen.
-        removeUnseen(*references);
+    // Of more children nothing is measured; and an application may list windows without a place.
+    if (references->size() <= mostChildrenMeasured && integerOf(role) != ATSPI_ROLE_APPLICATION) {
+        const auto unseen = context().toolkits.habitsFor(object_).unseenChildren;
+        // What a combo box would drop down is told to be in it by every toolkit.
+        const bool dropsDown = integerOf(role) == ATSPI_ROLE_COMBO_BOX;
+        removeUnseen(*references,
+                     dropsDown && unseen == Habits::Unseen::none ? Habits::Unseen::any : unseen);
     }
     const auto texts = context().hitTest.bareTextsIn(object_, deadline());
     auto text = texts.begin();
@@ -229,17 +243,48 @@ std::optional<AXValue> ObjectElement::children(const Reply& reply, const Reply& 
     return elements;
 }
 
-void ObjectElement::removeUnseen(std::vector<ObjectReference>& objects) const {
+std::optional<AXValue> ObjectElement::rows() const {
+    const auto rows = rowsSeenOf(context().answers, object_, deadline());
+    if (!rows) {
+        return std::nullopt;
+    }
+    std::vector<AXUIElement> elements;
+    for (const TableRow& row : *rows) {
+        elements.emplace_back(std::make_shared<RowElement>(context(), object_, pid_, row));
+    }
+    return elements;
+}
+
+/// Takes out those that are not to be seen, as far as they are among those that are measured.
+void ObjectElement::removeUnseen(std::vector<ObjectReference>& objects,
+                                 Habits::Unseen unseen) const {
+    constexpr std::size_t mostFrames = 60;
+    if (unseen == Habits::Unseen::none) {
+        return;
+    }
+    const std::size_t count = std::min(objects.size(), mostFrames);
     std::vector<Asked> asked;
-    asked.reserve(objects.size());
-    for (const ObjectReference& object : objects) {
-        asked.push_back({object, Question::states});
+    for (std::size_t index = 0; index < count; ++index) {
+        asked.push_back({objects[index], Question::extents});
+    }
+    if (unseen == Habits::Unseen::any) {
+        for (std::size_t index = 0; index < count; ++index) {
+            asked.push_back({objects[index], Question::states});
+        }
     }
     const auto replies = context().answers.ask(asked, deadline());
+    const auto isSeen = [&](std::size_t index) {
+        const auto extents = extentsOf(replies[index]);
+        if (!extents || !extents->isSomewhere()) {
+            return false;
+        }
+        const auto states =
+            index + count < replies.size() ? statesOf(replies[index + count]) : std::nullopt;
+        return !states || hasState(*states, context().toolkits.habitsFor(objects[index]).shown);
+    };
     std::vector<ObjectReference> seen;
     for (std::size_t index = 0; index < objects.size(); ++index) {
-        const auto states = statesOf(replies[index]);
-        if (!states || hasState(*states, ATSPI_STATE_SHOWING)) {
+        if (index >= count || isSeen(index)) {
             seen.push_back(std::move(objects[index]));
         }
     }
@@ -307,6 +352,33 @@ bool TextElement::isSameElement(const AXUIElementBackend& other) const {
     const auto* text = dynamic_cast<const TextElement*>(&other);
     return text != nullptr && text->owner_->isSameElement(*owner_) &&
            text->text_.start == text_.start;
+}
+
+std::optional<AXValue> RowElement::copyAttributeValue(std::string_view attribute) const {
+    if (attribute == "AXRole") {
+        return "AXRow";
+    }
+    if (attribute == "AXParent") {
+        return AXUIElement(table_);
+    }
+    if (attribute == "AXPosition" || attribute == "AXSize") {
+        return place(attribute, row_.place, table_->object());
+    }
+    if (attribute != "AXChildren") {
+        return std::nullopt;
+    }
+    std::vector<AXUIElement> cells;
+    for (ObjectReference& cell :
+         cellsOf(context().answers, table_->object(), row_.row, deadline())) {
+        cells.emplace_back(
+            std::make_shared<ObjectElement>(context(), std::move(cell), table_->getPid()));
+    }
+    return cells;
+}
+
+bool RowElement::isSameElement(const AXUIElementBackend& other) const {
+    const auto* row = dynamic_cast<const RowElement*>(&other);
+    return row != nullptr && row->table_->isSameElement(*table_) && row->row_.row == row_.row;
 }
 
 std::optional<AXValue> ApplicationElement::copyAttributeValue(std::string_view attribute) const {

@@ -5,6 +5,8 @@
 #include "platform/linux/atspi/answers.h"
 #include "platform/linux/atspi/context.h"
 #include "platform/linux/atspi/object_reference.h"
+#include "platform/linux/atspi/tables.h"
+#include "platform/linux/atspi/toolkits.h"
 
 #include <sys/types.h>
 
@@ -72,7 +74,8 @@ private:
                                                                    const Reply& beginning);
     [[nodiscard]] std::optional<AXValue> parent(const Reply& reply) const;
     [[nodiscard]] std::optional<AXValue> children(const Reply& reply, const Reply& role) const;
-    void removeUnseen(std::vector<ObjectReference>& objects) const;
+    [[nodiscard]] std::optional<AXValue> rows() const;
+    void removeUnseen(std::vector<ObjectReference>& objects, Habits::Unseen unseen) const;
 
     ObjectReference object_;
     std::optional<pid_t> pid_;
@@ -98,6 +101,24 @@ public:
 private:
     std::shared_ptr<ObjectElement> owner_;
     BareText text_;
+};
+
+/// A row of a table, as a child of its own where the application has objects for its cells only.
+class RowElement final : public Element {
+public:
+    RowElement(Context& context, const ObjectReference& table, std::optional<pid_t> pid,
+               const TableRow& row)
+        : Element(context), table_(std::make_shared<ObjectElement>(context, table, pid)),
+          row_(row) {}
+
+    [[nodiscard]] std::optional<AXValue>
+    copyAttributeValue(std::string_view attribute) const override;
+    [[nodiscard]] std::optional<pid_t> getPid() const override { return table_->getPid(); }
+    [[nodiscard]] bool isSameElement(const AXUIElementBackend& other) const override;
+
+private:
+    std::shared_ptr<ObjectElement> table_;
+    TableRow row_;
 };
 
 /// A process, whether or not it is an application on the bus.

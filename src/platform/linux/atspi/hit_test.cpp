@@ -2,6 +2,7 @@
 
 #include "platform/linux/atspi/descent.h"
 #include "platform/linux/atspi/popup_search.h"
+#include "platform/linux/atspi/roles.h"
 #include "platform/linux/atspi/text_behind.h"
 
 #include <array>
@@ -24,6 +25,13 @@ std::optional<ObjectReference> childAtPointOf(const ObjectReference& object,
                                               const Inquiry& inquiry) {
     const Reply* reply = inquiry.known({object, Inquiry::About::childAtPoint});
     return reply ? referenceOf(*reply) : std::nullopt;
+}
+
+Inquiry::About aboutOf(Question question) {
+    using About = Inquiry::About;
+    return question == Question::parent   ? About::parent
+           : question == Question::states ? About::states
+                                          : About::children;
 }
 
 } // namespace
@@ -79,6 +87,9 @@ std::optional<ObjectReference> HitTest::objectIn(const DesktopWindow& window, pi
             askAboutLastWay(inquiry);
         }
         Descent descent = descend(inquiry, popovers_, *topLevel);
+        if (descent.object && *descent.object != topLevel->object) {
+            askWhatTellsRole(inquiry, *descent.object, habitsOf(topLevel->toolkit));
+        }
         // Of one that was too slow, too: the next hit test begins where this one ended.
         if (descent.object || descent.outcome == Outcome::silent) {
             keepWhatHelps(inquiry, *topLevel);
@@ -100,6 +111,39 @@ std::optional<ObjectReference> HitTest::objectIn(const DesktopWindow& window, pi
         }
     }
     return std::nullopt;
+}
+
+/// Asks what tells what that object is, unless it was asked along on the last way; together with
+/// what is shown of nearly every element, so that nothing waits longer for it.
+void HitTest::askWhatTellsRole(Inquiry& inquiry, const ObjectReference& object,
+                               const Habits& habits) {
+    inquiry.tell(answers_);
+    const auto role = integerOf(inquiry.reply({object, Inquiry::About::role})).value_or(-1);
+    std::vector<Asked> asked;
+    for (const Question question : questionsForRole(role, habits)) {
+        const Inquiry::Query query{object, aboutOf(question)};
+        if (!inquiry.known(query)) {
+            asked.push_back({object, question});
+        } else {
+            static_cast<void>(inquiry.reply(query));
+        }
+    }
+    if (const auto missing = asked.size(); missing > 0 && answers_.keeps()) {
+        for (const Question shown : {Question::name, Question::text, Question::characterCount,
+                                     Question::value, Question::children}) {
+            asked.push_back({object, shown});
+        }
+        auto replies = answers_.ask(asked, inquiry.deadline());
+        for (std::size_t index = 0; index < missing; ++index) {
+            inquiry.take({object, aboutOf(asked[index].question)}, std::move(replies[index]));
+        }
+    }
+    const Reply* parent = dependsOnParentsRole(role, habits)
+                              ? inquiry.known({object, Inquiry::About::parent})
+                              : nullptr;
+    if (const auto around = parent != nullptr ? referenceOf(*parent) : std::nullopt) {
+        inquiry.use(*around, {Inquiry::About::role});
+    }
 }
 
 /// Chromium keeps the entries of a drop-down in the page, below the element that it drops from.

@@ -53,6 +53,10 @@ public:
     }
     /// The window of the last hit, without its decorations, in pixels of the root window.
     [[nodiscard]] const Rect& lastClient() const { return lastClient_; }
+    /// Whether that object stands for the window that was hit last.
+    [[nodiscard]] bool isWindow(const ObjectReference& object) const {
+        return object == lastTopLevel_;
+    }
     [[nodiscard]] std::vector<BareText> bareTextsIn(const ObjectReference& object,
                                                     Deadline deadline) {
         return bareTexts_.in(object, deadline);
@@ -63,6 +67,7 @@ private:
                                                           Point point, Deadline deadline);
     [[nodiscard]] std::optional<ObjectReference> contentOfHollowPopup(pid_t pid, Pixel at,
                                                                       Deadline deadline);
+    void askWhatTellsRole(Inquiry& inquiry, const ObjectReference& object, const Habits& habits);
     void askAboutLastWay(Inquiry& inquiry);
     void keepWhatHelps(const Inquiry& inquiry, const TopLevel& topLevel);
 

@@ -88,6 +88,11 @@ void Inquiry::use(const ObjectReference& object, std::initializer_list<About> ab
     }
 }
 
+void Inquiry::take(const Query& query, Reply reply) {
+    known_.insert_or_assign(query, Known{std::move(reply), true});
+    used_.push_back(query);
+}
+
 void Inquiry::tell(Answers& answers) const {
     for (const auto& [query, known] : known_) {
         if (query.about != About::childAtPoint) {

@@ -61,6 +61,9 @@ public:
     /// Asks together whatever of that has not been asked yet, as what the answer rests on.
     void use(const ObjectReference& object, std::initializer_list<About> about);
 
+    /// A reply that was got in another way, as what the answer rests on.
+    void take(const Query& query, Reply reply);
+
     /// The queries whose replies were used, in the order they were first used.
     [[nodiscard]] const std::vector<Query>& used() const { return used_; }
     /// Keeps there whatever is known of objects by now.

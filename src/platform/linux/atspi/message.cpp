@@ -3,6 +3,7 @@
 #include "base/text.h"
 
 #include <array>
+#include <limits>
 #include <string_view>
 #include <utility>
 
@@ -117,6 +118,11 @@ bool Extents::contains(std::int32_t pointX, std::int32_t pointY) const {
     return within(pointX, x, width) && within(pointY, y, height);
 }
 
+bool Extents::isSomewhere() const {
+    constexpr std::int32_t nowhere = std::numeric_limits<std::int32_t>::min();
+    return width > 0 && height > 0 && x != nowhere && y != nowhere;
+}
+
 std::optional<std::string> textOf(const Reply& reply) {
     return Values(reply).text();
 }
@@ -189,8 +195,10 @@ std::optional<TextAttributes> attributesOf(const Reply& reply) {
 }
 
 std::optional<Interfaces> interfacesOf(const Reply& reply) {
-    constexpr std::array<std::pair<std::string_view, Interface>, 3> names = {
+    constexpr std::array<std::pair<std::string_view, Interface>, 5> names = {
         {{"org.a11y.atspi.Component", Interface::component},
+         {"org.a11y.atspi.EditableText", Interface::editableText},
+         {"org.a11y.atspi.Table", Interface::table},
          {"org.a11y.atspi.Text", Interface::text},
          {"org.a11y.atspi.Value", Interface::value}}};
     Values values(reply);

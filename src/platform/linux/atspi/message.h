@@ -40,10 +40,12 @@ struct Extents {
     std::int32_t height = 0;
 
     [[nodiscard]] bool contains(std::int32_t pointX, std::int32_t pointY) const;
+    /// Whether it is one: what is not shown has no size, or is as far away as numbers go.
+    [[nodiscard]] bool isSomewhere() const;
 };
 
 /// What an object can be asked besides what all objects can.
-enum class Interface : std::uint8_t { component, text, value };
+enum class Interface : std::uint8_t { component, editableText, table, text, value };
 
 struct Interfaces {
     std::uint8_t bits = 0;

@@ -15,13 +15,21 @@ std::optional<Interface> interfaceFor(Question question) {
     case Question::attributeRun:
         return Interface::text;
     case Question::extents:
+    case Question::objectAtPoint:
         return Interface::component;
+    case Question::rowCount:
+    case Question::columnCount:
+    case Question::rowAtIndex:
+    case Question::columnAtIndex:
+    case Question::cell:
+        return Interface::table;
     case Question::interfaces:
     case Question::role:
     case Question::name:
     case Question::parent:
     case Question::children:
     case Question::states:
+    case Question::indexInParent:
         break;
     }
     return std::nullopt;
@@ -50,11 +58,25 @@ Message requestFor(const Asked& asked, AtspiCoordType coordinates) {
     case Question::text:
         return getText(asked.object, 0, textBeginningCharacters);
     case Question::textPart:
-        return getText(asked.object, asked.start, asked.end);
+        return getText(asked.object, asked.first, asked.second);
     case Question::textPlace:
-        return getRangeExtents(asked.object, asked.start, asked.end, coordinates);
+        return getRangeExtents(asked.object, asked.first, asked.second, coordinates);
     case Question::attributeRun:
-        return getAttributeRun(asked.object, asked.start);
+        return getAttributeRun(asked.object, asked.first);
+    case Question::indexInParent:
+        return getIndexInParent(asked.object);
+    case Question::rowCount:
+        return getRowCount(asked.object);
+    case Question::columnCount:
+        return getColumnCount(asked.object);
+    case Question::rowAtIndex:
+        return getRowAtIndex(asked.object, asked.first);
+    case Question::columnAtIndex:
+        return getColumnAtIndex(asked.object, asked.first);
+    case Question::cell:
+        return getCell(asked.object, asked.first, asked.second);
+    case Question::objectAtPoint:
+        return getAccessibleAtPoint(asked.object, asked.first, asked.second, coordinates);
     }
     return nullptr;
 }

@@ -29,20 +29,27 @@ enum class Question : std::uint8_t {
     textPart,     ///< those characters
     textPlace,    ///< around those characters
     attributeRun, ///< how the first of those characters is set, and what holds for the whole text
+    indexInParent,
+    rowCount, ///< of a table
+    columnCount,
+    rowAtIndex, ///< of its child with that number
+    columnAtIndex,
+    cell,          ///< its cell in that row and column
+    objectAtPoint, ///< the innermost or some object around it there
 };
 
 struct Asked {
     ObjectReference object;
     Question question = Question::role;
-    /// @{ The characters that are meant, from start to before end; only where a question is of
-    /// some.
-    std::int32_t start = 0;
-    std::int32_t end = 0;
+    /// @{ What is meant: characters, from the first to before the second; a row and a column; a
+    /// point; a child's number. Only where a question is of such.
+    std::int32_t first = 0;
+    std::int32_t second = 0;
     /// @}
 
     friend bool operator<(const Asked& a, const Asked& b) {
-        return std::tie(a.object, a.question, a.start, a.end) <
-               std::tie(b.object, b.question, b.start, b.end);
+        return std::tie(a.object, a.question, a.first, a.second) <
+               std::tie(b.object, b.question, b.first, b.second);
     }
 };
 

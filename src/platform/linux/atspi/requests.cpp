@@ -5,6 +5,7 @@ namespace {
 
 constexpr const char* accessible = "org.a11y.atspi.Accessible";
 constexpr const char* component = "org.a11y.atspi.Component";
+constexpr const char* tableInterface = "org.a11y.atspi.Table";
 constexpr const char* text = "org.a11y.atspi.Text";
 constexpr const char* value = "org.a11y.atspi.Value";
 constexpr const char* application = "org.a11y.atspi.Application";
@@ -127,6 +128,30 @@ Message getCharacterCount(const ObjectReference& object) {
 
 Message getCurrentValue(const ObjectReference& object) {
     return getProperty(object, value, "CurrentValue");
+}
+
+Message getIndexInParent(const ObjectReference& object) {
+    return methodCall(object, accessible, "GetIndexInParent");
+}
+
+Message getRowCount(const ObjectReference& table) {
+    return getProperty(table, tableInterface, "NRows");
+}
+
+Message getColumnCount(const ObjectReference& table) {
+    return getProperty(table, tableInterface, "NColumns");
+}
+
+Message getRowAtIndex(const ObjectReference& table, std::int32_t index) {
+    return methodCallWith(table, tableInterface, "GetRowAtIndex", index);
+}
+
+Message getColumnAtIndex(const ObjectReference& table, std::int32_t index) {
+    return methodCallWith(table, tableInterface, "GetColumnAtIndex", index);
+}
+
+Message getCell(const ObjectReference& table, std::int32_t row, std::int32_t column) {
+    return methodCallWith(table, tableInterface, "GetAccessibleAt", row, column);
 }
 
 Message getToolkitName(const ObjectReference& root) {

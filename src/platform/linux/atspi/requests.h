@@ -30,6 +30,13 @@ namespace lumetry::atspi {
 [[nodiscard]] Message getAttributeRun(const ObjectReference& object, std::int32_t offset);
 [[nodiscard]] Message getCharacterCount(const ObjectReference& object);
 [[nodiscard]] Message getCurrentValue(const ObjectReference& object);
+[[nodiscard]] Message getIndexInParent(const ObjectReference& object);
+[[nodiscard]] Message getRowCount(const ObjectReference& table);
+[[nodiscard]] Message getColumnCount(const ObjectReference& table);
+/// Where a cell is; the index is its number among the table's children.
+[[nodiscard]] Message getRowAtIndex(const ObjectReference& table, std::int32_t index);
+[[nodiscard]] Message getColumnAtIndex(const ObjectReference& table, std::int32_t index);
+[[nodiscard]] Message getCell(const ObjectReference& table, std::int32_t row, std::int32_t column);
 /// Which toolkit an application is built with; asked of its root.
 [[nodiscard]] Message getToolkitName(const ObjectReference& root);
 /// @}

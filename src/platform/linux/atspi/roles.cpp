@@ -1,7 +1,10 @@
 #include "platform/linux/atspi/roles.h"
 
+#include "platform/linux/atspi/states.h"
+
 #include <atspi/atspi.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 
@@ -163,6 +166,34 @@ static_assert(isInOrder(), "a role is missing or stands in the wrong place");
 /// Came to AT-SPI later.
 constexpr std::int64_t roleSwitch = 130;
 
+constexpr std::string_view windowRole = "AXWindow";
+
+/// What a menu or an entry of one is by the role of what it is in.
+std::string_view roleInside(std::int64_t role, std::optional<std::int64_t> parent) {
+    if (parent == ATSPI_ROLE_MENU_BAR) {
+        return "AXMenuBarItem";
+    }
+    const bool inMenu = parent == ATSPI_ROLE_MENU || parent == ATSPI_ROLE_POPUP_MENU;
+    return inMenu ? "AXMenuItem" : axRole(role);
+}
+
+/// Whether one of a combo box's children is to be typed in; the only one is what drops down.
+bool holdsEntry(Answers& answers, const Reply& children, Deadline deadline) {
+    constexpr std::size_t mostChildren = 8;
+    const auto inside = referencesOf(children);
+    if (!inside || inside->size() < 2 || inside->size() > mostChildren) {
+        return false;
+    }
+    std::vector<Asked> asked;
+    for (const ObjectReference& child : *inside) {
+        asked.push_back({child, Question::role});
+    }
+    return std::ranges::any_of(answers.ask(asked, deadline), [](const Reply& reply) {
+        const auto role = integerOf(reply);
+        return role == ATSPI_ROLE_TEXT || role == ATSPI_ROLE_ENTRY;
+    });
+}
+
 } // namespace
 
 std::string_view axRole(std::int64_t role) {
@@ -172,6 +203,79 @@ std::string_view axRole(std::int64_t role) {
     return role >= 0 && role < static_cast<std::int64_t>(roleTable.size())
                ? roleTable[static_cast<std::size_t>(role)].axRole
                : "AXUnknown";
+}
+
+std::vector<Question> questionsForRole(std::int64_t role, const Habits& habits) {
+    switch (role) {
+    case ATSPI_ROLE_MENU:
+    case ATSPI_ROLE_MENU_ITEM:
+        return dependsOnParentsRole(role, habits) ? std::vector{Question::parent}
+                                                  : std::vector<Question>();
+    case ATSPI_ROLE_TEXT:
+    case ATSPI_ROLE_ENTRY:
+        return {Question::states};
+    case ATSPI_ROLE_SPIN_BUTTON:
+        return habits.statesTellEditable ? std::vector{Question::states} : std::vector<Question>();
+    case ATSPI_ROLE_COMBO_BOX:
+        return {habits.statesTellEditable ? Question::states : Question::children};
+    default:
+        return axRole(role) == windowRole ? std::vector{Question::parent} : std::vector<Question>();
+    }
+}
+
+bool dependsOnParentsRole(std::int64_t role, const Habits& habits) {
+    return role == ATSPI_ROLE_MENU || (role == ATSPI_ROLE_MENU_ITEM && !habits.barEntriesAreMenus);
+}
+
+std::optional<std::string_view> axRoleOf(Answers& answers, const Habits& habits,
+                                         const ObjectReference& object, bool isWindow,
+                                         Deadline deadline) {
+    const auto role = integerOf(answers.ask({object, Question::role}, deadline));
+    if (!role) {
+        return std::nullopt;
+    }
+    std::vector<Asked> asked;
+    for (const Question question : questionsForRole(*role, habits)) {
+        asked.push_back({object, question});
+    }
+    const auto replies = answers.ask(asked, deadline);
+    const Reply first = replies.empty() ? Reply() : replies.front();
+    const auto has = [&](AtspiStateType state) {
+        return hasState(statesOf(first).value_or(0), state);
+    };
+    const auto implementsEditableText = [&] {
+        return interfacesOf(answers.ask({object, Question::interfaces}, deadline))
+            .value_or(Interfaces())
+            .contains(Interface::editableText);
+    };
+    switch (*role) {
+    case ATSPI_ROLE_MENU:
+    case ATSPI_ROLE_MENU_ITEM: {
+        const auto parent = referenceOf(first);
+        return parent
+                   ? roleInside(*role, integerOf(answers.ask({*parent, Question::role}, deadline)))
+                   : axRole(*role);
+    }
+    case ATSPI_ROLE_TEXT:
+    case ATSPI_ROLE_ENTRY:
+        return has(ATSPI_STATE_MULTI_LINE) ? "AXTextArea" : axRole(*role);
+    case ATSPI_ROLE_SPIN_BUTTON:
+        return (habits.statesTellEditable ? has(ATSPI_STATE_EDITABLE) : implementsEditableText())
+                   ? "AXTextField"
+                   : axRole(*role);
+    case ATSPI_ROLE_COMBO_BOX:
+        return (habits.statesTellEditable ? has(ATSPI_STATE_EDITABLE)
+                                          : holdsEntry(answers, first, deadline))
+                   ? axRole(*role)
+                   : "AXPopUpButton";
+    default:
+        break;
+    }
+    if (axRole(*role) == windowRole && !isWindow) {
+        const auto parent = referenceOf(first);
+        return parent && parent->path != ATSPI_DBUS_PATH_ROOT ? "AXGroup" : windowRole;
+    }
+    return axRole(*role);
 }
 
 } // namespace lumetry::atspi

@@ -5,7 +5,10 @@
 
 namespace lumetry::atspi {
 
-Toolkit toolkitNamed(std::string_view name) {
+Toolkit toolkitNamed(std::string_view name, std::string_view application) {
+    if (application == "soffice") {
+        return Toolkit::libreOffice; // whichever toolkit draws its windows
+    }
     constexpr std::array<std::pair<std::string_view, Toolkit>, 6> names = {
         {{"gtk", Toolkit::gtk}, // up to version 3
          {"GTK", Toolkit::gtk4},
@@ -22,21 +25,39 @@ Toolkit toolkitNamed(std::string_view name) {
 }
 
 const Habits& habitsOf(Toolkit toolkit) {
+    using Unseen = Habits::Unseen;
     static constexpr Habits standard;
-    static constexpr Habits gtk{.clipsText = true};
+    static constexpr Habits gtk{.unseenChildren = Unseen::withoutPlace,
+                                .clipsText = true,
+                                .barEntriesAreMenus = true,
+                                .fonts = {.scalesSize = true}};
     // Its widgets are never said to be showing, only to be visible.
     static constexpr Habits gtk4{.coordinates = ATSPI_COORD_TYPE_WINDOW,
-                                 .shown = ATSPI_STATE_VISIBLE};
-    static constexpr Habits chromium{
-        .clipsText = true, .rounding = Rounding::outward, .bareTexts = true};
-    static constexpr Habits gecko{
-        .hitsInPixels = true, .rounding = Rounding::nearest, .bareTexts = true};
+                                 .shown = ATSPI_STATE_VISIBLE,
+                                 .tablesHoldCells = false};
+    static constexpr Habits libreOffice{.editsDocuments = true,
+                                        .fonts = {.weights = FontHabits::Weights::ofLibreOffice}};
+    static constexpr Habits chromium{.unseenChildren = Unseen::none,
+                                     .clipsText = true,
+                                     .rounding = Rounding::outward,
+                                     .tablesHoldCells = false,
+                                     .statesTellEditable = true};
+    static constexpr Habits gecko{.unseenChildren = Unseen::none,
+                                  .hitsInPixels = true,
+                                  .rounding = Rounding::nearest,
+                                  .bareTexts = Habits::BareTexts::all,
+                                  .tablesHoldCells = false,
+                                  .statesTellEditable = true,
+                                  .fonts = {.roundsPoints = true}};
+    static constexpr Habits qt{.unseenChildren = Unseen::withoutPlace};
     static constexpr Habits java{.placelessFrames = true};
     switch (toolkit) {
     case Toolkit::gtk:
         return gtk;
     case Toolkit::gtk4:
         return gtk4;
+    case Toolkit::libreOffice:
+        return libreOffice;
     case Toolkit::chromium:
         return chromium;
     case Toolkit::gecko:
@@ -44,6 +65,7 @@ const Habits& habitsOf(Toolkit toolkit) {
     case Toolkit::java:
         return java;
     case Toolkit::qt:
+        return qt;
     case Toolkit::other:
         break;
     }

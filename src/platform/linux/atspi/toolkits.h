@@ -2,6 +2,7 @@
 
 #include "platform/linux/atspi/object_reference.h"
 #include "platform/linux/atspi/whole_points.h"
+#include "platform/linux/atspi/text_attributes.h"
 
 #include <atspi/atspi.h>
 
@@ -13,10 +14,10 @@
 namespace lumetry::atspi {
 
 /// What an application is built with, as far as its answers differ.
-enum class Toolkit : std::uint8_t { gtk, gtk4, chromium, gecko, qt, java, other };
+enum class Toolkit : std::uint8_t { gtk, gtk4, libreOffice, chromium, gecko, qt, java, other };
 
-/// By the name that an application's root gives.
-[[nodiscard]] Toolkit toolkitNamed(std::string_view name);
+/// By the names that an application's root gives of its toolkit and of itself.
+[[nodiscard]] Toolkit toolkitNamed(std::string_view name, std::string_view application);
 
 /// What applications of a toolkit are used to.
 struct Habits {
@@ -25,6 +26,12 @@ struct Habits {
     AtspiCoordType coordinates = ATSPI_COORD_TYPE_SCREEN;
     /// The state of what is to be seen.
     AtspiStateType shown = ATSPI_STATE_SHOWING;
+    /// Which of an object's children that are not to be seen are listed among them.
+    enum class Unseen : std::uint8_t {
+        none,
+        withoutPlace, ///< those of which no place is told
+        any,          ///< also those that keep a place
+    } unseenChildren = Unseen::any;
     /// Asked for more text than there is they give what there is, without a word in their logs.
     bool clipsText = false;
     /// Takes the points of hit tests in pixels, whatever units it reports places in.
@@ -33,8 +40,20 @@ struct Habits {
     Rounding rounding = Rounding::none;
     /// Its frames do not say where they are, but what fills them does.
     bool placelessFrames = false;
-    /// Some texts have no objects of their own.
-    bool bareTexts = false;
+    /// Which texts have no objects of their own.
+    enum class BareTexts : std::uint8_t {
+        ofLeaves, ///< those of objects without children that are no texts themselves
+        all,
+    } bareTexts = BareTexts::ofLeaves;
+    /// All that a document holds can be typed over, and yet is no field.
+    bool editsDocuments = false;
+    /// The children of a table are its cells, and no object stands for a row.
+    bool tablesHoldCells = true;
+    /// Entries of a menu bar are menus even where nothing drops down from them.
+    bool barEntriesAreMenus = false;
+    /// Whether something can be typed in is told by states, not by what is implemented or inside.
+    bool statesTellEditable = false;
+    FontHabits fonts = {};
 };
 
 [[nodiscard]] const Habits& habitsOf(Toolkit toolkit);

@@ -113,15 +113,17 @@ std::vector<TopLevel> TopLevels::topLevelsOf(pid_t pid, Deadline deadline) {
     for (const ObjectReference& root : roots) {
         requests.push_back(getChildren(root));
         requests.push_back(getToolkitName(root));
+        requests.push_back(getName(root));
     }
     const auto replies = bus_.exchange(std::move(requests), deadline);
     std::vector<TopLevel> topLevels;
     for (std::size_t index = 0; index < roots.size(); ++index) {
-        const Reply& children = replies[2 * index];
+        const Reply& children = replies[3 * index];
         if (children.outcome == Outcome::gone) {
             processes_.forget(roots[index].name);
         }
-        const Toolkit toolkit = toolkitNamed(textOf(replies[2 * index + 1]).value_or(""));
+        const Toolkit toolkit = toolkitNamed(textOf(replies[3 * index + 1]).value_or(""),
+                                             textOf(replies[3 * index + 2]).value_or(""));
         toolkits_.remember(roots[index].name, toolkit);
         for (ObjectReference& child :
              referencesOf(children).value_or(std::vector<ObjectReference>())) {

@@ -25,30 +25,11 @@ TEST(Roles, AreAllRolesThatExist) {
     }
 }
 
-TEST(Roles, OfWhatPeoplePointAt) {
-    struct Case {
-        std::int64_t role;
-        std::string_view expected;
-    };
-    for (const auto& [role, expected] : {
-             Case{ATSPI_ROLE_PUSH_BUTTON, "AXButton"},
-             Case{ATSPI_ROLE_TOGGLE_BUTTON, "AXToggle"},
-             Case{ATSPI_ROLE_ENTRY, "AXTextField"},
-             Case{ATSPI_ROLE_STATIC, "AXStaticText"},
-             Case{ATSPI_ROLE_LABEL, "AXStaticText"},
-             Case{ATSPI_ROLE_DOCUMENT_WEB, "AXWebArea"},
-             Case{ATSPI_ROLE_TREE_TABLE, "AXOutline"},
-             Case{ATSPI_ROLE_CHECK_MENU_ITEM, "AXMenuItem"},
-             Case{ATSPI_ROLE_PUSH_BUTTON_MENU, "AXMenuButton"},
-             Case{ATSPI_ROLE_DIALOG, "AXWindow"},
-             Case{ATSPI_ROLE_FILLER, "AXGroup"},
-             Case{130, "AXSwitch"},
-             Case{ATSPI_ROLE_INVALID, "AXUnknown"},
-             Case{-1, "AXUnknown"},
-             Case{100'000, "AXUnknown"},
-             Case{std::numeric_limits<std::int64_t>::max(), "AXUnknown"},
-         }) {
-        EXPECT_EQ(axRole(role), expected) << role;
+TEST(Roles, ThatAreUnknownOrCameLater) {
+    EXPECT_EQ(axRole(130), "AXSwitch");
+    for (const std::int64_t role :
+         {std::int64_t{-1}, std::int64_t{100'000}, std::numeric_limits<std::int64_t>::max()}) {
+        EXPECT_EQ(axRole(role), "AXUnknown") << role;
     }
 }
 

@@ -35,6 +35,8 @@ std::string charactersOf(const std::string& text, dbus_int32_t start, dbus_int32
 
 constexpr const char* componentInterface = "org.a11y.atspi.Component";
 constexpr const char* textInterface = "org.a11y.atspi.Text";
+constexpr const char* editableTextInterface = "org.a11y.atspi.EditableText";
+constexpr const char* tableInterface = "org.a11y.atspi.Table";
 constexpr const char* valueInterface = "org.a11y.atspi.Value";
 constexpr const char* nullPath = "/org/a11y/atspi/null";
 
@@ -190,12 +192,19 @@ private:
             return object.textContent || answersOneOf({"GetText", "CharacterCount",
                                                        "GetRangeExtents", "GetAttributeRun"});
         }
+        if (interface == tableInterface) {
+            return object.table.has_value();
+        }
+        if (interface == editableTextInterface) {
+            return object.isEditableText;
+        }
         return interface != valueInterface || object.value || answersOneOf({"CurrentValue"});
     }
 
     [[nodiscard]] static std::vector<std::string> interfacesOf(const ScriptedObject& object) {
         std::vector<std::string> interfaces = {"org.a11y.atspi.Accessible"};
-        for (const char* name : {componentInterface, textInterface, valueInterface}) {
+        for (const char* name : {componentInterface, textInterface, valueInterface, tableInterface,
+                                 editableTextInterface}) {
             if (implements(object, name)) {
                 interfaces.emplace_back(name);
             }
@@ -260,7 +269,31 @@ private:
             return numbers({static_cast<std::uint32_t>(object.states),
                             static_cast<std::uint32_t>(object.states >> 32U)});
         }
-        return answerOfComponentOrText(object, member, request);
+        const bool ofTable = member == "NRows" || member == "NColumns" ||
+                             member == "GetAccessibleAt" || member.ends_with("AtIndex");
+        return object.table && ofTable ? answerOfTable(*object.table, member, request)
+                                       : answerOfComponentOrText(object, member, request);
+    }
+
+    /// There is nothing in a cell that is no object.
+    [[nodiscard]] Answer answerOfTable(const std::array<std::int32_t, 2>& counts,
+                                       const std::string& member, DBusMessage& request) const {
+        const auto [rows, columns] = counts;
+        dbus_int32_t first = 0;
+        dbus_int32_t second = 0;
+        dbus_message_get_args(&request, nullptr, DBUS_TYPE_INT32, &first, DBUS_TYPE_INT32, &second,
+                              DBUS_TYPE_INVALID);
+        if (member == "GetAccessibleAt") {
+            const std::string path = cellPath(first, second);
+            return reference(tree_.contains(path) ? own({"", path}) : Reference{"", nullPath});
+        }
+        const std::map<std::string, std::int32_t> numbers = {{"NRows", rows},
+                                                             {"NColumns", columns},
+                                                             {"GetRowAtIndex", first / columns},
+                                                             {"GetColumnAtIndex", first % columns}};
+        return [value = numbers.at(member)](DBusMessageIter& at) {
+            append(at, DBUS_TYPE_INT32, &value);
+        };
     }
 
     [[nodiscard]] Answer answerOfComponentOrText(const ScriptedObject& object,
@@ -319,6 +352,10 @@ private:
 };
 
 } // namespace
+
+std::string cellPath(int row, int column) {
+    return "/cell/" + std::to_string(row) + "/" + std::to_string(column);
+}
 
 Answer text(std::string value) {
     return [value = std::move(value)](DBusMessageIter& at) {

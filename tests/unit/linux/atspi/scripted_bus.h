@@ -67,6 +67,9 @@ struct ScriptedObject {
     /// Places are asked for in the window's coordinates only.
     bool knowsOnlyItsWindow = false;
     std::optional<double> value;
+    bool isEditableText = false;
+    /// Its rows and columns, as it tells them; the cells are the objects at cellPath().
+    std::optional<std::array<std::int32_t, 2>> table;
     std::optional<Reference> parent;
     std::vector<Reference> children;
     std::optional<std::array<std::int32_t, 4>> extents;
@@ -78,6 +81,8 @@ struct ScriptedObject {
 
     static constexpr std::uint64_t showing = std::uint64_t{1} << 25U;
 };
+
+[[nodiscard]] std::string cellPath(int row, int column);
 
 using ScriptedTree = std::map<std::string, ScriptedObject>;
 inline constexpr const char* rootPath = "/org/a11y/atspi/accessible/root";
