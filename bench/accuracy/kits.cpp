@@ -1,5 +1,6 @@
 #include "kits.h"
 
+#include "document.h"
 #include "page.h"
 #include "page_server.h"
 
@@ -8,6 +9,7 @@
 #include "support/real_desktop/chromium.h"
 #include "support/real_desktop/desktop_windows.h"
 #include "support/real_desktop/firefox.h"
+#include "support/real_desktop/screenshot.h"
 
 #include <algorithm>
 #include <chrono>
@@ -15,6 +17,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <sstream>
 #include <stdexcept>
 #include <utility>
@@ -103,6 +106,30 @@ Shown showJava(const Kit& kit, PrivateDesktop& desktop, const std::vector<Planne
         scale);
 }
 
+/// A document's places are where the screen shows them.
+Shown showDocument(const Kit& kit, PrivateDesktop& desktop, const std::vector<Planned>& plan,
+                   double scale) {
+    if (!desktop::findProgram("soffice")) {
+        missPackages(kit, "LibreOffice");
+    }
+    const auto document = desktop.folder() / "document.fodt";
+    std::ofstream(document) << documentText(plan);
+    auto program = desktop.start(
+        {"soffice", "--nologo", "--norestore", "--nolockcheck",
+         "-env:UserInstallation=file://" + (desktop.folder() / "libreoffice").string(),
+         document.string()});
+    const auto area = Rect{0, 0, static_cast<double>(desktop.server().screen().width_in_pixels),
+                           static_cast<double>(desktop.server().screen().height_in_pixels)};
+    std::string truth = *desktop::requireUntil(
+        "the document to show as a whole",
+        [&]() -> std::optional<std::string> {
+            const auto screen = settledScreenshot(desktop.server(), area, std::chrono::seconds(1));
+            return screen ? documentTruth(plan, *screen, scale) : std::nullopt;
+        },
+        std::chrono::minutes(2));
+    return {std::move(program), std::move(truth), {}};
+}
+
 constexpr const char* fields = "entry area spin combo popup";
 constexpr const char* buttons = "button check radio popup";
 constexpr const char* typography = "font weight text contrast";
@@ -146,6 +173,7 @@ const std::vector<Kit>& kits() {
           {fields, typography},
           {buttons, typography},
           {"label", "font weight color contrast"}}},
+        {"libreoffice", showDocument, {}},
     };
     return all;
 }

@@ -19,26 +19,18 @@ struct Sort {
 };
 
 const Sort& sortOf(const std::string& what) {
-    static const std::map<std::string, Sort> sorts = {{"label", {"text", "StaticText"}},
-                                                      {"heading", {"heading", "Heading"}},
-                                                      {"link", {"text", "StaticText"}},
-                                                      {"cell", {"text", "StaticText"}},
-                                                      {"button", {"control", "Button"}},
-                                                      {"parts", {"control", "Button"}},
-                                                      {"check", {"control", "CheckBox"}},
-                                                      {"radio", {"control", "RadioButton"}},
-                                                      {"popup", {"control", "PopUpButton"}},
-                                                      {"entry", {"input", "TextField"}},
-                                                      {"area", {"input", "TextArea"}},
-                                                      {"spin", {"input", "TextField"}},
-                                                      {"combo", {"input", "ComboBox"}},
-                                                      {"menubar", {"entry", "MenuBarItem"}},
-                                                      {"list", {"list", "List"}},
-                                                      {"table", {"list", "Table"}},
-                                                      {"box", {"group", "Group"}},
-                                                      {"row", {"group", "Group"}},
-                                                      {"panel", {"group", "Group"}},
-                                                      {"image", {"picture", "Image"}}};
+    static const std::map<std::string, Sort> sorts = {
+        {"label", {"text", "StaticText"}},     {"heading", {"heading", "Heading"}},
+        {"link", {"text", "StaticText"}},      {"cell", {"text", "StaticText"}},
+        {"cellbox", {"group", "Cell"}},        {"button", {"control", "Button"}},
+        {"parts", {"control", "Button"}},      {"check", {"control", "CheckBox"}},
+        {"radio", {"control", "RadioButton"}}, {"popup", {"control", "PopUpButton"}},
+        {"entry", {"input", "TextField"}},     {"area", {"input", "TextArea"}},
+        {"spin", {"input", "TextField"}},      {"combo", {"input", "ComboBox"}},
+        {"menubar", {"entry", "MenuBarItem"}}, {"list", {"list", "List"}},
+        {"table", {"list", "Table"}},          {"box", {"group", "Group"}},
+        {"row", {"group", "Group"}},           {"panel", {"group", "Group"}},
+        {"image", {"picture", "Image"}}};
     return sorts.at(what);
 }
 
