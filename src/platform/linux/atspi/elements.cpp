@@ -158,10 +158,13 @@ ObjectElement::copyParameterizedAttributeValue(std::string_view attribute,
     auto text = std::make_shared<AXAttributedString>();
     text->text = std::move(*characters);
     if (const auto attributes = attributesOf(replies[1])) {
+        const FontHabits& fonts = context().toolkits.habitsFor(object_).fonts;
+        const double pointsPerUnit =
+            context().hitTest.placementOf(object_).scale / context().windows.rootSpace().scale;
         // The attributes of its first character are those of the whole string here.
-        text->runs.push_back({{0, range->length},
-                              std::make_shared<AXDictionary>(runAttributes(
-                                  *attributes, context().toolkits.habitsFor(object_).fonts))});
+        text->runs.push_back(
+            {{0, range->length},
+             std::make_shared<AXDictionary>(runAttributes(*attributes, fonts, pointsPerUnit))});
     }
     return AXValue(std::shared_ptr<const AXAttributedString>(std::move(text)));
 }

@@ -73,7 +73,7 @@ std::optional<HitTest::Hit> HitTest::objectAt(Point point, std::optional<pid_t> 
 std::optional<ObjectReference> HitTest::objectIn(const DesktopWindow& window, pid_t pid,
                                                  Point point, Deadline deadline) {
     for (const bool again : {false, true}) {
-        const auto topLevel = topLevels_.of(window, pid, deadline);
+        const auto topLevel = topLevels_.at(point, window, pid, deadline);
         if (!topLevel) {
             return std::nullopt;
         }

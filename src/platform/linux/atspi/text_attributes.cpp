@@ -53,7 +53,7 @@ std::optional<double> pixelsOf(std::string_view size, const FontHabits& habits, 
     if (!number || number->first <= 0 || number->first > largest) {
         return std::nullopt;
     }
-    const bool inPixels = number->second.starts_with("px");
+    const bool inPixels = habits.inOwnUnits || number->second.starts_with("px");
     double pixels = std::round(number->first * (inPixels ? 1 : pixelsPerPoint) * scale);
     if (!inPixels && habits.roundsPoints) {
         pixels = usualPixels(number->first, pixels);
@@ -205,10 +205,12 @@ std::string familyOf(std::string_view family) {
 
 } // namespace
 
-AXDictionary runAttributes(const TextAttributes& told, const FontHabits& habits) {
+AXDictionary runAttributes(const TextAttributes& told, const FontHabits& habits,
+                           double pointsPerUnit) {
     const TextAttributes attributes =
         habits.weights == FontHabits::Weights::ofLibreOffice ? fromLibreOffice(told) : told;
-    const double scale = habits.scalesSize ? scaleOf(attributes) : 1;
+    const double scale =
+        (habits.scalesSize ? scaleOf(attributes) : 1) * (habits.inOwnUnits ? pointsPerUnit : 1);
     AXDictionary font;
     std::string family = familyOf(valueOf(attributes, {"family-name", "font-family"}).value_or(""));
     std::string weight(weightName(valueOf(attributes, {"weight", "font-weight"}).value_or("")));

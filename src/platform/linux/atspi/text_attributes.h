@@ -17,6 +17,8 @@ struct FontHabits {
     /// Sizes are told in points without their fractions. Some of those are what two whole numbers
     /// of pixels become, of which the even one is the usual one.
     bool roundsPoints = false;
+    /// Sizes are told in the units of the application's places, not in typographic points.
+    bool inOwnUnits = false;
     /// "scale" is that of the size; elsewhere it is something else or not told.
     bool scalesSize = false;
     /// In which numbers weights are told.
@@ -30,6 +32,8 @@ struct FontHabits {
 /// The same as attributes of an attributed string: "AXFont" with family, size in whole pixels and,
 /// where the weight is told, a font name that contains it; "AXForegroundColor". What is not told,
 /// or makes no sense, is left out.
-[[nodiscard]] AXDictionary runAttributes(const TextAttributes& told, const FontHabits& habits = {});
+/// @param pointsPerUnit of those units, each the same as a pixel of the font's size
+[[nodiscard]] AXDictionary runAttributes(const TextAttributes& told, const FontHabits& habits = {},
+                                         double pointsPerUnit = 1);
 
 } // namespace lumetry::atspi

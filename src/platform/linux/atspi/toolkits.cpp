@@ -34,8 +34,10 @@ const Habits& habitsOf(Toolkit toolkit) {
     // Its widgets are never said to be showing, only to be visible.
     static constexpr Habits gtk4{.coordinates = ATSPI_COORD_TYPE_WINDOW,
                                  .shown = ATSPI_STATE_VISIBLE,
-                                 .tablesHoldCells = false};
-    static constexpr Habits libreOffice{.editsDocuments = true,
+                                 .tablesHoldCells = false,
+                                 .fonts = {.inOwnUnits = true}};
+    static constexpr Habits libreOffice{.embeds = true,
+                                        .editsDocuments = true,
                                         .fonts = {.weights = FontHabits::Weights::ofLibreOffice}};
     static constexpr Habits chromium{.unseenChildren = Unseen::none,
                                      .clipsText = true,

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/linux/atspi/object_reference.h"
-#include "platform/linux/atspi/whole_points.h"
 #include "platform/linux/atspi/text_attributes.h"
+#include "platform/linux/atspi/whole_points.h"
 
 #include <atspi/atspi.h>
 
@@ -40,6 +40,8 @@ struct Habits {
     Rounding rounding = Rounding::none;
     /// Its frames do not say where they are, but what fills them does.
     bool placelessFrames = false;
+    /// What is below its menu bar counts from the top of the window.
+    bool embeds = false;
     /// Which texts have no objects of their own.
     enum class BareTexts : std::uint8_t {
         ofLeaves, ///< those of objects without children that are no texts themselves

@@ -6,6 +6,7 @@
 #include "platform/linux/atspi/states.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <tuple>
 #include <utility>
@@ -36,12 +37,51 @@ Placement relativeTo(const DesktopWindow& window, const Placement& placement) {
 
 } // namespace
 
-std::optional<TopLevel> TopLevels::of(const DesktopWindow& window, pid_t pid, Deadline deadline) {
+std::optional<TopLevel> TopLevels::at(Point at, const DesktopWindow& window, pid_t pid,
+                                      Deadline deadline) {
     auto topLevel = find(window, pid, deadline);
     if (topLevel && habitsOf(topLevel->toolkit).placelessFrames) {
         framePlaces_.insert_or_assign(topLevel->object, window.bounds);
     }
-    return topLevel;
+    if (!topLevel || window.popup || !habitsOf(topLevel->toolkit).embeds) {
+        return topLevel;
+    }
+    Known& known = entry(window.id);
+    if (!std::exchange(known.embeddedIsKnown, true)) {
+        known.embedded = embeddedIn(*topLevel, window, deadline);
+    }
+    if (!known.embedded) {
+        return topLevel;
+    }
+    const auto& [object, area, placement] = *known.embedded;
+    const Point inWindow = {at.x - window.client.x, at.y - window.client.y};
+    const bool isThere = area.contains(inWindow);
+    placements_.insert_or_assign(object.name, isThere ? placement : Placement{placement.scale, {}});
+    return isThere ? TopLevel{object, topLevel->toolkit} : topLevel;
+}
+
+/// Told to begin where the window does, it ends as much above the window's end as the menu bar is
+/// high.
+std::optional<TopLevels::Embedded>
+TopLevels::embeddedIn(const TopLevel& topLevel, const DesktopWindow& window, Deadline deadline) {
+    const Rect& client = window.client;
+    const Placement placement = {placementOf(topLevel.object).scale, {}};
+    Rect told;
+    const auto fits = [&](const Extents& extents) {
+        constexpr double leastShare = 0.5;
+        told = placeOf(extents, placement);
+        return std::abs(told.x - client.x) < 2 && std::abs(told.y - client.y) < 2 &&
+               std::abs(told.width - client.width) < 2 && told.height < client.height - 1 &&
+               told.height > leastShare * client.height;
+    };
+    auto object =
+        firstShowingBelow(bus_, {topLevel.object}, habitsOf(topLevel.toolkit), fits, deadline);
+    if (!object) {
+        return std::nullopt;
+    }
+    const double shift = client.maxY() - told.maxY();
+    return Embedded{
+        std::move(*object), {0, shift, client.width, told.height}, {placement.scale, {0, shift}}};
 }
 
 std::optional<TopLevel> TopLevels::find(const DesktopWindow& window, pid_t pid, Deadline deadline) {

@@ -31,9 +31,11 @@ public:
     TopLevels(AtspiBus& bus, Processes& processes, Toolkits& toolkits)
         : bus_(bus), processes_(processes), toolkits_(toolkits) {}
 
-    /// Absent when the window has none. Asks nothing when the window is known.
+    /// Absent when the window has none. Asks nothing when the window is known. Where the window
+    /// shows something at the point that counts from elsewhere than the window does, that.
     /// @param window its places in pixels of the root window
-    [[nodiscard]] std::optional<TopLevel> of(const DesktopWindow& window, pid_t pid,
+    /// @param at likewise
+    [[nodiscard]] std::optional<TopLevel> at(Point at, const DesktopWindow& window, pid_t pid,
                                              Deadline deadline);
     /// What was remembered of the window is of no use any more.
     void forget(std::uint32_t window) { known_.erase(window); }
@@ -58,11 +60,19 @@ private:
         double likeness = 0; ///< of its place to the window's, 0 to 1
         Placement placement;
     };
+    /// What counts from the top of its window although it lies below a menu bar.
+    struct Embedded {
+        ObjectReference object;
+        Rect area; ///< from the window's own origin
+        Placement placement;
+    };
     struct Known {
         std::optional<TopLevel> topLevel;
         int searches = 0; ///< in vain
         /// Of one that counts from its window, as from the window's own origin.
         std::optional<Placement> insideWindow = std::nullopt;
+        std::optional<Embedded> embedded = std::nullopt;
+        bool embeddedIsKnown = false;
     };
 
     [[nodiscard]] std::optional<TopLevel> find(const DesktopWindow& window, pid_t pid,
@@ -77,6 +87,8 @@ private:
     [[nodiscard]] std::optional<TopLevel> searchPopup(const std::vector<TopLevel>& topLevels,
                                                       const DesktopWindow& window, pid_t pid,
                                                       Deadline deadline);
+    [[nodiscard]] std::optional<Embedded>
+    embeddedIn(const TopLevel& topLevel, const DesktopWindow& window, Deadline deadline);
     Known& entry(std::uint32_t window);
     void learnPlacement(const Candidate& candidate);
 
