@@ -114,5 +114,32 @@ TEST_F(AtspiTest, FramesOfJavaAreWhereTheirWindowsAre) {
     EXPECT_EQ(title->copyAttributeValue("AXSize")->as<Size>(), (Size{402, 224}));
 }
 
+TEST_F(AtspiTest, WhatLibreOfficeHasBelowItsMenuBarIsFoundThere) {
+    ScriptedObject frame = object("frame", {0, 0, 800, 600}, {"/content"});
+    ScriptedObject content = object("content", {0, 20, 800, 580}, {"/bar", "/panel"});
+    // It begins 25 pixels further down than it says.
+    ScriptedObject pane = object("pane", {0, 20, 800, 555}, {"/paragraph"});
+    auto tree = windowWith(frame,
+                           {{"/content", content},
+                            {"/bar", object("bar", {0, 20, 800, 25}, {"/menu"})},
+                            {"/menu", object("File", {0, 20, 60, 25})},
+                            {"/panel", object("panel", {0, 45, 800, 555}, {"/pane"})},
+                            {"/pane", pane},
+                            {"/paragraph", object("Text", {100, 200, 300, 18})}},
+                           "gtk");
+    tree[rootPath].name = "soffice";
+    auto& application = start(std::move(tree));
+    windows.windows = {{1, application.pid(), {0, 0, 800, 600}, false, {0, 20, 800, 580}}};
+    for (int round = 0; round < 2; ++round) {
+        const auto paragraph = hit(application, 110, 230);
+        ASSERT_TRUE(paragraph);
+        EXPECT_EQ(paragraph->copyAttributeValue("AXTitle")->as<std::string>(), "Text");
+        EXPECT_EQ(paragraph->copyAttributeValue("AXPosition")->as<Point>(), (Point{100, 225}));
+        const auto menu = hit(application, 10, 30);
+        ASSERT_TRUE(menu);
+        EXPECT_EQ(menu->copyAttributeValue("AXPosition")->as<Point>(), (Point{0, 20}));
+    }
+}
+
 } // namespace
 } // namespace lumetry::test

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <tuple>
 
 namespace lumetry::atspi {
 namespace {
@@ -115,6 +116,17 @@ TEST(TextAttributes, AreUnderstoodAsTheToolkitMeansThem) {
     };
     for (const auto& [attributes, habits, expected] : cases) {
         EXPECT_EQ(described(attributes, habits), expected);
+    }
+}
+
+TEST(TextAttributes, HaveSizesInTheUnitsOfTheirPlaces) {
+    // 18 pixels of a desktop of 1.5, as GTK 4 tells them; units of two pixels on one of 2.
+    constexpr FontHabits habits{.inOwnUnits = true};
+    for (const auto& [size, pointsPerUnit, expected] :
+         {std::tuple("18", 1 / 1.5, 12.0), std::tuple("13", 1.0, 13.0)}) {
+        const auto run = runAttributes({{"size", size}}, habits, pointsPerUnit);
+        const auto font = *run.at("AXFont").as<std::shared_ptr<const AXDictionary>>();
+        EXPECT_EQ(font->at("AXFontSize").as<AXNumber>()->value, expected);
     }
 }
 
