@@ -37,14 +37,6 @@ std::optional<std::pair<double, std::string_view>> leadingNumber(std::string_vie
     return std::pair(number, std::string_view(end, text.data() + text.size()));
 }
 
-/// The even one of two whole numbers of pixels that become that many whole points.
-double usualPixels(double points, double pixels) {
-    constexpr double pointsPerPixel = 72.0 / 96;
-    const double smaller = pixels - 1;
-    const bool isEven = std::fmod(smaller, 2) == 0;
-    return isEven && std::round(smaller * pointsPerPixel) == points ? smaller : pixels;
-}
-
 /// A font size in whole pixels; sizes without a unit are points.
 std::optional<double> pixelsOf(std::string_view size, const FontHabits& habits, double scale) {
     constexpr double pixelsPerPoint = 96.0 / 72;
@@ -54,10 +46,7 @@ std::optional<double> pixelsOf(std::string_view size, const FontHabits& habits, 
         return std::nullopt;
     }
     const bool inPixels = habits.inOwnUnits || number->second.starts_with("px");
-    double pixels = std::round(number->first * (inPixels ? 1 : pixelsPerPoint) * scale);
-    if (!inPixels && habits.roundsPoints) {
-        pixels = usualPixels(number->first, pixels);
-    }
+    const double pixels = std::round(number->first * (inPixels ? 1 : pixelsPerPoint) * scale);
     return pixels > 0 ? std::optional(pixels) : std::nullopt;
 }
 

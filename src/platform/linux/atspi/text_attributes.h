@@ -14,9 +14,6 @@ using TextAttributes = std::map<std::string, std::string, std::less<>>;
 
 /// What toolkits mean by some of that.
 struct FontHabits {
-    /// Sizes are told in points without their fractions. Some of those are what two whole numbers
-    /// of pixels become, of which the even one is the usual one.
-    bool roundsPoints = false;
     /// Sizes are told in the units of the application's places, not in typographic points.
     bool inOwnUnits = false;
     /// "scale" is that of the size; elsewhere it is something else or not told.

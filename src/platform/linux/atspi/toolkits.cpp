@@ -49,8 +49,7 @@ const Habits& habitsOf(Toolkit toolkit) {
                                   .rounding = Rounding::nearest,
                                   .bareTexts = Habits::BareTexts::all,
                                   .tablesHoldCells = false,
-                                  .statesTellEditable = true,
-                                  .fonts = {.roundsPoints = true}};
+                                  .statesTellEditable = true};
     static constexpr Habits qt{.unseenChildren = Unseen::withoutPlace};
     static constexpr Habits java{.placelessFrames = true};
     switch (toolkit) {

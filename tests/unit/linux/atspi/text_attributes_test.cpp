@@ -85,7 +85,6 @@ TEST(TextAttributes, BecomeAFontAndAColour) {
 
 TEST(TextAttributes, AreUnderstoodAsTheToolkitMeansThem) {
     constexpr FontHabits gtk{.scalesSize = true};
-    constexpr FontHabits gecko{.roundsPoints = true};
     constexpr FontHabits libreOffice{.weights = FontHabits::Weights::ofLibreOffice};
     const struct {
         TextAttributes attributes;
@@ -100,12 +99,6 @@ TEST(TextAttributes, AreUnderstoodAsTheToolkitMeansThem) {
         {{{"size", "10"}, {"scale", "0"}}, gtk, "-/-/1300"},
         {{{"size", "10"}, {"scale", "1e300"}}, gtk, "-/-/1300"},
         {{{"size", "10"}, {"scale", "x"}}, gtk, "-/-/1300"},
-        {{{"size", "8"}}, gecko, "-/-/1000"}, // or 11
-        {{{"size", "9"}}, gecko, "-/-/1200"},
-        {{{"size", "10"}}, gecko, "-/-/1300"},
-        {{{"size", "11"}}, gecko, "-/-/1400"}, // or 15
-        {{{"size", "13"}}, gecko, "-/-/1700"},
-        {{{"size", "14"}}, gecko, "-/-/1800"}, // or 19
         // Only the width of the letters.
         {{{"size", "12"}, {"scale", "1.5"}, {"weight", "600"}}, libreOffice, "-/Bold/1600"},
         {{{"size", "11.5"}, {"weight", "440"}}, libreOffice, "-/SemiBold/1500"},
