@@ -173,8 +173,8 @@ std::string_view roleInside(std::int64_t role, std::optional<std::int64_t> paren
     if (parent == ATSPI_ROLE_MENU_BAR) {
         return "AXMenuBarItem";
     }
-    const bool inMenu = parent == ATSPI_ROLE_MENU || parent == ATSPI_ROLE_POPUP_MENU;
-    return inMenu ? "AXMenuItem" : axRole(role);
+    constexpr std::array menus = {ATSPI_ROLE_MENU, ATSPI_ROLE_POPUP_MENU};
+    return std::ranges::find(menus, parent) != menus.end() ? "AXMenuItem" : axRole(role);
 }
 
 /// Whether one of a combo box's children is to be typed in; the only one is what drops down.
@@ -189,8 +189,8 @@ bool holdsEntry(Answers& answers, const Reply& children, Deadline deadline) {
         asked.push_back({child, Question::role});
     }
     return std::ranges::any_of(answers.ask(asked, deadline), [](const Reply& reply) {
-        const auto role = integerOf(reply);
-        return role == ATSPI_ROLE_TEXT || role == ATSPI_ROLE_ENTRY;
+        constexpr std::array entries = {ATSPI_ROLE_TEXT, ATSPI_ROLE_ENTRY};
+        return std::ranges::find(entries, integerOf(reply)) != entries.end();
     });
 }
 

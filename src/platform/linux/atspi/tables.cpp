@@ -189,8 +189,10 @@ std::vector<ObjectReference> cellsOf(Answers& answers, const ObjectReference& ta
                                      std::int32_t row, Deadline deadline) {
     constexpr std::int32_t mostColumns = 60;
     const auto columns = countOf(answers.ask({table, Question::columnCount}, deadline)).value_or(0);
+    const std::int32_t count = std::min(columns, mostColumns);
     std::vector<Asked> asked;
-    for (std::int32_t column = 0; column < std::min(columns, mostColumns); ++column) {
+    asked.reserve(static_cast<std::size_t>(count));
+    for (std::int32_t column = 0; column < count; ++column) {
         asked.push_back({table, Question::cell, row, column});
     }
     std::vector<ObjectReference> cells;
