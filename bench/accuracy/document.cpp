@@ -70,29 +70,41 @@ std::vector<Planned> cellsOf(const std::vector<Planned>& plan) {
     return cells;
 }
 
+std::string attribute(const char* name, const std::string& value) {
+    return std::string(" ").append(name).append("='").append(value).append("'");
+}
+
 std::string styleOf(const Planned& element, const std::string& paragraphProperties) {
     constexpr double pointsPerPixel = 0.75;
-    return "<style:style style:name=\"" + element.at("id") +
-           "\" style:family=\"paragraph\"><style:paragraph-properties " + paragraphProperties +
-           "/><style:text-properties fo:language=\"zxx\" fo:country=\"none\" fo:font-family=\"" +
-           element.at("family") + "\" fo:font-weight=\"" + element.at("weight") + "\" fo:color=\"" +
-           element.at("color") + "\" fo:font-size=\"" +
-           std::to_string(std::stoi(element.at("size")) * pointsPerPixel) +
-           "pt\"/></style:style>\n";
+    const double size = std::stoi(element.at("size")) * pointsPerPixel;
+    return "<style:style style:family='paragraph'" + attribute("style:name", element.at("id")) +
+           "><style:paragraph-properties" + paragraphProperties +
+           "/><style:text-properties fo:language='zxx' fo:country='none'" +
+           attribute("fo:font-family", element.at("family")) +
+           attribute("fo:font-weight", element.at("weight")) +
+           attribute("fo:color", element.at("color")) +
+           attribute("fo:font-size", std::to_string(size) + "pt") + "/></style:style>\n";
+}
+
+std::string fillStyleOf(const Planned& cell) {
+    return "<style:style style:family='table-cell'" +
+           attribute("style:name", cell.at("id") + "-fill") + "><style:table-cell-properties" +
+           attribute("fo:background-color", cell.at("fill")) + "/></style:style>\n";
 }
 
 std::string paragraphOf(const Planned& element) {
-    return "<text:p text:style-name=\"" + element.at("id") + "\">" + element.at("text") +
+    return "<text:p" + attribute("text:style-name", element.at("id")) + ">" + element.at("text") +
            "</text:p>";
 }
 
 std::string tableOf(const std::vector<Planned>& cells) {
-    std::string table = "<table:table><table:table-column table:number-columns-repeated=\"" +
-                        std::to_string(tableColumns) + "\"/>";
+    std::string table = "<table:table><table:table-column" +
+                        attribute("table:number-columns-repeated", std::to_string(tableColumns)) +
+                        "/>";
     for (std::size_t n = 0; n < cells.size(); ++n) {
         table += n % tableColumns == 0 ? "<table:table-row>" : "";
-        table += "<table:table-cell table:style-name=\"" + cells[n].at("id") + "-fill\">" +
-                 paragraphOf(cells[n]) + "</table:table-cell>";
+        table += "<table:table-cell" + attribute("table:style-name", cells[n].at("id") + "-fill") +
+                 ">" + paragraphOf(cells[n]) + "</table:table-cell>";
         table += n % tableColumns == tableColumns - 1 ? "</table:table-row>\n" : "";
     }
     return table + "</table:table>";
@@ -188,17 +200,15 @@ std::string documentText(const std::vector<Planned>& plan) {
     std::string styles;
     std::string text;
     for (const Planned& element : paragraphsOf(plan)) {
-        styles += styleOf(element, "fo:margin-top=\"4px\" fo:margin-left=\"" +
-                                       std::to_string(std::stoi(element.at("x")) / 4) +
-                                       "px\" fo:background-color=\"" + element.at("fill") + "\"");
+        const int indent = std::stoi(element.at("x")) / 4;
+        styles += styleOf(element, attribute("fo:margin-top", "4px") +
+                                       attribute("fo:margin-left", std::to_string(indent) + "px") +
+                                       attribute("fo:background-color", element.at("fill")));
         text += paragraphOf(element) + "\n";
     }
     const auto cells = cellsOf(plan);
     for (const Planned& cell : cells) {
-        styles += styleOf(cell, "") + "<style:style style:name=\"" + cell.at("id") +
-                  "-fill\" style:family=\"table-cell\"><style:table-cell-properties "
-                  "fo:background-color=\"" +
-                  cell.at("fill") + "\"/></style:style>\n";
+        styles += styleOf(cell, "") + fillStyleOf(cell);
     }
     return head + styles + masterPage + text + tableOf(cells) +
            "</office:text></office:body></office:document>\n";

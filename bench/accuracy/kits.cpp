@@ -101,7 +101,8 @@ Shown showJava(const Kit& kit, PrivateDesktop& desktop, const std::vector<Planne
         desktop,
         {"java", "-Dsun.java2d.uiScale=" + std::to_string(scale),
          "-Djavax.accessibility.assistive_technologies=org.GNOME.Accessibility.AtkWrapper",
-         "--class-path", bridge, LUMETRY_SOURCES "/bench/accuracy/kits/java/Accuracy.java",
+         "--class-path", bridge,
+         std::string(LUMETRY_SOURCES) + "/bench/accuracy/kits/java/Accuracy.java",
          planFile(desktop, plan)},
         scale);
 }

@@ -60,4 +60,11 @@ private:
     nlohmann::json elements_ = nlohmann::json::array();
 };
 
+/// A place near the lower end of a frame, where a list is hit and none of its items.
+[[nodiscard]] inline nlohmann::json pointAtEnd(const nlohmann::json& frame) {
+    constexpr double fromEnd = 7;
+    return {frame[0].get<double>() + frame[2].get<double>() / 2,
+            frame[1].get<double>() + frame[3].get<double>() - fromEnd};
+}
+
 } // namespace lumetry::accuracy

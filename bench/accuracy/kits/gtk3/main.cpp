@@ -2,10 +2,12 @@
 //
 //   lumetry_kit_gtk3 PLAN
 
+#include "css.h"
 #include "statement.h"
 
 #include <gtk/gtk.h>
 
+#include <cmath>
 #include <functional>
 #include <map>
 #include <string>
@@ -42,7 +44,7 @@ std::vector<GtkWidget*> childrenOf(GtkWidget* container) {
 Json placesOfShown(const std::vector<GtkWidget*>& widgets) {
     Json places = Json::array();
     for (GtkWidget* const widget : widgets) {
-        if (gtk_widget_get_mapped(widget)) {
+        if (gtk_widget_get_mapped(widget) != FALSE) {
             places.push_back(placeOf(widget));
         }
     }
@@ -50,21 +52,9 @@ Json placesOfShown(const std::vector<GtkWidget*>& widgets) {
 }
 
 void addRule(const std::string& selector, const std::string& declarations) {
-    css += "\n" + selector + " { " + declarations + " }";
-}
-
-/// Fonts in points, as they follow the desktop's resolution.
-std::string fontOf(const Planned& element) {
-    constexpr double pointsPerPixel = 0.75;
-    return "font-family: '" + element.at("family") + "'; font-weight: " + element.at("weight") +
-           "; font-size: " + std::to_string(number(element, "size") * pointsPerPixel) +
-           "pt; color: " + element.at("color") + ";";
-}
-
-std::string surfaceOf(const Planned& element) {
-    return "background: " + element.at("fill") + "; border: none; box-shadow: none; " +
-           "text-shadow: none; min-width: 0; min-height: 0; border-radius: " +
-           element.at("radius") + "px; padding: " + element.at("padding") + "px;";
+    css += "\n" + selector +
+           " { box-shadow: none; text-shadow: none; min-width: 0; min-height: 0; " + declarations +
+           " }";
 }
 
 std::string selectorOf(const Planned& element) {
@@ -179,13 +169,7 @@ GtkWidget* menubar(const Planned& element) {
     return bar;
 }
 
-constexpr int belowItems = 20; ///< where a list is hit and none of its items
-
-Json pointBelowItems(const Json& frame) {
-    constexpr int fromEnd = 6;
-    return {frame[0].get<int>() + frame[2].get<int>() / 2,
-            frame[1].get<int>() + frame[3].get<int>() - fromEnd};
-}
+constexpr int belowItems = 20; ///< room in which a list is hit and none of its items
 
 GtkWidget* list(const Planned& element) {
     constexpr int itemHeight = 26;
@@ -206,7 +190,7 @@ GtkWidget* list(const Planned& element) {
     statements.emplace_back([=] {
         Json& stated = state(element, widget, {});
         stated["items"] = placesOfShown(childrenOf(widget));
-        stated["point"] = pointBelowItems(stated["frame"]);
+        stated["point"] = pointAtEnd(stated["frame"]);
     });
     return widget;
 }
@@ -216,7 +200,7 @@ GtkWidget* boxOf(const Planned& element, GtkOrientation orientation) {
     for (int n = 0; n < number(element, "items"); ++n) {
         GtkWidget* const item = gtk_label_new(("Item " + std::to_string(n)).c_str());
         gtk_widget_set_size_request(item, 64, 20);
-        gtk_widget_set_no_show_all(item, n == number(element, "hidden"));
+        gtk_widget_set_no_show_all(item, static_cast<gboolean>(n == number(element, "hidden")));
         gtk_container_add(GTK_CONTAINER(widget), item);
     }
     return widget;
@@ -266,7 +250,7 @@ void stateTable(const Planned& element, GtkWidget* widget) {
         place[2] = last[0].get<int>() + last[2].get<int>() - place[0].get<int>();
         stated["items"].push_back(place);
     }
-    stated["point"] = pointBelowItems(stated["frame"]);
+    stated["point"] = pointAtEnd(stated["frame"]);
     // The text of a cell; its own place within the cell is not told.
     const Json cell = cellPlace(widget, 2, 0);
     statement.add("cell-1", element, {"family", "size", "weight", "color", "fill"})["point"] = {
@@ -297,7 +281,9 @@ GtkWidget* image(const Planned& element) {
     GdkRGBA color;
     gdk_rgba_parse(&color, element.at("fill").c_str());
     constexpr double largest = 255;
-    const auto byte = [=](double channel) { return static_cast<guint32>(channel * largest + 0.5); };
+    const auto byte = [=](double channel) {
+        return static_cast<guint32>(std::lround(channel * largest));
+    };
     GdkPixbuf* const pixels = gdk_pixbuf_new(GDK_COLORSPACE_RGB, FALSE, 8, number(element, "width"),
                                              number(element, "height"));
     gdk_pixbuf_fill(pixels, byte(color.red) << 24U | byte(color.green) << 16U |

@@ -3,6 +3,7 @@
 //
 //   lumetry_kit_gtk4 PLAN
 
+#include "css.h"
 #include "statement.h"
 
 #include <gtk/gtk.h>
@@ -39,7 +40,7 @@ Json placesOfShown(GtkWidget* parent) {
     Json places = Json::array();
     for (GtkWidget* child = gtk_widget_get_first_child(parent); child;
          child = gtk_widget_get_next_sibling(child)) {
-        if (gtk_widget_get_mapped(child)) {
+        if (gtk_widget_get_mapped(child) != FALSE) {
             places.push_back(placeOf(child));
         }
     }
@@ -47,21 +48,8 @@ Json placesOfShown(GtkWidget* parent) {
 }
 
 void addRule(const std::string& selector, const std::string& declarations) {
-    css += "\n" + selector + " { " + declarations + " }";
-}
-
-/// Fonts in points, as they follow the desktop's resolution.
-std::string fontOf(const Planned& element) {
-    constexpr double pointsPerPixel = 0.75;
-    return "font-family: '" + element.at("family") + "'; font-weight: " + element.at("weight") +
-           "; font-size: " + std::to_string(number(element, "size") * pointsPerPixel) +
-           "pt; color: " + element.at("color") + ";";
-}
-
-std::string surfaceOf(const Planned& element) {
-    return "background: " + element.at("fill") + "; border: none; box-shadow: none; " +
-           "outline: none; min-width: 0; min-height: 0; border-radius: " + element.at("radius") +
-           "px; padding: " + element.at("padding") + "px;";
+    css += "\n" + selector + " { box-shadow: none; outline: none; min-width: 0; min-height: 0; " +
+           declarations + " }";
 }
 
 std::string selectorOf(const Planned& element) {
@@ -149,10 +137,8 @@ GtkWidget* list(const Planned& element) {
     gtk_widget_set_size_request(widget, 120, count * itemHeight + belowItems);
     statements.emplace_back([=] {
         Json& stated = state(element, widget, {});
-        const Json& frame = stated["frame"];
         stated["items"] = placesOfShown(widget);
-        stated["point"] = {frame[0].get<double>() + frame[2].get<double>() / 2,
-                           frame[1].get<double>() + frame[3].get<double>() - belowItems / 4};
+        stated["point"] = pointAtEnd(stated["frame"]);
     });
     return widget;
 }

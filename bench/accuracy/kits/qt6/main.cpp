@@ -2,6 +2,7 @@
 //
 //   lumetry_kit_qt6 PLAN
 
+#include "css.h"
 #include "statement.h"
 
 #include <QApplication>
@@ -57,24 +58,14 @@ QString textOf(const Planned& element, const std::string& name) {
     return QString::fromStdString(element.at(name));
 }
 
-/// Fonts in points: of fonts in pixels Qt tells no size.
-QString fontOf(const Planned& element) {
-    constexpr double pointsPerPixel = 0.75;
-    const QString size = QString::number(number(element, "size") * pointsPerPixel);
-    return "font-family: '" + textOf(element, "family") +
-           "'; font-weight: " + textOf(element, "weight") + "; font-size: " + size +
-           "pt; color: " + textOf(element, "color") + ";";
-}
-
-QString surfaceOf(const Planned& element) {
-    return "background: " + textOf(element, "fill") +
-           "; border: none; border-radius: " + textOf(element, "radius") +
-           "px; padding: " + textOf(element, "padding") + "px;";
+/// Of fonts in pixels Qt would tell no size.
+void setStyle(QWidget* widget, const std::string& declarations) {
+    widget->setStyleSheet(QString::fromStdString(declarations));
 }
 
 QWidget* label(const Planned& element) {
     auto* const widget = new QLabel(textOf(element, "text"));
-    widget->setStyleSheet(fontOf(element));
+    setStyle(widget, fontOf(element));
     statements.emplace_back([=] {
         state(element, widget, {"family", "size", "weight", "color", "fill"});
     });
@@ -83,7 +74,7 @@ QWidget* label(const Planned& element) {
 
 QWidget* button(const Planned& element) {
     auto* const widget = new QPushButton(textOf(element, "text"));
-    widget->setStyleSheet(fontOf(element) + surfaceOf(element));
+    setStyle(widget, fontOf(element) + surfaceOf(element));
     statements.emplace_back([=] { state(element, widget, {"color", "fill", "radius"}); });
     return widget;
 }
@@ -91,7 +82,7 @@ QWidget* button(const Planned& element) {
 constexpr auto styled = {"family", "size", "weight", "color", "fill", "radius"};
 
 void style(const Planned& element, QWidget* widget) {
-    widget->setStyleSheet(fontOf(element) + surfaceOf(element));
+    setStyle(widget, fontOf(element) + surfaceOf(element));
     widget->setFixedWidth(number(element, "width"));
 }
 
@@ -180,13 +171,7 @@ QWidget* menubar(const Planned& element) {
     return bar;
 }
 
-constexpr int belowItems = 24; ///< where a list is hit and none of its items
-
-Json pointBelowItems(const Json& frame) {
-    constexpr int fromEnd = 8;
-    return {frame[0].get<int>() + frame[2].get<int>() / 2,
-            frame[1].get<int>() + frame[3].get<int>() - fromEnd};
-}
+constexpr int belowItems = 24; ///< room in which a list is hit and none of its items
 
 QWidget* list(const Planned& element) {
     constexpr int itemHeight = 26;
@@ -206,7 +191,7 @@ QWidget* list(const Planned& element) {
                     placeIn(widget->viewport(), widget->visualItemRect(widget->item(n))));
             }
         }
-        stated["point"] = pointBelowItems(stated["frame"]);
+        stated["point"] = pointAtEnd(stated["frame"]);
     });
     return widget;
 }
@@ -263,7 +248,7 @@ void stateTable(const Planned& element, const QTableWidget* widget) {
                           widget->visualItemRect(widget->item(n, widget->columnCount() - 1));
         stated["items"].push_back(placeIn(widget->viewport(), row));
     }
-    stated["point"] = pointBelowItems(stated["frame"]);
+    stated["point"] = pointAtEnd(stated["frame"]);
 }
 
 QWidget* table(const Planned& element) {
