@@ -134,6 +134,8 @@ Planned box(Chance& chance, bool hides) {
 Planned table(Chance& chance) {
     Planned element = text(chance);
     element.insert({{"rows", "5"}, {"columns", "3"}});
+    // Small enough for its place where a toolkit scales nothing but fonts.
+    element["size"] = chance.upTo(1) == 0 ? "11" : "12";
     return element;
 }
 

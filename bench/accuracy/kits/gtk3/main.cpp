@@ -301,6 +301,8 @@ const std::map<std::string, Maker> makers = {
     {"row", row},     {"panel", panel},     {"table", table}, {"image", image}};
 
 gboolean stateAll(gpointer /*nothing*/) {
+    // Nothing is to look as if it had the keyboard.
+    gtk_window_set_focus(GTK_WINDOW(window), nullptr);
     for (const auto& state : statements) {
         state();
     }
@@ -335,8 +337,6 @@ int main(int argc, char** argv) {
     gtk_container_add(GTK_CONTAINER(window), place);
     fill(place, readPlan(argv[1]));
     gtk_widget_show_all(window);
-    // Nothing is to look as if it had the keyboard.
-    gtk_window_set_focus(GTK_WINDOW(window), nullptr);
     g_timeout_add(patienceMs, stateAll, nullptr);
     gtk_main();
 }

@@ -83,8 +83,8 @@ GtkWidget* button(const Planned& element) {
     return widget;
 }
 
-GtkWidget* styledField(const Planned& element, GtkWidget* widget, int height) {
-    gtk_widget_set_size_request(widget, number(element, "width"), height);
+GtkWidget* styledField(const Planned& element, GtkWidget* widget) {
+    gtk_widget_set_size_request(widget, number(element, "width"), -1);
     addRule(selectorOf(element), fontOf(element) + surfaceOf(element));
     stateText(element, widget);
     return widget;
@@ -93,19 +93,27 @@ GtkWidget* styledField(const Planned& element, GtkWidget* widget, int height) {
 GtkWidget* entry(const Planned& element) {
     GtkWidget* const widget = gtk_entry_new();
     gtk_editable_set_text(GTK_EDITABLE(widget), element.at("text").c_str());
-    return styledField(element, widget, -1);
+    return styledField(element, widget);
 }
 
 GtkWidget* spin(const Planned& element) {
-    return styledField(element, gtk_spin_button_new_with_range(0, 100, 1), -1);
+    return styledField(element, gtk_spin_button_new_with_range(0, 100, 1));
 }
 
+/// In something that keeps it to its size.
 GtkWidget* area(const Planned& element) {
     GtkWidget* const widget = gtk_text_view_new();
     gtk_text_view_set_wrap_mode(GTK_TEXT_VIEW(widget), GTK_WRAP_WORD);
     gtk_text_buffer_set_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(widget)),
                              element.at("text").c_str(), -1);
-    return styledField(element, widget, number(element, "height"));
+    GtkWidget* const around = gtk_scrolled_window_new();
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(around), GTK_POLICY_NEVER,
+                                   GTK_POLICY_EXTERNAL);
+    gtk_scrolled_window_set_child(GTK_SCROLLED_WINDOW(around), widget);
+    gtk_widget_set_size_request(around, number(element, "width"), number(element, "height"));
+    addRule(selectorOf(element) + " textview", fontOf(element) + surfaceOf(element));
+    stateText(element, widget);
+    return around;
 }
 
 GtkWidget* check(const Planned& element) {
@@ -217,22 +225,33 @@ void fill(GtkWidget* place, const std::vector<Planned>& plan) {
         gdk_display_get_default(), GTK_STYLE_PROVIDER(provider), GTK_STYLE_PROVIDER_PRIORITY_USER);
 }
 
+/// The desktop's resolution is not to count for fonts besides the scale, which a session's settings
+/// say otherwise.
+void keepFontsFromScalingTwice(GtkWidget* inWindow) {
+    GtkSettings* const settings = gtk_widget_get_settings(inWindow);
+    int resolution = 0;
+    g_object_get(settings, "gtk-xft-dpi", &resolution, nullptr);
+    g_object_set(settings, "gtk-xft-dpi", resolution / gtk_widget_get_scale_factor(inWindow),
+                 nullptr);
+}
+
 } // namespace
 
 int main(int /*argc*/, char** argv) {
     constexpr int patienceMs = 800; // for the window manager
     gtk_init();
     window = gtk_window_new();
+    keepFontsFromScalingTwice(window);
     gtk_window_set_title(GTK_WINDOW(window), "Accuracy");
     // As most have: what it draws itself around its contents lies within the surface, too.
     gtk_window_set_titlebar(GTK_WINDOW(window), gtk_header_bar_new());
     GtkWidget* const place = gtk_fixed_new();
     gtk_widget_set_size_request(place, 1260, 900);
+    // Nothing is to look as if it had the keyboard.
+    gtk_widget_set_can_focus(place, FALSE);
     gtk_window_set_child(GTK_WINDOW(window), place);
     fill(place, readPlan(argv[1]));
     gtk_window_present(GTK_WINDOW(window));
-    // Nothing is to look as if it had the keyboard.
-    gtk_window_set_focus(GTK_WINDOW(window), nullptr);
     g_timeout_add(patienceMs, stateAll, nullptr);
     g_main_loop_run(g_main_loop_new(nullptr, FALSE));
 }
