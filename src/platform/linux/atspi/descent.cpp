@@ -47,7 +47,7 @@ constexpr std::initializer_list<About> alwaysRead = {About::role, About::interfa
 /// and what matters there has been asked.
 /// @param onward what leads on
 void askOnTheWay(Inquiry& inquiry, const ObjectReference& object, About onward) {
-    if (!inquiry.known({object, onward})) {
+    if (inquiry.known({object, onward}) == nullptr) {
         inquiry.ask(
             std::array{Inquiry::Query{object, onward}, Inquiry::Query{object, About::extents},
                        Inquiry::Query{object, About::states}, Inquiry::Query{object, About::role},

@@ -122,7 +122,7 @@ void HitTest::askWhatTellsRole(Inquiry& inquiry, const ObjectReference& object,
     std::vector<Asked> asked;
     for (const Question question : questionsForRole(role, habits)) {
         const Inquiry::Query query{object, aboutOf(question)};
-        if (!inquiry.known(query)) {
+        if (inquiry.known(query) == nullptr) {
             asked.push_back({object, question});
         } else {
             static_cast<void>(inquiry.reply(query));
