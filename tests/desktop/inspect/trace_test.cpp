@@ -69,7 +69,7 @@ INSTANTIATE_TEST_SUITE_P(Toolkits, LeavesNoTrace,
                                                 {LUMETRY_QT_FORM},
                                                 {{"QT_FATAL_WARNINGS", "1"}},
                                                 hasTitle("Qt form"),
-                                                "TextField"}),
+                                                "TextArea"}),
                          [](const auto& test) { return test.param.name; });
 
 } // namespace

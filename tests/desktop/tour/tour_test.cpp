@@ -37,7 +37,7 @@ TEST(Tour, LeavesAPictureAndALineOfEachStop) {
         EXPECT_LT(nameEnd + 2, line.size());
     }
     // Seven over an application, four over a page, six of the onboarding, panel and two trays.
-    EXPECT_EQ(lines, 20U);
+    EXPECT_EQ(lines, 23U);
 }
 
 class TourEndedBy : public testing::TestWithParam<int> {};

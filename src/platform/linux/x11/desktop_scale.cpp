@@ -88,9 +88,8 @@ double DesktopScale::read() {
     }
     const auto resources = xcb_get_property(c, 0, connection_.root(), XCB_ATOM_RESOURCE_MANAGER,
                                             XCB_ATOM_STRING, 0, longestProperty);
-    const xcb_atom_t settingsAtom = connection_.atom(Atom::xsettingsSettings);
-    const auto settings =
-        xcb_get_property(c, 0, manager, settingsAtom, settingsAtom, 0, longestProperty);
+    const xcb_atom_t property = connection_.atom(Atom::xsettingsSettings);
+    const auto settings = xcb_get_property(c, 0, manager, property, property, 0, longestProperty);
     const auto resourcesProperty = connection_.reply(xcb_get_property_reply, resources);
     const auto settingsProperty = connection_.reply(xcb_get_property_reply, settings);
     const auto text = bytesOf(resourcesProperty);
