@@ -82,15 +82,15 @@ std::optional<Bitmap> PictureCapture::captureBelow(const Rect& area, std::uint32
 }
 
 /// The part of the picture at that size, what lies outside of it missing.
-std::optional<Bitmap> PictureCapture::drawn(const Rect& area, PixelSize size,
+std::optional<Bitmap> PictureCapture::drawn(const Rect& pixels, PixelSize size,
                                             Interpolation interpolation) const {
-    const bool isFinite = std::isfinite(area.maxX()) && std::isfinite(area.maxY());
-    if (!isFinite || !(area.width > 0 && area.height > 0) || size.width < 1 || size.height < 1 ||
-        size.width > largestSide || size.height > largestSide) {
+    const bool isFinite = std::isfinite(pixels.maxX()) && std::isfinite(pixels.maxY());
+    if (!isFinite || !(pixels.width > 0 && pixels.height > 0) || size.width < 1 ||
+        size.height < 1 || size.width > largestSide || size.height > largestSide) {
         return std::nullopt;
     }
-    const auto columns = axisSamples(area.x, area.width, size.width, interpolation);
-    const auto rows = axisSamples(area.y, area.height, size.height, interpolation);
+    const auto columns = axisSamples(pixels.x, pixels.width, size.width, interpolation);
+    const auto rows = axisSamples(pixels.y, pixels.height, size.height, interpolation);
     Bitmap bitmap(size.width, size.height);
     auto pixel = bitmap.pixels.begin();
     for (const auto& [y, down] : rows) {

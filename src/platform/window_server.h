@@ -21,7 +21,7 @@ struct WindowInfo {
 /// One screen, in screen space. The primary display's frame has the origin (0, 0).
 struct Screen {
     Rect frame;
-    Rect visibleFrame; ///< without menu bars, docks and panels
+    Rect visibleFrame;             ///< without menu bars, docks and panels
     double backingScaleFactor = 1; ///< device pixels for each point
 
     friend bool operator==(const Screen&, const Screen&) = default;

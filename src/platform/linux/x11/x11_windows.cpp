@@ -171,16 +171,14 @@ bool X11Windows::isLocker(xcb_window_t topLevel) {
 xcb_window_t X11Windows::lockerOnTop() {
     table_.refresh();
     const auto& stacking = table_.stacking();
-    for (auto id = stacking.rbegin(); id != stacking.rend(); ++id) {
-        const WindowRecord* const window = table_.find(*id);
-        if (window && isLocker(*window)) {
-            return *id;
-        }
-        if (window && window->client && !isOwn(*window) && isOnScreen(*window)) {
-            return XCB_WINDOW_NONE;
-        }
-    }
-    return XCB_WINDOW_NONE;
+    const auto covering = std::find_if(stacking.rbegin(), stacking.rend(), [this](xcb_window_t id) {
+        const WindowRecord* const window = table_.find(id);
+        return window != nullptr &&
+               (isLocker(*window) || (window->client && !isOwn(*window) && isOnScreen(*window)));
+    });
+    return covering != stacking.rend() && isLocker(*table_.find(*covering))
+               ? *covering
+               : xcb_window_t{XCB_WINDOW_NONE};
 }
 
 std::vector<Rect> X11Windows::occupied() {

@@ -33,14 +33,12 @@ KeyboardReader keyboardReader(X11Desktop& x11) {
 class LinuxShell final : public NativeShell {
 public:
     LinuxShell(std::unique_ptr<LinuxDesktop> desktop, std::unique_ptr<RunningInstance> instance,
-               QProcessEnvironment environment)
+               const QProcessEnvironment& environment)
         : desktop_(std::move(desktop)), instance_(std::move(instance)),
           embeddingTray_(desktop_->x11()), statusBar_(embeddingTray_),
           localEventMonitors_(keyboardReader(desktop_->x11())), // which outlives them
-          application_(std::move(environment)), platform_{desktop_->platform(),
-                                                          desktop_->x11().hotKeys(),
-                                                          localEventMonitors_, application_,
-                                                          statusBar_} {}
+          application_(environment), platform_{desktop_->platform(), desktop_->x11().hotKeys(),
+                                               localEventMonitors_, application_, statusBar_} {}
 
     [[nodiscard]] const ShellPlatform& platform() const override { return platform_; }
 
@@ -95,8 +93,7 @@ std::unique_ptr<NativeShell> NativeShell::open(int& argc, char** argv, std::stri
     case RunningInstance::Role::first:
         break;
     }
-    return std::make_unique<LinuxShell>(std::move(desktop), std::move(instance),
-                                        std::move(environment));
+    return std::make_unique<LinuxShell>(std::move(desktop), std::move(instance), environment);
 }
 
 } // namespace lumetry

@@ -3,6 +3,8 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 
+#include <algorithm>
+
 namespace lumetry {
 
 QtLocalEventMonitors::QtLocalEventMonitors(KeyboardReader keyboard)
@@ -63,13 +65,12 @@ EventFate QtLocalEventMonitors::deliverFlags(std::uint16_t keyCode) {
 
 EventFate QtLocalEventMonitors::deliver(const Event& event) const {
     const auto monitors = monitors_;
-    for (auto monitor = monitors.rbegin(); monitor != monitors.rend(); ++monitor) {
-        if ((monitor->mask & eventMask(event.type)) != 0 &&
-            (*monitor->handler)(event) == EventFate::swallow) {
-            return EventFate::swallow;
-        }
-    }
-    return EventFate::passOn;
+    const bool isSwallowed =
+        std::any_of(monitors.rbegin(), monitors.rend(), [&event](const auto& monitor) {
+            return (monitor.mask & eventMask(event.type)) != 0 &&
+                   (*monitor.handler)(event) == EventFate::swallow;
+        });
+    return isSwallowed ? EventFate::swallow : EventFate::passOn;
 }
 
 } // namespace lumetry

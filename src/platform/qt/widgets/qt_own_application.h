@@ -4,8 +4,6 @@
 
 #include <QProcessEnvironment>
 
-#include <utility>
-
 namespace lumetry {
 
 /// What this process was started with, as other programs are to find it: without what concerned
@@ -16,8 +14,7 @@ namespace lumetry {
 class QtOwnApplication final : public OwnApplication {
 public:
     /// @param environment that of the programs it starts
-    explicit QtOwnApplication(QProcessEnvironment environment)
-        : environment_(std::move(environment)) {}
+    explicit QtOwnApplication(const QProcessEnvironment& environment) : environment_(environment) {}
 
     [[nodiscard]] std::string bundlePath() override;
     /// Nothing to do: a window is in the task bar for as long as it is open, if it is of that kind.
