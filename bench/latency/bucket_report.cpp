@@ -95,10 +95,10 @@ void reportPage() {
     constexpr double slowestList = 3; // times a button
     desktop::PrivateDesktop desktop;
     const MeasuredPage page(desktop);
-    const auto samples = firstSamples(probeSession(desktop, page.points()));
+    const auto samples = firstSamples(probeSession(desktop, MeasuredPage::points()));
     Groups groups;
     for (std::size_t i = 0; i < samples.size(); ++i) {
-        const MeasuredPage::Spot& spot = page.spotOf(i);
+        const MeasuredPage::Spot& spot = MeasuredPage::spotOf(i);
         if (samples[i].bucket != spot.bucket || !samples[i].anew) {
             throw std::runtime_error(std::string(spot.name) + " was taken for " +
                                      samples[i].bucket);

@@ -105,7 +105,7 @@ std::vector<Point> MeasuredPage::points() {
     return points;
 }
 
-const MeasuredPage::Spot& MeasuredPage::spotOf(std::size_t point) const {
+const MeasuredPage::Spot& MeasuredPage::spotOf(std::size_t point) {
     return spots[point % spots.size()];
 }
 

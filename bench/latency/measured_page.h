@@ -23,7 +23,7 @@ public:
 
     /// Each spot many times, never the same one twice in a row.
     [[nodiscard]] static std::vector<Point> points();
-    [[nodiscard]] const Spot& spotOf(std::size_t point) const;
+    [[nodiscard]] static const Spot& spotOf(std::size_t point);
 
 private:
     desktop::ChildProcess browser_;

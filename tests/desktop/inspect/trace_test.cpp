@@ -20,11 +20,11 @@ struct Touchy {
     Environment variables;
     WindowPredicate isWindow;
     const char* element; ///< what is to be named on the way, among others
-};
 
-void PrintTo(const Touchy& touchy, std::ostream* out) {
-    *out << touchy.name;
-}
+    friend std::ostream& operator<<(std::ostream& out, const Touchy& touchy) {
+        return out << touchy.name;
+    }
+};
 
 class LeavesNoTrace : public testing::TestWithParam<Touchy> {};
 

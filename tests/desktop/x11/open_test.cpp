@@ -83,7 +83,8 @@ TEST(X11Desktop, IsNotTheXServerOfAWaylandSession) {
         rig.desktop.start({"weston", "--backend=headless-backend.so", "--xwayland", "--no-config"});
     constexpr std::string_view announcement = "listening on display ";
     const auto said = [&] { return weston.standardOutput() + weston.standardError(); };
-    requireUntil("Xwayland's display", [&] { return said().find(announcement) != said().npos; });
+    requireUntil("Xwayland's display",
+                 [&] { return said().find(announcement) != std::string::npos; });
     const std::string text = said();
     std::string display;
     std::istringstream(text.substr(text.find(announcement) + announcement.size())) >> display;

@@ -1,5 +1,7 @@
 #include "support/fake_platform/fake_shell.h"
 
+#include <algorithm>
+
 namespace lumetry {
 namespace {
 
@@ -21,16 +23,15 @@ private:
 
 } // namespace
 
+// NOLINTNEXTLINE(readability-make-member-function-const): what is pressed changes a lot
 std::vector<EventStatus> FakeHotKeys::press(HotKeyID id) {
     std::vector<EventStatus> answers;
     const HotKeyEvent event{id};
     const auto all = handlers.all();
-    for (auto handler = all.rbegin(); handler != all.rend(); ++handler) {
-        answers.push_back((*handler)(&event));
-        if (answers.back() == noErr) {
-            break;
-        }
-    }
+    (void)std::any_of(all.rbegin(), all.rend(), [&](const auto& handler) {
+        answers.push_back(handler(&event));
+        return answers.back() == noErr;
+    });
     return answers;
 }
 
@@ -39,15 +40,14 @@ Token FakeHotKeys::registerEventHotKey(std::uint32_t keyCode, std::uint32_t modi
     return registrations.add({keyCode, modifiers, id});
 }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): what is fired changes a lot
 EventFate FakeLocalEventMonitors::fire(const Event& event) {
     const auto all = monitors.all();
-    for (auto monitor = all.rbegin(); monitor != all.rend(); ++monitor) {
-        if ((monitor->first & eventMask(event.type)) != 0 &&
-            monitor->second(event) == EventFate::swallow) {
-            return EventFate::swallow;
-        }
-    }
-    return EventFate::passOn;
+    const bool isSwallowed = std::any_of(all.rbegin(), all.rend(), [&event](const auto& monitor) {
+        return (monitor.first & eventMask(event.type)) != 0 &&
+               monitor.second(event) == EventFate::swallow;
+    });
+    return isSwallowed ? EventFate::swallow : EventFate::passOn;
 }
 
 void FakeOwnApplication::becomeActive() {
