@@ -41,7 +41,7 @@ public:
     void pressShortcut();
 
     [[nodiscard]] bool inspecting() const { return overlay_.texts().has_value(); }
-    void waitUntilInspecting(bool inspecting) const;
+    void waitUntilInspecting(bool wanted) const;
 
     /// The icon in the tray of the X server.
     [[nodiscard]] std::optional<Rect> trayIcon() const;

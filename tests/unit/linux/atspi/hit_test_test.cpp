@@ -381,7 +381,7 @@ TEST_F(Hits, CountFromTheWindowInGtk4) {
 
 TEST_F(Hits, FindAGtk4PopoverByItsSize) {
     const auto inside = [](const char* title, const std::array<std::int32_t, 4>& place,
-                           std::vector<std::string> children = {}) {
+                           const std::vector<std::string>& children = {}) {
         ScriptedObject object = test::object(title, place, children);
         object.states = std::uint64_t{1} << ATSPI_STATE_VISIBLE;
         object.childAt = [](int, int) { return ""; };

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <memory>
 #include <optional>
 #include <string>
@@ -31,7 +32,7 @@ std::string described(const TextAttributes& attributes, const FontHabits& habits
     if (color != run.end()) {
         const Color value = *color->second.as<Color>();
         for (const double component : {value.red, value.green, value.blue}) {
-            text += ' ' + std::to_string(static_cast<int>(component * 255 + 0.5));
+            text += ' ' + std::to_string(std::lround(component * 255));
         }
     }
     return text;

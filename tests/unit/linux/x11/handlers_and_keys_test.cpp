@@ -64,7 +64,9 @@ struct Layout {
     std::vector<xcb_keycode_t> option;
     std::string name;
 
-    friend void PrintTo(const Layout& layout, std::ostream* out) { *out << layout.name; }
+    friend std::ostream& operator<<(std::ostream& out, const Layout& layout) {
+        return out << layout.name;
+    }
 };
 
 constexpr xcb_keycode_t escape = 9;
