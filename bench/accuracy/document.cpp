@@ -163,11 +163,12 @@ std::optional<std::vector<Json>> placesOf(const std::vector<Planned>& elements,
 }
 
 /// The typography of what is written at the start of a place.
-Json textIn(const Planned& element, const Json& place) {
+Json textIn(const Planned& element, const Json& place, double scale) {
     constexpr int intoText = 12;
-    Json stated = {
-        {"id", element.at("id")},
-        {"point", {place[0].get<int>() + intoText, place[1].get<int>() + place[3].get<int>() / 2}}};
+    constexpr double halfLine = 0.6; // of the size of the font
+    const double down = halfLine * std::stoi(element.at("size")) * scale;
+    Json stated = {{"id", element.at("id")},
+                   {"point", {place[0].get<int>() + intoText, place[1].get<int>() + down}}};
     for (const char* name : {"family", "size", "color", "fill"}) {
         stated[name] = element.at(name);
     }
@@ -225,11 +226,12 @@ std::optional<std::string> documentTruth(const std::vector<Planned>& plan, const
     }
     Json elements = Json::array();
     for (std::size_t n = 0; n < paragraphs.size(); ++n) {
-        elements.push_back(textIn(paragraphs[n], paragraphPlaces->at(n)));
+        elements.push_back(textIn(paragraphs[n], paragraphPlaces->at(n), scale));
     }
     for (std::size_t n = 0; n < cells.size(); ++n) {
-        elements.push_back(textIn(cells[n], cellPlaces->at(n)));
-        if (n % tableColumns != 0 && n + tableColumns < cells.size()) {
+        elements.push_back(textIn(cells[n], cellPlaces->at(n), scale));
+        // The first row and the last have lines to themselves.
+        if (n % tableColumns != 0 && n > tableColumns && n + tableColumns < cells.size()) {
             elements.push_back(
                 boxAt(cells[n], cellPlaces->at(n), cellPlaces->at(n + tableColumns), scale));
         }

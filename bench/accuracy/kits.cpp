@@ -107,7 +107,7 @@ Shown showJava(const Kit& kit, PrivateDesktop& desktop, const std::vector<Planne
         scale);
 }
 
-/// A document's places are where the screen shows them.
+/// A document's places are where the screen shows them, once its window has come to rest.
 Shown showDocument(const Kit& kit, PrivateDesktop& desktop, const std::vector<Planned>& plan,
                    double scale) {
     if (!desktop::findProgram("soffice")) {
@@ -121,10 +121,11 @@ Shown showDocument(const Kit& kit, PrivateDesktop& desktop, const std::vector<Pl
          document.string()});
     const auto area = Rect{0, 0, static_cast<double>(desktop.server().screen().width_in_pixels),
                            static_cast<double>(desktop.server().screen().height_in_pixels)};
+    constexpr auto rest = std::chrono::seconds(5);
     std::string truth = *desktop::requireUntil(
         "the document to show as a whole",
         [&]() -> std::optional<std::string> {
-            const auto screen = settledScreenshot(desktop.server(), area, std::chrono::seconds(1));
+            const auto screen = settledScreenshot(desktop.server(), area, rest);
             return screen ? documentTruth(plan, *screen, scale) : std::nullopt;
         },
         std::chrono::minutes(2));

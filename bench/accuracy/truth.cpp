@@ -89,7 +89,8 @@ private:
 Point pointIn(const Truth& truth) {
     constexpr double fromEdge = 4;
     const Rect frame = truth.frame.value_or(Rect());
-    if (truth.kind == "heading" || truth.kind == "list" || truth.kind == "group") {
+    if (truth.kind == "heading" || truth.kind == "list" || truth.kind == "group" ||
+        truth.kind == "entry") {
         return {frame.maxX() - fromEdge, frame.midY()};
     }
     const Rect target = truth.kind == "text" ? truth.text.value_or(frame) : frame;
