@@ -50,6 +50,7 @@ EventFate FakeLocalEventMonitors::fire(const Event& event) {
     return isSwallowed ? EventFate::swallow : EventFate::passOn;
 }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): what it tells changes a lot
 void FakeOwnApplication::becomeActive() {
     for (const auto& handler : observers.all()) {
         handler();

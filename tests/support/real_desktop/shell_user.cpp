@@ -88,7 +88,7 @@ std::optional<Accessible> ShellUser::find(const std::string& role, const std::st
         if (application.name() != applicationName) {
             continue;
         }
-        const auto found = application.find([&](const Accessible& element) {
+        auto found = application.find([&](const Accessible& element) {
             return element.name() == name && element.role() == role && element.showing();
         });
         if (found) {

@@ -58,7 +58,8 @@ TEST(PainterRasterizer, DrawsTextWithinItsReachAndTheSameInParts) {
         const Rect reach = coverage(list.front());
         const Bitmap whole = drawn(list, {0, 0, 256, 160});
         for (int i = 0; i < 256 * 160; ++i) {
-            const Point place = {i % 256 + 0.5, 159.5 - i / 256};
+            const int row = i / 256;
+            const Point place = {i % 256 + 0.5, 159.5 - row};
             const auto first = whole.pixels.begin() + i;
             ASSERT_TRUE(reach.contains(place) || *first == 0) << size << " " << i;
             if (i % 16 == 0) {
