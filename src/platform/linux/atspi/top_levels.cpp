@@ -43,21 +43,22 @@ std::optional<TopLevel> TopLevels::at(Point at, const DesktopWindow& window, pid
     if (topLevel && habitsOf(topLevel->toolkit).placelessFrames) {
         framePlaces_.insert_or_assign(topLevel->object, window.bounds);
     }
-    if (!topLevel || window.popup || !habitsOf(topLevel->toolkit).embeds) {
+    if (!topLevel || !habitsOf(topLevel->toolkit).embeds) {
         return topLevel;
     }
+    // What was hit before may have lain below the menu bar of this window or another one.
+    placements_[topLevel->object.name].origin = {};
     Known& known = entry(window.id);
-    if (!std::exchange(known.embeddedIsKnown, true)) {
+    if (!window.popup && !std::exchange(known.embeddedIsKnown, true)) {
         known.embedded = embeddedIn(*topLevel, window, deadline);
     }
-    if (!known.embedded) {
+    const Point inWindow = {at.x - window.client.x, at.y - window.client.y};
+    if (!known.embedded || !known.embedded->area.contains(inWindow)) {
         return topLevel;
     }
     const auto& [object, area, placement] = *known.embedded;
-    const Point inWindow = {at.x - window.client.x, at.y - window.client.y};
-    const bool isThere = area.contains(inWindow);
-    placements_.insert_or_assign(object.name, isThere ? placement : Placement{placement.scale, {}});
-    return isThere ? TopLevel{object, topLevel->toolkit} : topLevel;
+    placements_.insert_or_assign(object.name, placement);
+    return TopLevel{object, topLevel->toolkit};
 }
 
 /// Told to begin where the window does, it ends as much above the window's end as the menu bar is
