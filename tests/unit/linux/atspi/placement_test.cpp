@@ -128,13 +128,21 @@ TEST_F(AtspiTest, WhatLibreOfficeHasBelowItsMenuBarIsFoundThere) {
                             {"/paragraph", object("Text", {100, 200, 300, 18})}},
                            "gtk");
     tree[rootPath].name = "soffice";
+    tree["/dialog"] = object("dialog", {900, 100, 200, 100}, {"/close"});
+    tree["/close"] = object("Close", {910, 110, 60, 20});
+    tree["/dialog"].lenientAboutText = tree["/close"].lenientAboutText = true;
+    tree[rootPath].children.push_back({"", "/dialog"});
     auto& application = start(std::move(tree));
-    windows.windows = {{1, application.pid(), {0, 0, 800, 600}, false, {0, 20, 800, 580}}};
+    windows.windows = {{1, application.pid(), {0, 0, 800, 600}, false, {0, 20, 800, 580}},
+                       {2, application.pid(), {900, 100, 200, 100}, false, {900, 100, 200, 100}}};
     for (int round = 0; round < 2; ++round) {
         const auto paragraph = hit(application, 110, 230);
         ASSERT_TRUE(paragraph);
         EXPECT_EQ(paragraph->copyAttributeValue("AXTitle")->as<std::string>(), "Text");
         EXPECT_EQ(paragraph->copyAttributeValue("AXPosition")->as<Point>(), (Point{100, 225}));
+        const auto close = hit(application, 915, 115);
+        ASSERT_TRUE(close);
+        EXPECT_EQ(close->copyAttributeValue("AXPosition")->as<Point>(), (Point{910, 110}));
         const auto menu = hit(application, 10, 30);
         ASSERT_TRUE(menu);
         EXPECT_EQ(menu->copyAttributeValue("AXPosition")->as<Point>(), (Point{0, 20}));
