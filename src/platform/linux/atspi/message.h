@@ -1,11 +1,12 @@
 #pragma once
 
 #include "platform/linux/atspi/object_reference.h"
-#include "platform/linux/atspi/text_attributes.h"
 
 #include <dbus/dbus.h>
 
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -43,6 +44,10 @@ struct Extents {
     /// Whether it is one: what is not shown has no size, or is as far away as numbers go.
     [[nodiscard]] bool isSomewhere() const;
 };
+
+/// How a run of text is set, as applications tell it: names to values, such as "family-name" to
+/// "Inter", "size" to "10.5pt", "weight" to "700" and "fg-color" to "30,144,255".
+using TextAttributes = std::map<std::string, std::string, std::less<>>;
 
 /// What an object can be asked besides what all objects can.
 enum class Interface : std::uint8_t { component, editableText, table, text, value };

@@ -1,16 +1,11 @@
 #pragma once
 
 #include "platform/ax_value.h"
+#include "platform/linux/atspi/message.h"
 
 #include <cstdint>
-#include <map>
-#include <string>
 
 namespace lumetry::atspi {
-
-/// How a run of text is set, as applications tell it: names to values, such as "family-name" to
-/// "Inter", "size" to "10.5pt", "weight" to "700" and "fg-color" to "30,144,255".
-using TextAttributes = std::map<std::string, std::string, std::less<>>;
 
 /// What toolkits mean by some of that.
 struct FontHabits {

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-namespace lumetry::x11 {
+namespace lumetry {
 
 /// Handlers that are called in the order they were added. A handler may add and remove handlers,
 /// itself included, while it is being called: a removed one is not called any more, a new one
@@ -66,4 +66,4 @@ private:
     std::shared_ptr<State> state_ = std::make_shared<State>();
 };
 
-} // namespace lumetry::x11
+} // namespace lumetry
