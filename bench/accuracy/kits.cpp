@@ -4,12 +4,12 @@
 #include "page.h"
 #include "page_server.h"
 
-#include "support/processes/programs.h"
-#include "support/processes/wait_until.h"
-#include "support/real_desktop/chromium.h"
-#include "support/real_desktop/desktop_windows.h"
-#include "support/real_desktop/firefox.h"
-#include "support/real_desktop/screenshot.h"
+#include "rig/chromium.h"
+#include "rig/desktop_windows.h"
+#include "rig/firefox.h"
+#include "rig/processes/programs.h"
+#include "rig/processes/wait_until.h"
+#include "rig/screenshot.h"
 
 #include <algorithm>
 #include <chrono>

@@ -4,8 +4,8 @@
 
 #include "base/geometry.h"
 
-#include "support/processes/child_process.h"
-#include "support/real_desktop/private_desktop.h"
+#include "rig/private_desktop.h"
+#include "rig/processes/child_process.h"
 
 #include <cstdint>
 #include <set>

@@ -12,9 +12,9 @@
 #include "report.h"
 #include "truth.h"
 
-#include "support/processes/wait_until.h"
-#include "support/real_desktop/private_desktop.h"
-#include "support/real_desktop/screenshot.h"
+#include "rig/private_desktop.h"
+#include "rig/processes/wait_until.h"
+#include "rig/screenshot.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/processes/file_descriptor.h"
+#include "rig/processes/file_descriptor.h"
 
 #include <chrono>
 #include <cstdint>

@@ -2,11 +2,11 @@
 // a window that fills it and two smaller ones. "times" compares with what is named, in the same
 // run; "waits" is how often one capture waits for the X server.
 
-#include "platform/linux/idle_loop.h"
-#include "platform/linux/x11/x11_desktop.h"
+#include "platform/linux/loop/idle_loop.h"
+#include "platform/linux/x11/desktop.h"
 #include "platform/screen_capture.h"
-#include "support/real_desktop/private_desktop.h"
-#include "support/real_desktop/screenshot.h"
+#include "rig/private_desktop.h"
+#include "rig/screenshot.h"
 
 #include <benchmark/benchmark.h>
 

@@ -2,8 +2,8 @@
 
 #include "probes.h"
 
-#include "support/processes/wait_until.h"
-#include "support/real_desktop/chromium.h"
+#include "rig/chromium.h"
+#include "rig/processes/wait_until.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/geometry.h"
-#include "support/real_desktop/private_desktop.h"
+#include "rig/private_desktop.h"
 
 #include <cstddef>
 #include <span>

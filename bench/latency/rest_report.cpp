@@ -2,9 +2,9 @@
 
 #include "widget_factory.h"
 
-#include "support/processes/process_usage.h"
-#include "support/real_desktop/lumetry_settings.h"
-#include "support/real_desktop/overlay_reader.h"
+#include "rig/lumetry_settings.h"
+#include "rig/overlay_reader.h"
+#include "rig/processes/process_usage.h"
 
 #include <chrono>
 #include <cstdio>

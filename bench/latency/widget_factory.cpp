@@ -1,6 +1,6 @@
 #include "widget_factory.h"
 
-#include "support/real_desktop/desktop_windows.h"
+#include "rig/desktop_windows.h"
 
 #include <string>
 

@@ -14,9 +14,9 @@
 #include "platform/run_loop.h"
 #include "probe/probe_state.h"
 #include "probe/role_bucket.h"
+#include "rig/input_device.h"
+#include "rig/x_connection.h"
 #include "session/overlay.h"
-#include "support/real_desktop/input_device.h"
-#include "support/real_desktop/x_connection.h"
 #include "timed_accessibility.h"
 #include "timed_screen.h"
 

@@ -3,11 +3,11 @@
 //
 //   lumetry_bench_start
 
-#include "support/processes/process_usage.h"
-#include "support/real_desktop/lumetry_settings.h"
-#include "support/real_desktop/private_desktop.h"
-#include "support/real_desktop/shell_user.h"
-#include "support/real_desktop/tray_icon.h"
+#include "rig/lumetry_settings.h"
+#include "rig/private_desktop.h"
+#include "rig/processes/process_usage.h"
+#include "rig/shell_user.h"
+#include "rig/tray_icon.h"
 
 #include <X11/keysym.h>
 

@@ -1,4 +1,4 @@
-#include "platform/linux/atspi/text_attributes.h"
+#include "platform/linux/atspi/tree/text_attributes.h"
 
 #include "fuzz_input.h"
 

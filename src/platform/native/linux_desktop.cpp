@@ -1,8 +1,8 @@
 #include "platform/native/linux_desktop.h"
 
-#include "platform/linux/idle_loop.h"
 #include "platform/linux/lock/lock_services.h"
-#include "platform/linux/root_space.h"
+#include "platform/linux/loop/idle_loop.h"
+#include "platform/linux/windows/root_space.h"
 
 #include <cmath>
 #include <cstdlib>

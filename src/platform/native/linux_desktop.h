@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/linux/atspi/atspi_accessibility.h"
-#include "platform/linux/linux_applications.h"
-#include "platform/linux/linux_file_system.h"
-#include "platform/linux/x11/x11_desktop.h"
+#include "platform/linux/applications/applications.h"
+#include "platform/linux/atspi/accessibility.h"
+#include "platform/linux/system/file_system.h"
+#include "platform/linux/x11/desktop.h"
 #include "platform/native/linux_screen_lock.h"
 #include "platform/native/native_desktop.h"
 #include "platform/native/termination_signals.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/linux/lock_watch.h"
-#include "platform/linux/x11/handler_list.h"
+#include "base/handler_list.h"
+#include "platform/linux/lock/lock_watch.h"
 #include "platform/run_loop.h"
 #include "platform/screen_lock.h"
 
@@ -26,7 +26,7 @@ public:
 private:
     struct Watching {
         Watches watches;
-        x11::HandlerList<> handlers;
+        HandlerList<> handlers;
     };
 
     RunLoop& runLoop_;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/token.h"
-#include "platform/linux/file_descriptor_watcher.h"
+#include "platform/linux/loop/file_descriptor_watcher.h"
 
 #include <csignal>
 #include <functional>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/file_descriptor_watcher.h"
+#include "platform/linux/loop/file_descriptor_watcher.h"
 #include "platform/run_loop.h"
 
 #include <QObject>

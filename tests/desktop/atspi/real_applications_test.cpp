@@ -1,9 +1,9 @@
-#include "platform/linux/atspi/atspi_accessibility.h"
+#include "platform/linux/atspi/accessibility.h"
 
 #include "platform/ax_value.h"
-#include "support/real_desktop/accessible_tree.h"
-#include "support/real_desktop/desktop_windows.h"
-#include "support/real_desktop/private_desktop.h"
+#include "rig/accessible_tree.h"
+#include "rig/desktop_windows.h"
+#include "rig/private_desktop.h"
 
 #include <gtest/gtest.h>
 

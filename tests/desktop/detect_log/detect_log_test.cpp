@@ -1,9 +1,9 @@
-#include "support/real_desktop/accessible_tree.h"
-#include "support/real_desktop/chromium.h"
-#include "support/real_desktop/lumetry_settings.h"
-#include "support/real_desktop/overlay_reader.h"
-#include "support/real_desktop/private_desktop.h"
-#include "support/real_desktop/screenshot.h"
+#include "rig/accessible_tree.h"
+#include "rig/chromium.h"
+#include "rig/lumetry_settings.h"
+#include "rig/overlay_reader.h"
+#include "rig/private_desktop.h"
+#include "rig/screenshot.h"
 
 #include <gtest/gtest.h>
 

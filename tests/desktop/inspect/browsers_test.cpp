@@ -1,8 +1,8 @@
 #include "inspected_desktop.h"
 
-#include "support/real_desktop/chromium.h"
-#include "support/real_desktop/desktop_windows.h"
-#include "support/real_desktop/firefox.h"
+#include "rig/chromium.h"
+#include "rig/desktop_windows.h"
+#include "rig/firefox.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "inspected_desktop.h"
 
-#include "support/real_desktop/desktop_windows.h"
-#include "support/real_desktop/lumetry_settings.h"
+#include "rig/desktop_windows.h"
+#include "rig/lumetry_settings.h"
 
 #include <array>
 #include <cmath>

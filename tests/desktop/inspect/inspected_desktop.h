@@ -1,10 +1,10 @@
 #pragma once
 
-#include "support/processes/child_process.h"
-#include "support/real_desktop/accessible_tree.h"
-#include "support/real_desktop/overlay_reader.h"
-#include "support/real_desktop/private_desktop.h"
-#include "support/real_desktop/screenshot.h"
+#include "rig/accessible_tree.h"
+#include "rig/overlay_reader.h"
+#include "rig/private_desktop.h"
+#include "rig/processes/child_process.h"
+#include "rig/screenshot.h"
 
 #include <string>
 

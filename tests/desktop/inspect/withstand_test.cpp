@@ -1,6 +1,6 @@
 #include "inspected_desktop.h"
 
-#include "support/real_desktop/desktop_windows.h"
+#include "rig/desktop_windows.h"
 
 #include <X11/keysym.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #include "measured_desktop.h"
 #include "prices_page.h"
 
-#include "support/real_desktop/chromium.h"
-#include "support/real_desktop/desktop_windows.h"
+#include "rig/chromium.h"
+#include "rig/desktop_windows.h"
 
 #include <gtest/gtest.h>
 

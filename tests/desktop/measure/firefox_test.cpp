@@ -1,7 +1,7 @@
 #include "prices_page.h"
 
-#include "support/real_desktop/desktop_windows.h"
-#include "support/real_desktop/firefox.h"
+#include "rig/desktop_windows.h"
+#include "rig/firefox.h"
 
 #include <gtest/gtest.h>
 

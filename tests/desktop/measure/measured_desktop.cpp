@@ -1,6 +1,6 @@
 #include "measured_desktop.h"
 
-#include "support/real_desktop/desktop_windows.h"
+#include "rig/desktop_windows.h"
 
 #include <cmath>
 #include <stdexcept>

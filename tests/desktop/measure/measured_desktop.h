@@ -1,8 +1,8 @@
 #pragma once
 
-#include "support/processes/child_process.h"
-#include "support/real_desktop/accessible_tree.h"
-#include "support/real_desktop/private_desktop.h"
+#include "rig/accessible_tree.h"
+#include "rig/private_desktop.h"
+#include "rig/processes/child_process.h"
 
 #include <nlohmann/json.hpp>
 

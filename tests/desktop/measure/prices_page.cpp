@@ -1,6 +1,6 @@
 #include "prices_page.h"
 
-#include "support/processes/wait_until.h"
+#include "rig/processes/wait_until.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "measured_desktop.h"
 
-#include "support/processes/wait_until.h"
-#include "support/real_desktop/desktop_windows.h"
+#include "rig/desktop_windows.h"
+#include "rig/processes/wait_until.h"
 
 #include <gtest/gtest.h>
 

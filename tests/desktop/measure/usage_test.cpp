@@ -1,8 +1,8 @@
 #include "measured_desktop.h"
 
+#include "rig/desktop_guard.h"
+#include "rig/screenshot.h"
 #include "support/pictures/pictures.h"
-#include "support/real_desktop/desktop_guard.h"
-#include "support/real_desktop/screenshot.h"
 
 #include <gtest/gtest.h>
 

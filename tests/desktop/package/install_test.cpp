@@ -1,4 +1,4 @@
-#include "support/processes/child_process.h"
+#include "rig/processes/child_process.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

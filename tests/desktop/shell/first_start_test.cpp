@@ -1,5 +1,5 @@
-#include "support/real_desktop/lumetry_settings.h"
-#include "support/real_desktop/shell_user.h"
+#include "rig/lumetry_settings.h"
+#include "rig/shell_user.h"
 
 #include <X11/keysym.h>
 #include <gtest/gtest.h>

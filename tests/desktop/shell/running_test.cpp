@@ -1,6 +1,6 @@
-#include "support/real_desktop/bus.h"
-#include "support/real_desktop/lumetry_settings.h"
-#include "support/real_desktop/shell_user.h"
+#include "rig/bus.h"
+#include "rig/lumetry_settings.h"
+#include "rig/shell_user.h"
 
 #include <X11/keysym.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
-#include "support/processes/child_process.h"
-#include "support/processes/process_table.h"
-#include "support/processes/wait_until.h"
-#include "support/real_desktop/desktop_guard.h"
+#include "rig/desktop_guard.h"
+#include "rig/processes/child_process.h"
+#include "rig/processes/process_table.h"
+#include "rig/processes/wait_until.h"
 
 #include <gtest/gtest.h>
 

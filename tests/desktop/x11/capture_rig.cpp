@@ -1,6 +1,6 @@
 #include "capture_rig.h"
 
-#include "support/real_desktop/screenshot.h"
+#include "rig/screenshot.h"
 
 #include <xcb/composite.h>
 #include <xcb/shape.h>

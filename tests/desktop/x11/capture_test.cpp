@@ -2,8 +2,8 @@
 #include "capture_rig.h"
 
 #include "platform/overlay_window.h"
-#include "support/real_desktop/desktop_windows.h"
-#include "support/real_desktop/screenshot.h"
+#include "rig/desktop_windows.h"
+#include "rig/screenshot.h"
 
 #include <gmock/gmock.h>
 

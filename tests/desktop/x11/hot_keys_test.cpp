@@ -1,4 +1,4 @@
-#include "support/processes/child_process.h"
+#include "rig/processes/child_process.h"
 #include "x11_rig.h"
 
 #include <X11/keysym.h>

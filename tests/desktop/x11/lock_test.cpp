@@ -1,7 +1,7 @@
 #include "x11_rig.h"
 
 #include "platform/linux/lock/lock_services.h"
-#include "support/real_desktop/bus.h"
+#include "rig/bus.h"
 
 #include <gtest/gtest.h>
 

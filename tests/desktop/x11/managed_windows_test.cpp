@@ -1,6 +1,6 @@
 #include "x11_rig.h"
 
-#include "support/processes/programs.h"
+#include "rig/processes/programs.h"
 
 #include <gmock/gmock.h>
 #include <unistd.h>

@@ -2,7 +2,7 @@
 #include "x11_rig.h"
 
 #include "platform/overlay_window.h"
-#include "support/processes/programs.h"
+#include "rig/processes/programs.h"
 
 #include <gmock/gmock.h>
 #include <unistd.h>

@@ -1,10 +1,10 @@
 #include "block_rasterizer.h"
 #include "x11_rig.h"
 
-#include "platform/linux/x11/reply.h"
+#include "platform/linux/x11/connection/reply.h"
 #include "platform/overlay_window.h"
-#include "support/real_desktop/monitors.h"
-#include "support/real_desktop/screenshot.h"
+#include "rig/monitors.h"
+#include "rig/screenshot.h"
 
 #include <gmock/gmock.h>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/linux/file_descriptor_watcher.h"
+#include "platform/linux/loop/file_descriptor_watcher.h"
 #include "platform/run_loop.h"
-#include "support/processes/wait_until.h"
+#include "rig/processes/wait_until.h"
 
 #include <chrono>
 #include <cstddef>

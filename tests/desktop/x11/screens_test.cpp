@@ -1,6 +1,6 @@
 #include "x11_rig.h"
 
-#include "support/real_desktop/monitors.h"
+#include "rig/monitors.h"
 
 #include <gmock/gmock.h>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/linux/x11/x11_desktop.h"
+#include "platform/linux/x11/desktop.h"
 #include "poll_loop.h"
-#include "support/real_desktop/private_desktop.h"
+#include "rig/private_desktop.h"
 
 #include <xcb/xcb.h>
 

@@ -1,7 +1,7 @@
 #include "platform/linux/lock/lock_services.h"
 
-#include "platform/linux/bus_addresses.h"
 #include "platform/linux/lock/lock_service.h"
+#include "platform/linux/system/bus_addresses.h"
 
 namespace lumetry {
 namespace {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/linux/file_descriptor_watcher.h"
-#include "platform/linux/lock_watch.h"
+#include "platform/linux/lock/lock_watch.h"
+#include "platform/linux/loop/file_descriptor_watcher.h"
 
 #include <memory>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/x11/x11_desktop.h"
+#include "platform/linux/x11/desktop.h"
 #include "platform/qt/widgets/trays.h"
 
 namespace lumetry {

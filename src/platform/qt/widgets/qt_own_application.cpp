@@ -1,7 +1,7 @@
 #include "platform/qt/widgets/qt_own_application.h"
 
-#include "platform/linux/own_bundle.h"
-#include "platform/linux/settings_panes.h"
+#include "platform/linux/system/own_bundle.h"
+#include "platform/linux/system/settings_panes.h"
 #include "platform/qt/widgets/own_windows.h"
 
 #include <QCoreApplication>

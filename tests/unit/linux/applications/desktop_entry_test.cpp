@@ -1,7 +1,7 @@
-#include "platform/linux/desktop_entry.h"
+#include "platform/linux/applications/desktop_entry.h"
 
-#include "platform/linux/desktop_entries.h"
-#include "platform/linux/system_places.h"
+#include "platform/linux/applications/desktop_entries.h"
+#include "platform/linux/system/system_places.h"
 
 #include "linux_tree.h"
 

@@ -1,8 +1,8 @@
-#include "platform/linux/linux_applications.h"
+#include "platform/linux/applications/applications.h"
 
 #include "linux_tree.h"
-#include "platform/linux/browser_identifiers.h"
-#include "platform/linux/own_bundle.h"
+#include "platform/linux/applications/browser_identifiers.h"
+#include "platform/linux/system/own_bundle.h"
 #include "probe/electron.h"
 #include "support/fake_platform/fake_desktop.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/linux/desktop_windows.h"
-#include "platform/linux/system_places.h"
+#include "platform/linux/system/system_places.h"
+#include "platform/linux/windows/desktop_windows.h"
 
 #include <sys/types.h>
 

@@ -3,9 +3,9 @@
 #include "scripted_bus.h"
 
 #include "platform/ax_value.h"
-#include "platform/linux/atspi/atspi_accessibility.h"
-#include "platform/linux/desktop_windows.h"
-#include "platform/linux/file_descriptor_watcher.h"
+#include "platform/linux/atspi/accessibility.h"
+#include "platform/linux/loop/file_descriptor_watcher.h"
+#include "platform/linux/windows/desktop_windows.h"
 
 #include <gtest/gtest.h>
 #include <poll.h>

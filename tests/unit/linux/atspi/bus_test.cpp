@@ -1,7 +1,7 @@
 #include "atspi_test.h"
 
-#include "platform/linux/atspi/atspi_bus.h"
-#include "platform/linux/atspi/requests.h"
+#include "platform/linux/atspi/bus/bus.h"
+#include "platform/linux/atspi/bus/requests.h"
 
 #include <unistd.h>
 
@@ -12,7 +12,6 @@
 namespace lumetry::test {
 namespace {
 
-using atspi::AtspiBus;
 using atspi::deadlineIn;
 using atspi::Message;
 using atspi::ObjectReference;
@@ -30,7 +29,7 @@ protected:
         return {application.name(), path};
     }
 
-    AtspiBus requests{loop, std::chrono::hours(1)};
+    atspi::Bus requests{loop, std::chrono::hours(1)};
 };
 
 TEST_F(Bus, RepliesComeInTheOrderOfTheirRequestsAfterOneWait) {

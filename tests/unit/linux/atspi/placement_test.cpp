@@ -1,5 +1,5 @@
-#include "platform/linux/atspi/placement.h"
-#include "platform/linux/atspi/whole_points.h"
+#include "platform/linux/atspi/tree/placement.h"
+#include "platform/linux/atspi/tree/whole_points.h"
 
 #include "atspi_test.h"
 

@@ -1,4 +1,4 @@
-#include "platform/linux/atspi/processes.h"
+#include "platform/linux/atspi/tree/processes.h"
 
 #include "atspi_test.h"
 
@@ -25,7 +25,7 @@ TEST_F(AtspiTest, ApplicationsInSandboxesAreFoundThroughTheirProxies) {
     describe(inside, "editor", "app-flatpak-org.example.Editor-1.scope");
     describe(elsewhere, "viewer", "app-flatpak-org.example.Viewer-2.scope");
     const auto found = [&](pid_t pid) {
-        atspi::AtspiBus fresh(loop);
+        atspi::Bus fresh(loop);
         atspi::Processes processes(fresh, folder);
         return processes.rootsOf(pid, atspi::deadlineIn(30)).size();
     };

@@ -1,4 +1,4 @@
-#include "platform/linux/atspi/roles.h"
+#include "platform/linux/atspi/tree/roles.h"
 
 #include "probe/role_bucket.h"
 

@@ -1,6 +1,6 @@
 #include "scripted_bus.h"
 
-#include "support/processes/file_descriptor.h"
+#include "rig/processes/file_descriptor.h"
 
 #include <glib.h>
 #include <sys/mman.h>

@@ -1,5 +1,5 @@
-#include "platform/linux/x11/handler_list.h"
-#include "platform/linux/x11/key_roles.h"
+#include "base/handler_list.h"
+#include "platform/linux/x11/input/key_roles.h"
 
 #include <gmock/gmock.h>
 

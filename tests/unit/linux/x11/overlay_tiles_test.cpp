@@ -1,4 +1,4 @@
-#include "platform/linux/x11/overlay_tiles.h"
+#include "platform/linux/x11/overlay/tiles.h"
 #include "platform/qt/painter_rasterizer.h"
 
 #include <QGuiApplication>

@@ -1,5 +1,5 @@
-#include "platform/linux/x11/opaque_parts.h"
-#include "platform/linux/x11/pixel_format.h"
+#include "platform/linux/x11/overlay/opaque_parts.h"
+#include "platform/linux/x11/overlay/pixel_format.h"
 
 #include <gmock/gmock.h>
 

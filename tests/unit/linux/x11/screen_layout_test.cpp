@@ -1,4 +1,4 @@
-#include "platform/linux/x11/screen_layout.h"
+#include "platform/linux/x11/windows/screen_layout.h"
 
 #include <gmock/gmock.h>
 

@@ -1,0 +1,41 @@
+#include "rig/lumetry_settings.h"
+
+#include <fstream>
+#include <string>
+
+namespace lumetry::desktop {
+namespace {
+
+void addSetting(const PrivateDesktop& desktop, const std::string& line) {
+    const auto file = lumetrySettings(desktop);
+    std::filesystem::create_directories(file.parent_path());
+    const bool begun = std::filesystem::exists(file);
+    std::ofstream(file, std::ios::app) << (begun ? "" : "[General]\n") << line << '\n';
+}
+
+} // namespace
+
+std::filesystem::path lumetrySettings(const PrivateDesktop& desktop) {
+    return std::filesystem::path(desktop.environment().at("XDG_CONFIG_HOME")) / "lumetry" /
+           "lumetry.conf";
+}
+
+void markOnboarded(const PrivateDesktop& desktop) {
+    addSetting(desktop, "lumetry.onboarded=true");
+}
+
+void switchOnDetectLog(const PrivateDesktop& desktop) {
+    addSetting(desktop, "lumetry.debug=true");
+}
+
+bool isOnboarded(const PrivateDesktop& desktop) {
+    std::ifstream file(lumetrySettings(desktop));
+    for (std::string line; std::getline(file, line);) {
+        if (line == "lumetry.onboarded=true") {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace lumetry::desktop

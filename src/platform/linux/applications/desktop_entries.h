@@ -1,0 +1,46 @@
+#pragma once
+
+#include "platform/linux/applications/desktop_entry.h"
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace lumetry {
+
+/// The desktop entries of the system and the user. Read when they are first asked for, and again
+/// when something was installed or removed.
+class DesktopEntries {
+public:
+    DesktopEntries(std::vector<std::filesystem::path> dataFolders,
+                   std::vector<std::string> languages)
+        : dataFolders_(std::move(dataFolders)), languages_(std::move(languages)) {}
+
+    /// Reads them anew if a folder has changed; whether it did.
+    bool refresh();
+    [[nodiscard]] const std::vector<DesktopEntry>& all() const { return entries_; }
+    /// Null when there is none.
+    [[nodiscard]] const DesktopEntry* find(std::string_view id) const;
+    /// The id that the file of an entry stands for: its path below a folder of entries, with
+    /// dashes for slashes; of a file elsewhere its name.
+    [[nodiscard]] std::string idOf(const std::filesystem::path& file) const;
+
+private:
+    using Changes = std::map<std::filesystem::path, std::filesystem::file_time_type>;
+
+    [[nodiscard]] bool isUnchanged() const;
+    void readFolder(const std::filesystem::path& folder);
+    void readEntry(const std::filesystem::path& file, const std::string& id);
+
+    std::vector<std::filesystem::path> dataFolders_;
+    std::vector<std::string> languages_;
+    bool read_ = false;
+    Changes changed_; ///< when each folder was last changed
+    std::vector<DesktopEntry> entries_;
+    std::map<std::string, std::size_t, std::less<>> placeById_;
+};
+
+} // namespace lumetry

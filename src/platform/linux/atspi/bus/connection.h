@@ -1,0 +1,49 @@
+#pragma once
+
+#include "platform/linux/atspi/bus/message.h"
+
+#include <dbus/dbus.h>
+
+#include <memory>
+
+namespace lumetry::atspi {
+
+/// A connection that nobody else uses, and the reference to it.
+struct CloseConnection {
+    void operator()(DBusConnection* connection) const {
+        dbus_connection_close(connection);
+        dbus_connection_unref(connection);
+    }
+};
+using Connection = std::unique_ptr<DBusConnection, CloseConnection>;
+
+/// False for null, too.
+[[nodiscard]] bool isConnected(const Connection& connection);
+
+/// The session bus, and what it says of accessibility. It is connected when it is first needed.
+class SessionBus {
+public:
+    enum class Accessibility {
+        noSessionBus, ///< there is no session bus, or it cannot be reached
+        noService,    ///< nothing on it looks after the accessibility bus
+        disabled,     ///< no assistive technology is announced: applications keep their trees back
+        enabled,
+    };
+
+    [[nodiscard]] Accessibility accessibility();
+    /// Announces an assistive technology to all applications, or withdraws it; whether that worked.
+    bool setAccessibilityEnabled(bool enabled);
+    /// Whether the service that knows the accessibility bus says where it is.
+    [[nodiscard]] bool knowsAccessibilityBus();
+
+private:
+    [[nodiscard]] bool connect();
+    [[nodiscard]] Reply ask(Message request);
+
+    Connection connection_;
+};
+
+/// Connects to the accessibility bus; null when there is none.
+[[nodiscard]] Connection openAccessibilityBus(SessionBus& session);
+
+} // namespace lumetry::atspi

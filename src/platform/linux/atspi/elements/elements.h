@@ -1,0 +1,153 @@
+#pragma once
+
+#include "platform/ax_ui_element.h"
+#include "platform/ax_value.h"
+#include "platform/linux/atspi/bus/object_reference.h"
+#include "platform/linux/atspi/elements/context.h"
+#include "platform/linux/atspi/tree/reply_cache.h"
+#include "platform/linux/atspi/tree/tables.h"
+#include "platform/linux/atspi/tree/toolkits.h"
+
+#include <sys/types.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace lumetry::atspi {
+
+/// What has to be asked for an attribute; nothing for one that accessible objects do not have.
+[[nodiscard]] std::vector<Question> questionsFor(std::string_view attribute);
+
+/// What is common to all kinds of elements.
+class Element : public AXUIElementBackend {
+public:
+    explicit Element(Context& context) : context_(context) {}
+
+    [[nodiscard]] std::optional<AXValue>
+    copyParameterizedAttributeValue(std::string_view attribute,
+                                    const AXValue& parameter) const override;
+    void setAttributeValue(std::string_view attribute, const AXValue& value) const override;
+    [[nodiscard]] std::optional<AXUIElement> copyElementAtPosition(float x, float y) const override;
+    /// 0 goes back to the program's default.
+    void setMessagingTimeout(float seconds) const override;
+
+protected:
+    [[nodiscard]] Context& context() const { return context_; }
+    [[nodiscard]] Deadline deadline() const { return context_.deadline(timeoutSeconds_); }
+    [[nodiscard]] std::optional<AXUIElement> elementAt(Point point, std::optional<pid_t> pid) const;
+    /// Where something of the object is, as the position or the size that is asked for.
+    [[nodiscard]] std::optional<AXValue> place(std::string_view attribute, const Extents& extents,
+                                               const ObjectReference& object) const;
+
+private:
+    Context& context_;
+    /// A handle's own setting, which says nothing of the element.
+    mutable std::optional<float> timeoutSeconds_;
+};
+
+/// An accessible object of some application.
+class ObjectElement final : public Element {
+public:
+    /// @param pid of the application; absent when not known yet
+    ObjectElement(Context& context, ObjectReference object, std::optional<pid_t> pid)
+        : Element(context), object_(std::move(object)), pid_(pid) {}
+
+    [[nodiscard]] const ObjectReference& object() const { return object_; }
+
+    [[nodiscard]] std::optional<AXValue>
+    copyAttributeValue(std::string_view attribute) const override;
+    [[nodiscard]] std::optional<AXValue>
+    copyParameterizedAttributeValue(std::string_view attribute,
+                                    const AXValue& parameter) const override;
+    [[nodiscard]] std::optional<pid_t> getPid() const override;
+    [[nodiscard]] bool isSameElement(const AXUIElementBackend& other) const override;
+
+private:
+    [[nodiscard]] AXUIElement relative(ObjectReference object) const;
+    [[nodiscard]] std::vector<Reply> ask(const std::vector<Question>& questions) const;
+    [[nodiscard]] static std::optional<AXValue> value(const Reply& beginning, const Reply& number);
+    [[nodiscard]] static std::optional<AXValue> numberOfCharacters(const Reply& count,
+                                                                   const Reply& beginning);
+    [[nodiscard]] std::optional<AXValue> parent(const Reply& reply) const;
+    [[nodiscard]] std::optional<AXValue> children(const Reply& reply, const Reply& role) const;
+    [[nodiscard]] std::optional<AXValue> rows() const;
+    void removeUnseen(std::vector<ObjectReference>& objects, Habits::Unseen unseen) const;
+
+    ObjectReference object_;
+    std::optional<pid_t> pid_;
+};
+
+/// A piece of an object's text, as a child of its own where the application has no object for it.
+class TextElement final : public Element {
+public:
+    TextElement(Context& context, const ObjectReference& object, std::optional<pid_t> pid,
+                const TextLeaf& text)
+        : Element(context), owner_(std::make_shared<ObjectElement>(context, object, pid)),
+          text_(text) {}
+
+    [[nodiscard]] std::optional<AXValue>
+    copyAttributeValue(std::string_view attribute) const override;
+    [[nodiscard]] std::optional<AXValue>
+    copyParameterizedAttributeValue(std::string_view attribute,
+                                    const AXValue& parameter) const override;
+    [[nodiscard]] std::optional<pid_t> getPid() const override { return owner_->getPid(); }
+    void setMessagingTimeout(float seconds) const override;
+    [[nodiscard]] bool isSameElement(const AXUIElementBackend& other) const override;
+
+private:
+    std::shared_ptr<ObjectElement> owner_;
+    TextLeaf text_;
+};
+
+/// A row of a table, as a child of its own where the application has objects for its cells only.
+class RowElement final : public Element {
+public:
+    RowElement(Context& context, const ObjectReference& table, std::optional<pid_t> pid,
+               const TableRow& row)
+        : Element(context), table_(std::make_shared<ObjectElement>(context, table, pid)),
+          row_(row) {}
+
+    [[nodiscard]] std::optional<AXValue>
+    copyAttributeValue(std::string_view attribute) const override;
+    [[nodiscard]] std::optional<pid_t> getPid() const override { return table_->getPid(); }
+    [[nodiscard]] bool isSameElement(const AXUIElementBackend& other) const override;
+
+private:
+    std::shared_ptr<ObjectElement> table_;
+    TableRow row_;
+};
+
+/// A process, whether or not it is an application on the bus.
+class ApplicationElement final : public Element {
+public:
+    ApplicationElement(Context& context, pid_t pid) : Element(context), pid_(pid) {}
+
+    [[nodiscard]] std::optional<AXValue>
+    copyAttributeValue(std::string_view attribute) const override;
+    void setAttributeValue(std::string_view attribute, const AXValue& value) const override;
+    [[nodiscard]] std::optional<AXUIElement> copyElementAtPosition(float x, float y) const override;
+    [[nodiscard]] std::optional<pid_t> getPid() const override { return pid_; }
+    [[nodiscard]] bool isSameElement(const AXUIElementBackend& other) const override;
+
+private:
+    pid_t pid_;
+};
+
+/// The root of everything on screen.
+class SystemWideElement final : public Element {
+public:
+    using Element::Element;
+
+    [[nodiscard]] std::optional<AXValue>
+    copyAttributeValue(std::string_view attribute) const override;
+    [[nodiscard]] std::optional<AXUIElement> copyElementAtPosition(float x, float y) const override;
+    void setMessagingTimeout(float seconds) const override;
+    [[nodiscard]] std::optional<pid_t> getPid() const override { return std::nullopt; }
+    [[nodiscard]] bool isSameElement(const AXUIElementBackend& other) const override;
+};
+
+} // namespace lumetry::atspi

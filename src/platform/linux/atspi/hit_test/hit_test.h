@@ -1,0 +1,88 @@
+#pragma once
+
+#include "base/geometry.h"
+#include "platform/linux/atspi/bus/bus.h"
+#include "platform/linux/atspi/bus/deadline.h"
+#include "platform/linux/atspi/bus/object_reference.h"
+#include "platform/linux/atspi/hit_test/popovers.h"
+#include "platform/linux/atspi/tree/inquiry.h"
+#include "platform/linux/atspi/tree/placement.h"
+#include "platform/linux/atspi/tree/processes.h"
+#include "platform/linux/atspi/tree/reply_cache.h"
+#include "platform/linux/atspi/tree/text_leaves.h"
+#include "platform/linux/atspi/tree/toolkits.h"
+#include "platform/linux/atspi/tree/top_levels.h"
+#include "platform/linux/windows/desktop_windows.h"
+
+#include <sys/types.h>
+
+#include <optional>
+#include <vector>
+
+namespace lumetry::atspi {
+
+/// Finds the innermost object at a point: the window under it, then the object that stands for the
+/// window, then down from there.
+class HitTest {
+public:
+    HitTest(DesktopWindows& windows, Bus& bus, ReplyCache& cache, Processes& processes,
+            Toolkits& toolkits)
+        : windows_(windows), bus_(bus), cache_(cache), toolkits_(toolkits),
+          topLevels_(bus, processes, toolkits), popovers_(bus), textLeaves_(bus, cache, toolkits) {}
+
+    struct Hit {
+        ObjectReference object;
+        pid_t pid = 0; ///< whose window it is in
+        /// What of the object's text is at the point, where that has no object of its own.
+        std::optional<TextLeaf> text = std::nullopt;
+    };
+
+    /// @param point accessibility space
+    /// @param pid only in windows of that process, when given
+    [[nodiscard]] std::optional<Hit> objectAt(Point point, std::optional<pid_t> pid,
+                                              Deadline deadline);
+
+    /// How the places of that object become pixels of the root window.
+    [[nodiscard]] Placement placementOf(const ObjectReference& object) const {
+        return topLevels_.placementOf(object);
+    }
+    /// Where a frame is that does not say so itself, in pixels of the root window.
+    [[nodiscard]] std::optional<Rect> placeOfFrame(const ObjectReference& object) const {
+        return topLevels_.placeOfFrame(object);
+    }
+    /// The window of the last hit, without its decorations, in pixels of the root window.
+    [[nodiscard]] const Rect& lastClient() const { return lastClient_; }
+    /// Whether that object stands for the window that was hit last.
+    [[nodiscard]] bool isWindow(const ObjectReference& object) const {
+        return object == lastTopLevel_;
+    }
+    [[nodiscard]] std::vector<TextLeaf> textLeavesIn(const ObjectReference& object,
+                                                     Deadline deadline) {
+        return textLeaves_.in(object, deadline);
+    }
+
+private:
+    [[nodiscard]] std::optional<ObjectReference> objectIn(const DesktopWindow& window, pid_t pid,
+                                                          Point point, Deadline deadline);
+    [[nodiscard]] std::optional<ObjectReference> contentOfHollowPopup(pid_t pid, Pixel at,
+                                                                      Deadline deadline);
+    void askWhatTellsRole(Inquiry& inquiry, const ObjectReference& object, const Habits& habits);
+    void askAboutLastWay(Inquiry& inquiry);
+    void keepWhatHelps(const Inquiry& inquiry, const TopLevel& topLevel);
+
+    DesktopWindows& windows_;
+    Bus& bus_;
+    ReplyCache& cache_;
+    Toolkits& toolkits_;
+    TopLevels topLevels_;
+    Popovers popovers_;
+    TextLeaves textLeaves_;
+    /// What the last hit test went by, and in which window: the pointer is near there mostly, and
+    /// then one exchange serves the whole way down.
+    std::vector<Inquiry::Query> lastWay_;
+    ObjectReference lastTopLevel_;
+    Rect lastClient_;
+    std::optional<ObjectReference> lastChild_; ///< what that window answered
+};
+
+} // namespace lumetry::atspi

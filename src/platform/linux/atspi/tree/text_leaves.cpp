@@ -1,0 +1,223 @@
+#include "platform/linux/atspi/tree/text_leaves.h"
+
+#include "base/text.h"
+#include "platform/linux/atspi/bus/requests.h"
+#include "platform/linux/atspi/tree/roles.h"
+#include "platform/linux/atspi/tree/states.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstddef>
+#include <cstdlib>
+#include <string>
+#include <thread>
+#include <utility>
+
+namespace lumetry::atspi {
+namespace {
+
+constexpr std::size_t mostPieces = 64;
+/// Far longer than what is read at a glance, and little enough for an application to look through.
+constexpr std::int64_t longestText = 10000;
+
+/// A place one pixel wide is Chromium's word for none.
+constexpr std::int32_t narrowestText = 2;
+
+constexpr std::string_view objectReplacementCharacter = "\xEF\xBF\xBC";
+constexpr std::string_view zeroWidthNoBreakSpace = "\xEF\xBB\xBF";
+
+std::int32_t charactersIn(std::string_view text) {
+    constexpr unsigned leadingBits = 0xC0;
+    constexpr unsigned continuation = 0x80;
+    return static_cast<std::int32_t>(std::ranges::count_if(text, [](char byte) {
+        return (static_cast<unsigned char>(byte) & leadingBits) != continuation;
+    }));
+}
+
+/// Behind the bullet or the number of a list's item, which is no part of its text.
+std::size_t markerLength(std::string_view item) {
+    for (const std::string_view bullet : {"• ", "◦ ", "▪ "}) {
+        if (item.starts_with(bullet)) {
+            return bullet.size();
+        }
+    }
+    constexpr std::string_view afterNumber = ". ";
+    const auto digits = item.find_first_not_of("0123456789");
+    const bool numbered = digits != 0 && digits != std::string_view::npos &&
+                          item.substr(digits).starts_with(afterNumber);
+    return numbered ? digits + afterNumber.size() : 0;
+}
+
+/// Without their places yet, and without the white space around them; none where there are more
+/// than anything is measured by.
+std::vector<TextLeaf> piecesOf(std::string_view text, std::size_t markerLength) {
+    constexpr std::string_view whiteSpace = " \t\r\n\f";
+    std::vector<TextLeaf> pieces;
+    std::int32_t start = 0;
+    for (std::size_t children = 0; !text.empty(); ++children) {
+        const std::string_view piece = text.substr(0, text.find(objectReplacementCharacter));
+        const auto first = piece.find_first_not_of(whiteSpace, children == 0 ? markerLength : 0);
+        if (first != std::string_view::npos) {
+            if (pieces.size() == mostPieces) {
+                return {};
+            }
+            const auto last = piece.find_last_not_of(whiteSpace);
+            const auto pieceStart = start + charactersIn(piece.substr(0, first));
+            const auto length = charactersIn(piece.substr(first, last + 1 - first));
+            pieces.push_back({pieceStart, pieceStart + length, {}, children});
+        }
+        start += charactersIn(piece) + 1;
+        text.remove_prefix(std::min(text.size(), piece.size() + objectReplacementCharacter.size()));
+    }
+    return pieces;
+}
+
+/// Whether what the object holds is typed, or chosen instead of typed: the room around that belongs
+/// to it.
+bool isField(const Reply& role, const Reply& states, const Habits& habits) {
+    constexpr std::array fields = {ATSPI_ROLE_ENTRY, ATSPI_ROLE_PASSWORD_TEXT,
+                                   ATSPI_ROLE_SPIN_BUTTON, ATSPI_ROLE_EDITBAR};
+    return (hasState(statesOf(states).value_or(0), ATSPI_STATE_EDITABLE) &&
+            !habits.editsDocuments) ||
+           std::ranges::find(fields, integerOf(role)) != fields.end();
+}
+
+/// Whether the object is nothing but its text, or a field whatever its states.
+bool isText(const Reply& role) {
+    constexpr std::array<std::string_view, 7> texts = {"AXStaticText", "AXHeading",  "AXLink",
+                                                       "AXTextField",  "AXTextArea", "AXComboBox",
+                                                       "AXIncrementor"};
+    return std::ranges::find(texts, axRole(integerOf(role).value_or(-1))) != texts.end();
+}
+
+/// Chromium rounds the place of a text and that of what is around it, each by itself. The widths of
+/// texts have fractions, so that their right ends are known to a pixel only, and one in the middle
+/// would seem to be beside it.
+void centre(Extents& text, const Extents& around) {
+    const std::int64_t left = std::int64_t{text.x} - around.x;
+    const std::int64_t right = around.width - left - text.width;
+    const std::int64_t centred = around.width - 2 * left;
+    if (std::abs(left - right) == 1 && left >= 0 && centred > 0) {
+        text.width = static_cast<std::int32_t>(centred);
+    }
+}
+
+} // namespace
+
+std::string withoutPlaceholders(std::string_view text) {
+    return removingOccurrences(removingOccurrences(text, objectReplacementCharacter),
+                               zeroWidthNoBreakSpace);
+}
+
+std::vector<TextLeaf> TextLeaves::in(const ObjectReference& object, Deadline deadline) {
+    const Toolkit toolkit = toolkits_.of(object);
+    const Habits& habits = habitsOf(toolkit);
+    const bool onlyOfLeaves = habits.textLeaves == Habits::TextLeaves::ofLeaves;
+    // In Chromium nearly all objects have a text, which is read in any case.
+    if (onlyOfLeaves && toolkit != Toolkit::chromium && !mayHoldText(object, deadline)) {
+        return {};
+    }
+    std::vector<Asked> questions = {{object, Question::text},
+                                    {object, Question::characterCount},
+                                    {object, Question::states},
+                                    {object, Question::role}};
+    if (onlyOfLeaves) {
+        questions.push_back({object, Question::children});
+    }
+    if (toolkit == Toolkit::chromium) {
+        // The last two are asked along: they are shown of nearly every element.
+        questions.insert(
+            questions.end(),
+            {{object, Question::extents}, {object, Question::name}, {object, Question::value}});
+    }
+    const auto replies = cache_.ask(questions, deadline);
+    const auto& role = replies[3];
+    if (isField(role, replies[2], habits)) {
+        return {};
+    }
+    if (onlyOfLeaves) {
+        const auto children = referencesOf(replies[4]);
+        if (integerOf(role) == ATSPI_ROLE_STATIC || !children || !children->empty()) {
+            return {};
+        }
+    }
+    const auto count = integerOf(replies[1]).value_or(0);
+    if (count > longestText) {
+        return {};
+    }
+    const auto text =
+        count <= textBeginningCharacters
+            ? textOf(replies[0])
+            : textOf(cache_.ask({object, Question::textPart, 0, static_cast<std::int32_t>(count)},
+                                deadline));
+    const std::string_view told = text ? std::string_view(*text) : std::string_view();
+    auto pieces = piecesOf(told, integerOf(role) == ATSPI_ROLE_LIST_ITEM ? markerLength(told) : 0);
+    if (toolkit != Toolkit::chromium || pieces.empty()) {
+        return placed(object, std::move(pieces), deadline);
+    }
+    awaitPlaces(object, pieces.front(), deadline);
+    pieces = placed(object, std::move(pieces), deadline);
+    if (const auto around = extentsOf(replies[5])) {
+        for (TextLeaf& piece : pieces) {
+            centre(piece.place, *around);
+        }
+    }
+    return pieces;
+}
+
+/// By what is known of the object once it has been hit: most have no text, or are nothing but that.
+bool TextLeaves::mayHoldText(const ObjectReference& object, Deadline deadline) {
+    const auto replies = cache_.ask(
+        std::array{Asked{object, Question::role}, Asked{object, Question::interfaces}}, deadline);
+    return !isText(replies[0]) &&
+           interfacesOf(replies[1]).value_or(Interfaces()).contains(Interface::text);
+}
+
+/// The pieces that have a place, with it.
+std::vector<TextLeaf> TextLeaves::placed(const ObjectReference& object,
+                                         std::vector<TextLeaf> pieces, Deadline deadline) {
+    std::vector<Asked> places;
+    places.reserve(pieces.size());
+    for (const TextLeaf& piece : pieces) {
+        places.push_back({object, Question::textPlace, piece.start, piece.end});
+    }
+    const auto told = cache_.ask(places, deadline);
+    for (std::size_t index = 0; index < pieces.size(); ++index) {
+        pieces[index].place = extentsOf(told[index]).value_or(Extents());
+    }
+    std::erase_if(pieces, [](const TextLeaf& piece) {
+        return piece.place.width < narrowestText || piece.place.height <= 0;
+    });
+    return pieces;
+}
+
+/// Chromium tells the places of texts only once somebody has asked for one, and some milliseconds
+/// later. An application that has no place for this text is not waited for again.
+void TextLeaves::awaitPlaces(const ObjectReference& object, const TextLeaf& text,
+                             Deadline deadline) {
+    using namespace std::chrono_literals;
+    if (generation_ != bus_.generation()) {
+        generation_ = bus_.generation();
+        awaited_.clear();
+    }
+    if (awaited_.contains(object.name)) {
+        return;
+    }
+    const AtspiCoordType coordinates = toolkits_.habitsFor(object).coordinates;
+    const Deadline latest = std::min(deadline, Clock::now() + 100ms);
+    while (true) {
+        const auto place = extentsOf(
+            bus_.exchange(getRangeExtents(object, text.start, text.end, coordinates), deadline));
+        if (!place) {
+            return;
+        }
+        if (place->width >= narrowestText || Clock::now() >= latest) {
+            break;
+        }
+        std::this_thread::sleep_for(4ms);
+    }
+    awaited_.insert(object.name);
+}
+
+} // namespace lumetry::atspi

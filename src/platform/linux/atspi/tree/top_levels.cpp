@@ -1,0 +1,316 @@
+#include "platform/linux/atspi/tree/top_levels.h"
+
+#include "platform/linux/atspi/bus/requests.h"
+#include "platform/linux/atspi/tree/placement.h"
+#include "platform/linux/atspi/tree/popup_search.h"
+#include "platform/linux/atspi/tree/states.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <tuple>
+#include <utility>
+
+namespace lumetry::atspi {
+namespace {
+
+constexpr std::size_t mostTopLevels = 200;
+constexpr std::size_t mostWindowsRemembered = 500;
+/// A popup fills its window up to a border; less than this is something else.
+constexpr double leastPopupOverlap = 0.7;
+/// Another window of the same application may overlap this one, but not by much.
+constexpr double leastWindowOverlap = 0.2;
+/// A popup may not be there yet when its window is.
+constexpr int mostSearches = 3;
+/// Windows as alike as this cannot be told apart by their places.
+constexpr double ambiguity = 0.02;
+
+bool countsFromWindow(Toolkit toolkit) {
+    return habitsOf(toolkit).coordinates == ATSPI_COORD_TYPE_WINDOW;
+}
+
+/// The same as from the window's own origin, which goes with it when it is moved.
+Placement relativeTo(const DesktopWindow& window, const Placement& placement) {
+    return {placement.scale,
+            {placement.origin.x - window.client.x, placement.origin.y - window.client.y}};
+}
+
+} // namespace
+
+std::optional<TopLevel> TopLevels::at(Point at, const DesktopWindow& window, pid_t pid,
+                                      Deadline deadline) {
+    auto topLevel = find(window, pid, deadline);
+    if (topLevel && habitsOf(topLevel->toolkit).placelessFrames) {
+        framePlaces_.insert_or_assign(topLevel->object, window.bounds);
+    }
+    if (!topLevel || !habitsOf(topLevel->toolkit).embeds) {
+        return topLevel;
+    }
+    // What was hit before may have lain below the menu bar of this window or another one.
+    placements_[topLevel->object.name].origin = {};
+    Known& known = entry(window.id);
+    if (!window.popup && !std::exchange(known.embeddedIsKnown, true)) {
+        known.embedded = embeddedIn(*topLevel, window, deadline);
+    }
+    const Point inWindow = {at.x - window.client.x, at.y - window.client.y};
+    if (!known.embedded || !known.embedded->area.contains(inWindow)) {
+        return topLevel;
+    }
+    const auto& [object, area, placement] = *known.embedded;
+    placements_.insert_or_assign(object.name, placement);
+    return TopLevel{object, topLevel->toolkit};
+}
+
+/// Told to begin where the window does, it ends as much above the window's end as the menu bar is
+/// high.
+std::optional<TopLevels::Embedded>
+TopLevels::embeddedIn(const TopLevel& topLevel, const DesktopWindow& window, Deadline deadline) {
+    const Rect& client = window.client;
+    const Placement placement = {placementOf(topLevel.object).scale, {}};
+    Rect told;
+    const auto fits = [&](const Extents& extents) {
+        constexpr double leastShare = 0.5;
+        told = placeOf(extents, placement);
+        return std::abs(told.x - client.x) < 2 && std::abs(told.y - client.y) < 2 &&
+               std::abs(told.width - client.width) < 2 && told.height < client.height - 1 &&
+               told.height > leastShare * client.height;
+    };
+    auto object =
+        firstShowingBelow(bus_, {topLevel.object}, habitsOf(topLevel.toolkit), fits, deadline);
+    if (!object) {
+        return std::nullopt;
+    }
+    const double shift = client.maxY() - told.maxY();
+    return Embedded{
+        std::move(*object), {0, shift, client.width, told.height}, {placement.scale, {0, shift}}};
+}
+
+std::optional<TopLevel> TopLevels::find(const DesktopWindow& window, pid_t pid, Deadline deadline) {
+    Known& known = entry(window.id);
+    if (known.insideWindow) {
+        const auto& [scale, inset] = *known.insideWindow;
+        placements_.insert_or_assign(
+            known.topLevel->object.name,
+            Placement{scale, {window.client.x + inset.x, window.client.y + inset.y}});
+    }
+    if (known.topLevel || known.searches >= mostSearches) {
+        return known.topLevel;
+    }
+    const auto topLevels = topLevelsOf(pid, deadline);
+    auto candidates = rate(topLevels, window, deadline);
+    const double least = window.popup ? leastPopupOverlap : leastWindowOverlap;
+    std::erase_if(candidates,
+                  [&](const Candidate& candidate) { return candidate.overlap < least; });
+    if (candidates.empty()) {
+        known.topLevel =
+            window.popup ? searchPopup(topLevels, window, pid, deadline) : std::nullopt;
+        known.searches += window.popup && !known.topLevel ? 1 : 0;
+        return known.topLevel;
+    }
+    std::ranges::sort(candidates, [](const Candidate& a, const Candidate& b) {
+        const auto rank = [](const Candidate& candidate) {
+            return std::tuple(candidate.showing,
+                              candidate.overlap + (candidate.active ? ambiguity : 0));
+        };
+        return rank(a) > rank(b);
+    });
+    const Candidate& best = candidates.front();
+    const bool fits = best.showing && lieAlike(best.place, window.bounds);
+    const bool distinct = candidates.size() == 1 || best.active ||
+                          best.showing != candidates[1].showing ||
+                          best.overlap - candidates[1].overlap > ambiguity;
+    // The object of a new window may not be listed yet: another one's is not to be kept for it.
+    const bool certain = fits && distinct;
+    const bool countsFromHere = countsFromWindow(best.topLevel.toolkit);
+    if (certain || countsFromHere) {
+        learnPlacement(best);
+    }
+    if (certain) {
+        known.topLevel = best.topLevel;
+        if (countsFromHere) {
+            known.insideWindow = relativeTo(window, best.placement);
+        }
+    }
+    return best.topLevel;
+}
+
+TopLevels::Known& TopLevels::entry(std::uint32_t window) {
+    if (generation_ != bus_.generation() || known_.size() > mostWindowsRemembered) {
+        generation_ = bus_.generation();
+        known_.clear();
+        lastHits_.clear();
+        placements_.clear();
+        toolkits_.forgetAll();
+        windowScales_.clear();
+        framePlaces_.clear();
+    }
+    return known_[window];
+}
+
+/// The windows of all the process's applications, as they list them.
+std::vector<TopLevel> TopLevels::topLevelsOf(pid_t pid, Deadline deadline) {
+    const auto roots = processes_.rootsOf(pid, deadline);
+    std::vector<Message> requests;
+    for (const ObjectReference& root : roots) {
+        requests.push_back(getChildren(root));
+        requests.push_back(getToolkitName(root));
+        requests.push_back(getName(root));
+    }
+    const auto replies = bus_.exchange(std::move(requests), deadline);
+    std::vector<TopLevel> topLevels;
+    for (std::size_t index = 0; index < roots.size(); ++index) {
+        const Reply& children = replies[3 * index];
+        if (children.outcome == Outcome::gone) {
+            processes_.forget(roots[index].name);
+        }
+        const Toolkit toolkit = toolkitNamed(textOf(replies[3 * index + 1]).value_or(""),
+                                             textOf(replies[3 * index + 2]).value_or(""));
+        toolkits_.remember(roots[index].name, toolkit);
+        for (ObjectReference& child :
+             referencesOf(children).value_or(std::vector<ObjectReference>())) {
+            topLevels.push_back({std::move(child), toolkit});
+        }
+    }
+    topLevels.resize(std::min(topLevels.size(), mostTopLevels));
+    return topLevels;
+}
+
+std::vector<TopLevels::Candidate> TopLevels::rate(const std::vector<TopLevel>& topLevels,
+                                                  const DesktopWindow& window, Deadline deadline) {
+    std::vector<Message> requests;
+    for (const auto& [object, toolkit] : topLevels) {
+        requests.push_back(getExtents(object, habitsOf(toolkit).coordinates));
+        requests.push_back(getState(object));
+    }
+    const auto replies = bus_.exchange(std::move(requests), deadline);
+    const auto contents = contentsOf(topLevels, deadline);
+    std::vector<Candidate> candidates;
+    for (std::size_t index = 0; index < topLevels.size(); ++index) {
+        const TopLevel& topLevel = topLevels[index];
+        const Extents extents = extentsOf(replies[2 * index]).value_or(Extents());
+        const std::uint64_t states = statesOf(replies[2 * index + 1]).value_or(0);
+        Candidate candidate;
+        candidate.topLevel = topLevel;
+        candidate.showing = hasState(states, habitsOf(topLevel.toolkit).shown);
+        candidate.active = hasState(states, ATSPI_STATE_ACTIVE);
+        if (const auto content = contents.find(topLevel.object); content != contents.end()) {
+            const Extents& inside = content->second;
+            candidate.placement = placementFilling(inside, window.client);
+            candidate.place = placeOf(inside, {candidate.placement.scale, {}});
+        } else {
+            candidate.placement = placementFrom(extents, topLevel, window);
+            candidate.place = placeOf(extents, candidate.placement);
+        }
+        candidate.overlap = intersectionOverUnion(candidate.place, window.bounds);
+        candidates.push_back(std::move(candidate));
+    }
+    return candidates;
+}
+
+Placement TopLevels::placementFrom(const Extents& reported, const TopLevel& topLevel,
+                                   const DesktopWindow& window) const {
+    if (countsFromWindow(topLevel.toolkit)) {
+        return placementInside(reported, window.client);
+    }
+    const auto known = placements_.find(topLevel.object.name);
+    return known != placements_.end() ? known->second
+                                      : Placement{scaleBetween(reported, window.bounds), {}};
+}
+
+/// What fills the frames that do not say where they are, by the frame.
+std::map<ObjectReference, Extents> TopLevels::contentsOf(const std::vector<TopLevel>& topLevels,
+                                                         Deadline deadline) {
+    std::vector<ObjectReference> frames;
+    std::vector<Message> requests;
+    for (const auto& [object, toolkit] : topLevels) {
+        if (habitsOf(toolkit).placelessFrames) {
+            frames.push_back(object);
+            requests.push_back(getChildren(object));
+        }
+    }
+    std::vector<ObjectReference> fillings;
+    for (const Reply& reply : bus_.exchange(std::move(requests), deadline)) {
+        auto children = referencesOf(reply).value_or(std::vector<ObjectReference>());
+        fillings.push_back(children.empty() ? ObjectReference() : std::move(children.front()));
+    }
+    requests.clear();
+    for (const ObjectReference& filling : fillings) {
+        requests.push_back(getExtents(filling, ATSPI_COORD_TYPE_SCREEN));
+    }
+    const auto replies = bus_.exchange(std::move(requests), deadline);
+    std::map<ObjectReference, Extents> contents;
+    for (std::size_t index = 0; index < frames.size(); ++index) {
+        if (const auto extents = extentsOf(replies[index])) {
+            contents.emplace(std::move(frames[index]), *extents);
+        }
+    }
+    return contents;
+}
+
+std::optional<TopLevel> TopLevels::searchPopup(const std::vector<TopLevel>& topLevels,
+                                               const DesktopWindow& window, pid_t pid,
+                                               Deadline deadline) {
+    if (topLevels.empty()) {
+        return std::nullopt;
+    }
+    std::vector<ObjectReference> starts;
+    if (auto opener = lastHit(pid)) {
+        starts.push_back(std::move(*opener));
+    }
+    for (const TopLevel& topLevel : topLevels) {
+        starts.push_back(topLevel.object);
+    }
+    const Toolkit toolkit = topLevels.front().toolkit;
+    Placement placement = placementOf(topLevels.front().object);
+    const auto fills = [&](const Extents& extents) {
+        if (countsFromWindow(toolkit)) {
+            placement = placementFilling(extents, window.client);
+        }
+        return intersectionOverUnion(placeOf(extents, placement), window.bounds) >=
+               leastPopupOverlap;
+    };
+    auto found = firstShowingBelow(bus_, std::move(starts), habitsOf(toolkit), fills, deadline);
+    if (!found) {
+        return std::nullopt;
+    }
+    if (countsFromWindow(toolkit)) {
+        placements_.insert_or_assign(found->name, placement);
+        entry(window.id).insideWindow = relativeTo(window, placement);
+        return TopLevel{std::move(*found), toolkit};
+    }
+    // Inside of it, most answer like any toolkit.
+    return TopLevel{std::move(*found), Toolkit::other};
+}
+
+/// Chromium reports its windows in the toolkit's units, but takes points and reports what is on its
+/// pages in pixels.
+void TopLevels::learnPlacement(const Candidate& candidate) {
+    const auto& [object, toolkit] = candidate.topLevel;
+    if (toolkit == Toolkit::chromium) {
+        windowScales_[object] = candidate.placement.scale;
+    } else if (countsFromWindow(toolkit) || habitsOf(toolkit).placelessFrames) {
+        placements_.insert_or_assign(object.name, candidate.placement);
+    } else {
+        placements_.emplace(object.name, candidate.placement);
+    }
+}
+
+std::optional<Rect> TopLevels::placeOfFrame(const ObjectReference& object) const {
+    const auto place = framePlaces_.find(object);
+    return place == framePlaces_.end() ? std::nullopt : std::optional(place->second);
+}
+
+Placement TopLevels::placementOf(const ObjectReference& object) const {
+    if (const auto scale = windowScales_.find(object); scale != windowScales_.end()) {
+        return {scale->second, {}};
+    }
+    const auto placement = placements_.find(object.name);
+    return placement == placements_.end() ? Placement() : placement->second;
+}
+
+std::optional<ObjectReference> TopLevels::lastHit(pid_t pid) const {
+    const auto hit = lastHits_.find(pid);
+    return hit == lastHits_.end() ? std::nullopt : std::optional(hit->second);
+}
+
+} // namespace lumetry::atspi

@@ -1,0 +1,206 @@
+#include "platform/linux/x11/windows/windows.h"
+
+#include "platform/linux/x11/windows/owner.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <iterator>
+
+namespace lumetry::x11 {
+
+X11Windows::X11Windows(Connection& connection, std::optional<double> chosenScale)
+    : connection_(connection), screens_(connection, chosenScale), table_(connection),
+      traits_(connection), ownPid_(getpid()) {}
+
+bool X11Windows::isOnScreen(const WindowRecord& window) const {
+    return traits_.isOnScreen(window, table_.root().currentDesktop);
+}
+
+bool X11Windows::isOwn(const WindowRecord& window) const {
+    return window.pid == ownPid_ || connection_.isOwnResource(window.id);
+}
+
+bool X11Windows::visitOnScreen(const std::function<bool(const WindowRecord&)>& visitor) {
+    table_.refresh();
+    const auto& stacking = table_.stacking();
+    return std::any_of(stacking.rbegin(), stacking.rend(), [&](xcb_window_t id) {
+        const WindowRecord* const window = table_.find(id);
+        return window != nullptr && isOnScreen(*window) && visitor(*window);
+    });
+}
+
+std::optional<std::vector<WindowInfo>> X11Windows::onScreenWindows() {
+    const RootSpace space = rootSpace();
+    std::vector<WindowInfo> list;
+    visitOnScreen([&](const WindowRecord& window) {
+        const WindowKind kind = traits_.kindOf(window);
+        if (kind != WindowKind::desktop) {
+            list.push_back({window.pid, alphaOf(window), layerOf(kind),
+                            space.toAccessibility(boundsOf(window))});
+        }
+        return false;
+    });
+    return table_.valid() ? std::optional(std::move(list)) : std::nullopt;
+}
+
+std::vector<Screen> X11Windows::screens() {
+    const ScreenLayout& layout = screens_.layout();
+    std::vector<Strut> struts;
+    visitOnScreen([&](const WindowRecord& window) {
+        if (window.properties.strut) {
+            struts.push_back(*window.properties.strut);
+        }
+        return false;
+    });
+    return describeScreens(layout, struts, table_.root().workArea);
+}
+
+std::optional<Screen> X11Windows::mainScreen() {
+    const auto all = screens();
+    const auto centre = centreOfFocus();
+    const auto inUse = std::ranges::find_if(
+        all, [&](const Screen& screen) { return centre && screen.frame.contains(*centre); });
+    return inUse != all.end() ? *inUse : all.front();
+}
+
+std::optional<Point> X11Windows::centreOfFocus() {
+    auto* const c = connection_.get();
+    const auto focus = connection_.reply(xcb_get_input_focus_reply, xcb_get_input_focus(c));
+    if (!focus || focus->focus <= XCB_INPUT_FOCUS_POINTER_ROOT ||
+        focus->focus == connection_.root()) {
+        return std::nullopt;
+    }
+    const auto translation = xcb_translate_coordinates(c, focus->focus, connection_.root(), 0, 0);
+    const auto geometry = xcb_get_geometry(c, focus->focus);
+    const auto origin = connection_.reply(xcb_translate_coordinates_reply, translation);
+    const auto size = connection_.reply(xcb_get_geometry_reply, geometry);
+    if (!origin || !size) {
+        return std::nullopt;
+    }
+    return screens_.layout().toScreenSpace(
+        Point{origin->dst_x + size->width / 2.0, origin->dst_y + size->height / 2.0});
+}
+
+bool X11Windows::preflightScreenCaptureAccess() {
+    const Extensions& extensions = connection_.extensions();
+    return extensions.composite && extensions.render && !connection_.isLost();
+}
+
+bool X11Windows::requestScreenCaptureAccess() {
+    return preflightScreenCaptureAccess();
+}
+
+void X11Windows::getShareableContent(std::function<void()> completion) {
+    connection_.runLoop().async(std::move(completion));
+}
+
+std::optional<DesktopWindow> X11Windows::windowAt(Point point, std::optional<pid_t> pid) {
+    const RootSpace space = rootSpace();
+    std::optional<DesktopWindow> found;
+    visitOnScreen([&](const WindowRecord& window) {
+        const Rect bounds = space.toAccessibility(boundsOf(window));
+        if (isOwn(window) || (pid && window.pid != pid) || !bounds.contains(point)) {
+            return false;
+        }
+        found = DesktopWindow{window.client.value_or(window.id), window.pid, bounds,
+                              traits_.kindOf(window) == WindowKind::popup,
+                              space.toAccessibility(clientBoundsOf(window))};
+        return true;
+    });
+    return found;
+}
+
+ProcessWindows X11Windows::windowsOf(pid_t pid) {
+    table_.refresh();
+    ProcessWindows process;
+    for (const xcb_window_t id : table_.stacking()) {
+        const WindowRecord* const window = table_.find(id);
+        if (!window || !window->client || window->pid != pid) {
+            continue;
+        }
+        process.any = true;
+        process.inTaskBar = process.inTaskBar || traits_.isInTaskBar(*window);
+        for (const std::string& name : window->properties.classes) {
+            if (std::ranges::find(process.classes, name) == process.classes.end()) {
+                process.classes.push_back(name);
+            }
+        }
+    }
+    return process;
+}
+
+std::vector<const WindowRecord*> X11Windows::visibleBelow(xcb_window_t above) {
+    table_.refresh();
+    const auto& stacking = table_.stacking();
+    const WindowRecord* const limiting = table_.find(above);
+    const bool isStacked = limiting != nullptr && limiting->viewable;
+    const auto limit = isStacked ? std::ranges::find(stacking, above) : stacking.end();
+    std::vector<const WindowRecord*> visible;
+    for (auto id = std::make_reverse_iterator(limit); id != stacking.rend(); ++id) {
+        const WindowRecord* const window = table_.find(*id);
+        // Of its own windows, only what lies below another one counts, and never an overlay.
+        if (window && traits_.isVisible(*window, table_.root().currentDesktop) &&
+            !(isStacked ? connection_.isOwnResource(*id) : isOwn(*window))) {
+            visible.push_back(window);
+        }
+    }
+    return visible;
+}
+
+bool X11Windows::isLocker(const WindowRecord& window) {
+    // The server makes the window that compositing managers draw into. Window managers have one
+    // that catches the pointer where no other window is, and frames.
+    const std::uint32_t maker = connection_.makerOf(window.id);
+    const auto manager = table_.root().windowManager;
+    const bool ofTheDesktop = maker == 0 || (manager && maker == connection_.makerOf(*manager)) ||
+                              traits_.kindOf(window) == WindowKind::desktop;
+    return window.viewable && window.overrideRedirect && !window.client && !window.clickThrough &&
+           !ofTheDesktop && !isOwn(window) &&
+           std::ranges::any_of(screens_.layout().screens, [&](const Rect& screen) {
+               return intersect(window.rect, screen) == screen;
+           });
+}
+
+bool X11Windows::isLocker(xcb_window_t topLevel) {
+    table_.refresh();
+    const WindowRecord* const window = table_.find(topLevel);
+    return window != nullptr && isLocker(*window);
+}
+
+xcb_window_t X11Windows::lockerOnTop() {
+    table_.refresh();
+    const auto& stacking = table_.stacking();
+    const auto covering = std::find_if(stacking.rbegin(), stacking.rend(), [this](xcb_window_t id) {
+        const WindowRecord* const window = table_.find(id);
+        return window != nullptr &&
+               (isLocker(*window) || (window->client && !isOwn(*window) && isOnScreen(*window)));
+    });
+    return covering != stacking.rend() && isLocker(*table_.find(*covering))
+               ? *covering
+               : xcb_window_t{XCB_WINDOW_NONE};
+}
+
+std::vector<Rect> X11Windows::occupied() {
+    table_.refresh();
+    std::vector<Rect> rects;
+    for (const xcb_window_t id : table_.stacking()) {
+        const WindowRecord* const window = table_.find(id);
+        if (window && traits_.isVisible(*window, table_.root().currentDesktop)) {
+            rects.push_back(window->rect);
+        }
+    }
+    return rects;
+}
+
+bool X11Windows::hasOwnOnScreen() {
+    return visitOnScreen([&](const WindowRecord& window) { return isOwn(window); });
+}
+
+bool X11Windows::isOwn(xcb_window_t topLevel) {
+    table_.refresh();
+    const WindowRecord* const window = table_.find(topLevel);
+    return window != nullptr && isOwn(*window);
+}
+
+} // namespace lumetry::x11
