@@ -40,13 +40,11 @@ bool AtspiAccessibility::isProcessTrustedWithOptions(bool prompt) {
 }
 
 Token AtspiAccessibility::keepAnswers() {
-    if (!context_->cache.keep()) {
-        return Token([] {});
-    }
+    context_->cache.beginKeeping();
     context_->processes.beginSample();
     return Token([context = std::weak_ptr(context_)] {
         if (const auto alive = context.lock()) {
-            alive->cache.forget();
+            alive->cache.endKeeping();
             alive->processes.endSample();
         }
     });
@@ -57,21 +55,19 @@ void AtspiAccessibility::prefetch(std::span<const AXUIElement> elements,
     if (!context_->cache.keeps()) {
         return;
     }
-    std::vector<atspi::Question> questions;
-    for (const std::string_view attribute : attributes) {
-        for (const atspi::Question question : atspi::questionsFor(attribute)) {
-            questions.push_back(question);
-        }
-    }
-    std::vector<atspi::Asked> asked;
+    std::vector<atspi::Query> queries;
     for (const AXUIElement& element : elements) {
-        if (const auto* object = dynamic_cast<const atspi::ObjectElement*>(&element.backend())) {
-            for (const atspi::Question question : questions) {
-                asked.push_back({object->object(), question});
+        const auto* object = dynamic_cast<const atspi::ObjectElement*>(&element.backend());
+        if (object == nullptr) {
+            continue;
+        }
+        for (const std::string_view attribute : attributes) {
+            for (const atspi::Question question : atspi::ObjectElement::questionsFor(attribute)) {
+                queries.push_back({object->object(), question});
             }
         }
     }
-    (void)context_->cache.ask(asked, context_->deadline(std::nullopt));
+    context_->cache.ask(queries, context_->deadline(std::nullopt));
 }
 
 std::string AtspiAccessibility::trustProblem() {

@@ -1,7 +1,7 @@
 #include "atspi_test.h"
 
 #include "platform/linux/atspi/bus/bus.h"
-#include "platform/linux/atspi/bus/requests.h"
+#include "platform/linux/atspi/tree/queries.h"
 
 #include <unistd.h>
 
@@ -16,6 +16,9 @@ using atspi::deadlineIn;
 using atspi::Message;
 using atspi::ObjectReference;
 using atspi::Outcome;
+using atspi::Query;
+using atspi::Question;
+using atspi::requestFor;
 
 /// Long enough that a test which needs it has gone wrong.
 constexpr double generousSeconds = 30;
@@ -42,12 +45,13 @@ TEST_F(Bus, RepliesComeInTheOrderOfTheirRequestsAfterOneWait) {
     auto& application = start(tree);
     batch.reserve(count + 4);
     for (int number = 0; number < count; ++number) {
-        batch.push_back(atspi::getName(at(application, "/" + std::to_string(number))));
+        batch.push_back(
+            requestFor({at(application, "/" + std::to_string(number)), Question::name}));
     }
-    batch.push_back(atspi::getName(at(application, "/missing")));
-    batch.push_back(atspi::getName({":1.99999", "/gone"}));
-    batch.push_back(atspi::getName({"no name", "/x"}));
-    batch.push_back(atspi::getName({application.name(), "no path"}));
+    batch.push_back(requestFor({at(application, "/missing"), Question::name}));
+    batch.push_back(requestFor({{":1.99999", "/gone"}, Question::name}));
+    batch.push_back(requestFor({{"no name", "/x"}, Question::name}));
+    batch.push_back(requestFor({{application.name(), "no path"}, Question::name}));
 
     const auto replies = requests.exchange(std::move(batch), deadlineIn(generousSeconds));
 
@@ -70,26 +74,28 @@ TEST_F(Bus, WhoDoesNotAnswerIsLeftAloneUntilItSpeaks) {
     auto& lively = start(tree);
     frozen.freeze();
     std::vector<Message> both;
-    both.push_back(atspi::getName(at(frozen, "/x")));
-    both.push_back(atspi::getName(at(lively, "/x")));
+    both.push_back(requestFor({at(frozen, "/x"), Question::name}));
+    both.push_back(requestFor({at(lively, "/x"), Question::name}));
     const auto replies = requests.exchange(std::move(both), deadlineIn(shortSeconds));
     EXPECT_EQ(replies[0].outcome, Outcome::silent);
 
     const auto sent = requests.requests();
     const auto waits = requests.waits();
     EXPECT_EQ(
-        requests.exchange(atspi::getName(at(frozen, "/x")), deadlineIn(generousSeconds)).outcome,
+        requests
+            .exchange(requestFor({at(frozen, "/x"), Question::name}), deadlineIn(generousSeconds))
+            .outcome,
         Outcome::silent);
     EXPECT_EQ(requests.requests(), sent) << "it is not asked again at once";
     EXPECT_EQ(requests.waits(), waits);
-    EXPECT_EQ(
-        textOf(requests.exchange(atspi::getName(at(lively, "/x")), deadlineIn(generousSeconds))),
-        "x")
+    EXPECT_EQ(textOf(requests.exchange(requestFor({at(lively, "/x"), Question::name}),
+                                       deadlineIn(generousSeconds))),
+              "x")
         << "others are";
 
     frozen.thaw();
     EXPECT_TRUE(desktop::waitUntil([&] {
-        return textOf(requests.exchange(atspi::getName(at(frozen, "/x")),
+        return textOf(requests.exchange(requestFor({at(frozen, "/x"), Question::name}),
                                         deadlineIn(generousSeconds))) == "x";
     })) << "its late answer shows that it is awake, and is not taken for another one";
 }
@@ -99,19 +105,22 @@ TEST_F(Bus, IsFoundAgainAfterItWentAway) {
     tree["/x"].name = "x";
     auto& before = start(tree);
     ASSERT_EQ(
-        requests.exchange(atspi::getName(at(before, "/x")), deadlineIn(generousSeconds)).outcome,
+        requests
+            .exchange(requestFor({at(before, "/x"), Question::name}), deadlineIn(generousSeconds))
+            .outcome,
         Outcome::answered);
     const auto generation = requests.generation();
 
     applications.clear();
     bus.restart();
     EXPECT_EQ(
-        requests.exchange(atspi::getName({":1.1", "/x"}), deadlineIn(generousSeconds)).outcome,
+        requests.exchange(requestFor({{":1.1", "/x"}, Question::name}), deadlineIn(generousSeconds))
+            .outcome,
         Outcome::silent);
 
     auto& after = start(tree);
     EXPECT_TRUE(desktop::waitUntil([&] {
-        return textOf(requests.exchange(atspi::getName(at(after, "/x")),
+        return textOf(requests.exchange(requestFor({at(after, "/x"), Question::name}),
                                         deadlineIn(generousSeconds))) == "x";
     }));
     EXPECT_EQ(requests.generation(), generation + 1);
@@ -125,24 +134,25 @@ TEST_F(Bus, ContinuesWithoutBlockingAndWatchesOnlyMeanwhile) {
     const auto note = [&](const atspi::Reply& reply) {
         got.push_back(atspi::textOf(reply).value_or("nothing"));
     };
-    requests.send(atspi::getName(at(application, "/x")), [&](const atspi::Reply& reply) {
-        note(reply);
-        requests.send(atspi::getName(at(application, "/x")), note);
-    });
+    requests.send(requestFor({at(application, "/x"), Question::name}),
+                  [&](const atspi::Reply& reply) {
+                      note(reply);
+                      requests.send(requestFor({at(application, "/x"), Question::name}), note);
+                  });
     EXPECT_TRUE(got.empty());
     EXPECT_TRUE(loop.watches());
     EXPECT_TRUE(loop.turnUntilNothingIsWatched());
     EXPECT_EQ(got, (std::vector<std::string>{"x", "x"}));
 
     application.freeze();
-    requests.send(atspi::getName(at(application, "/x")), note);
+    requests.send(requestFor({at(application, "/x"), Question::name}), note);
     application.end();
     EXPECT_TRUE(loop.turnUntilNothingIsWatched()) << "the bus says that it is gone";
     EXPECT_EQ(got.size(), 3);
 
     auto& next = start(tree);
     next.freeze();
-    requests.send(atspi::getName(at(next, "/x")), note);
+    requests.send(requestFor({at(next, "/x"), Question::name}), note);
     bus.daemon().terminate();
     EXPECT_TRUE(loop.turnUntilNothingIsWatched()) << "the bus itself is gone";
     EXPECT_EQ(got.size(), 4);

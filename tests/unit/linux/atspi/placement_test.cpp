@@ -6,13 +6,12 @@
 namespace lumetry::test {
 namespace {
 
-using atspi::Extents;
 using atspi::scaleBetween;
 
 TEST(Placement, ScaleIsToldByAWindowThatIsReportedSmaller) {
     struct Case {
         std::string name;
-        Extents reported;
+        IntRect reported;
         Rect bounds;
         double expected;
     };

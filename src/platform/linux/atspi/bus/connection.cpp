@@ -1,9 +1,6 @@
 #include "platform/linux/atspi/bus/connection.h"
 
-#include "platform/linux/atspi/bus/requests.h"
 #include "platform/linux/system/bus_addresses.h"
-
-#include <atspi/atspi.h>
 
 #include <cstdlib>
 #include <string>
@@ -21,22 +18,18 @@ const ObjectReference& accessibilityService() {
     return service;
 }
 
-/// libatspi complains on standard error about a bus that is not there; here that is no fault.
-class QuietLibrary {
-public:
-    QuietLibrary() {
-        handler_ = g_log_set_handler(
-            domain, static_cast<GLogLevelFlags>(G_LOG_LEVEL_WARNING | G_LOG_LEVEL_MESSAGE),
-            [](const gchar*, GLogLevelFlags, const gchar*, gpointer) {}, nullptr);
+/// Null when nothing answers there.
+Connection openPrivately(const std::string& address) {
+    Connection connection(address.empty() ? nullptr
+                                          : dbus_connection_open_private(address.c_str(), nullptr));
+    if (connection && dbus_bus_register(connection.get(), nullptr) == FALSE) {
+        connection.reset();
     }
-    QuietLibrary(const QuietLibrary&) = delete;
-    QuietLibrary& operator=(const QuietLibrary&) = delete;
-    ~QuietLibrary() { g_log_remove_handler(domain, handler_); }
-
-private:
-    static constexpr const char* domain = "dbind";
-    guint handler_ = 0;
-};
+    if (connection) {
+        dbus_connection_set_exit_on_disconnect(connection.get(), FALSE);
+    }
+    return connection;
+}
 
 } // namespace
 
@@ -48,15 +41,7 @@ bool SessionBus::connect() {
     if (isConnected(connection_)) {
         return true;
     }
-    const std::string address = sessionBusAddress();
-    connection_.reset(address.empty() ? nullptr
-                                      : dbus_connection_open_private(address.c_str(), nullptr));
-    if (connection_ && dbus_bus_register(connection_.get(), nullptr) == FALSE) {
-        connection_.reset();
-    }
-    if (connection_) {
-        dbus_connection_set_exit_on_disconnect(connection_.get(), FALSE);
-    }
+    connection_ = openPrivately(sessionBusAddress());
     return connection_ != nullptr;
 }
 
@@ -89,25 +74,16 @@ bool SessionBus::setAccessibilityEnabled(bool enabled) {
                .outcome == Outcome::answered;
 }
 
-bool SessionBus::knowsAccessibilityBus() {
-    const auto address =
-        textOf(ask(methodCall(accessibilityService(), "org.a11y.Bus", "GetAddress")));
-    return address && !address->empty();
+std::string SessionBus::accessibilityBusAddress() {
+    return textOf(ask(methodCall(accessibilityService(), "org.a11y.Bus", "GetAddress")))
+        .value_or("");
 }
 
 Connection openAccessibilityBus(SessionBus& session) {
-    // The library asks the same of the session bus, but would wait for half a minute.
     // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing changes the environment meanwhile
     const char* const given = std::getenv("AT_SPI_BUS_ADDRESS");
-    if ((given == nullptr || *given == '\0') && !session.knowsAccessibilityBus()) {
-        return nullptr;
-    }
-    const QuietLibrary quiet;
-    Connection connection(atspi_get_a11y_bus());
-    if (connection) {
-        dbus_connection_set_exit_on_disconnect(connection.get(), FALSE);
-    }
-    return connection;
+    return openPrivately(given != nullptr && *given != '\0' ? given
+                                                            : session.accessibilityBusAddress());
 }
 
 } // namespace lumetry::atspi

@@ -5,6 +5,7 @@
 #include <dbus/dbus.h>
 
 #include <memory>
+#include <string>
 
 namespace lumetry::atspi {
 
@@ -33,8 +34,8 @@ public:
     [[nodiscard]] Accessibility accessibility();
     /// Announces an assistive technology to all applications, or withdraws it; whether that worked.
     bool setAccessibilityEnabled(bool enabled);
-    /// Whether the service that knows the accessibility bus says where it is.
-    [[nodiscard]] bool knowsAccessibilityBus();
+    /// Where the accessibility bus is; empty when nobody says.
+    [[nodiscard]] std::string accessibilityBusAddress();
 
 private:
     [[nodiscard]] bool connect();

@@ -111,16 +111,61 @@ private:
 
 } // namespace
 
-bool Extents::contains(std::int32_t pointX, std::int32_t pointY) const {
-    const auto within = [](std::int64_t at, std::int64_t start, std::int64_t length) {
-        return at >= start && at < start + length;
-    };
-    return within(pointX, x, width) && within(pointY, y, height);
+void append(DBusMessage& message, std::int32_t number) {
+    dbus_message_append_args(&message, DBUS_TYPE_INT32, &number, DBUS_TYPE_INVALID);
 }
 
-bool Extents::isSomewhere() const {
+void append(DBusMessage& message, std::uint32_t number) {
+    dbus_message_append_args(&message, DBUS_TYPE_UINT32, &number, DBUS_TYPE_INVALID);
+}
+
+void append(DBusMessage& message, const char* string) {
+    dbus_message_append_args(&message, DBUS_TYPE_STRING, &string, DBUS_TYPE_INVALID);
+}
+
+void append(DBusMessage& message, bool truth) {
+    const dbus_bool_t boolean = truth ? TRUE : FALSE;
+    dbus_message_append_args(&message, DBUS_TYPE_BOOLEAN, &boolean, DBUS_TYPE_INVALID);
+}
+
+Message methodCall(const ObjectReference& object, const char* interface, const char* method) {
+    // Names come from other processes; libdbus ends the program over one that is malformed.
+    if (dbus_validate_bus_name(object.name.c_str(), nullptr) == FALSE ||
+        dbus_validate_path(object.path.c_str(), nullptr) == FALSE) {
+        return nullptr;
+    }
+    return Message(
+        dbus_message_new_method_call(object.name.c_str(), object.path.c_str(), interface, method));
+}
+
+Message getProperty(const ObjectReference& object, const char* interface, const char* property) {
+    return methodCall(object, DBUS_INTERFACE_PROPERTIES, "Get", interface, property);
+}
+
+Message setProperty(const ObjectReference& object, const char* interface, const char* property,
+                    bool truth) {
+    Message message = methodCall(object, DBUS_INTERFACE_PROPERTIES, "Set", interface, property);
+    if (message) {
+        DBusMessageIter arguments;
+        DBusMessageIter variant;
+        const dbus_bool_t boolean = truth ? TRUE : FALSE;
+        dbus_message_iter_init_append(message.get(), &arguments);
+        dbus_message_iter_open_container(&arguments, DBUS_TYPE_VARIANT, DBUS_TYPE_BOOLEAN_AS_STRING,
+                                         &variant);
+        dbus_message_iter_append_basic(&variant, DBUS_TYPE_BOOLEAN, &boolean);
+        dbus_message_iter_close_container(&arguments, &variant);
+    }
+    return message;
+}
+
+Message getConnectionUnixProcessID(const std::string& name) {
+    return methodCall({DBUS_SERVICE_DBUS, DBUS_PATH_DBUS}, DBUS_INTERFACE_DBUS,
+                      "GetConnectionUnixProcessID", name.c_str());
+}
+
+bool isSomewhere(const IntRect& extents) {
     constexpr std::int32_t nowhere = std::numeric_limits<std::int32_t>::min();
-    return width > 0 && height > 0 && x != nowhere && y != nowhere;
+    return !extents.isEmpty() && extents.x != nowhere && extents.y != nowhere;
 }
 
 std::optional<std::string> textOf(const Reply& reply) {
@@ -161,7 +206,7 @@ std::optional<std::vector<ObjectReference>> referencesOf(const Reply& reply) {
     return references;
 }
 
-std::optional<Extents> extentsOf(const Reply& reply) {
+std::optional<IntRect> extentsOf(const Reply& reply) {
     Values values(reply);
     Values field = values.type() == DBUS_TYPE_STRUCT ? values.inside() : values;
     std::array<std::int32_t, 4> numbers{};
@@ -173,7 +218,7 @@ std::optional<Extents> extentsOf(const Reply& reply) {
         number = static_cast<std::int32_t>(*value);
         field.next();
     }
-    return Extents{numbers[0], numbers[1], numbers[2], numbers[3]};
+    return IntRect{numbers[0], numbers[1], numbers[2], numbers[3]};
 }
 
 std::optional<TextAttributes> attributesOf(const Reply& reply) {

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "platform/linux/atspi/bus/object_reference.h"
+#include "base/int_geometry.h"
 
+#include <atspi/atspi-constants.h>
 #include <dbus/dbus.h>
 
 #include <cstdint>
@@ -10,9 +11,21 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace lumetry::atspi {
+
+/// Where one accessible object lives on the accessibility bus.
+struct ObjectReference {
+    std::string name; ///< unique name of its application's connection
+    std::string path; ///< of the object within the application
+
+    friend bool operator==(const ObjectReference&, const ObjectReference&) = default;
+    friend bool operator<(const ObjectReference& a, const ObjectReference& b) {
+        return std::tie(a.path, a.name) < std::tie(b.path, b.name);
+    }
+};
 
 struct UnrefMessage {
     void operator()(DBusMessage* message) const { dbus_message_unref(message); }
@@ -33,17 +46,32 @@ struct Reply {
     std::shared_ptr<DBusMessage> message; ///< only of an answer
 };
 
-/// A place on the screen in its application's units, y downwards.
-struct Extents {
-    std::int32_t x = 0;
-    std::int32_t y = 0;
-    std::int32_t width = 0;
-    std::int32_t height = 0;
+/// @{ Adds an argument to a request.
+void append(DBusMessage& message, std::int32_t number);
+void append(DBusMessage& message, std::uint32_t number);
+void append(DBusMessage& message, const char* string);
+void append(DBusMessage& message, bool truth);
+/// @}
 
-    [[nodiscard]] bool contains(std::int32_t pointX, std::int32_t pointY) const;
-    /// Whether it is one: what is not shown has no size, or is as far away as numbers go.
-    [[nodiscard]] bool isSomewhere() const;
-};
+/// @{ Requests on any bus. Null where the object's name or path cannot be one.
+[[nodiscard]] Message methodCall(const ObjectReference& object, const char* interface,
+                                 const char* method);
+template<typename... Arguments>
+[[nodiscard]] Message methodCall(const ObjectReference& object, const char* interface,
+                                 const char* method, Arguments... arguments) {
+    Message message = methodCall(object, interface, method);
+    if (message) {
+        (append(*message, arguments), ...);
+    }
+    return message;
+}
+[[nodiscard]] Message getProperty(const ObjectReference& object, const char* interface,
+                                  const char* property);
+[[nodiscard]] Message setProperty(const ObjectReference& object, const char* interface,
+                                  const char* property, bool truth);
+/// Which process a connection of the bus belongs to; asked of the bus itself.
+[[nodiscard]] Message getConnectionUnixProcessID(const std::string& name);
+/// @}
 
 /// How a run of text is set, as applications tell it: names to values, such as "family-name" to
 /// "Inter", "size" to "10.5pt", "weight" to "700" and "fg-color" to "30,144,255".
@@ -74,13 +102,21 @@ private:
 [[nodiscard]] std::optional<ObjectReference> referenceOf(const Reply& reply);
 /// References to nothing are left out.
 [[nodiscard]] std::optional<std::vector<ObjectReference>> referencesOf(const Reply& reply);
-/// As one structure or as four numbers.
-[[nodiscard]] std::optional<Extents> extentsOf(const Reply& reply);
+/// A place in the application's own units; as one structure or as four numbers.
+[[nodiscard]] std::optional<IntRect> extentsOf(const Reply& reply);
 /// Names to values, of which the last one of a name counts.
 [[nodiscard]] std::optional<TextAttributes> attributesOf(const Reply& reply);
 [[nodiscard]] std::optional<Interfaces> interfacesOf(const Reply& reply);
 /// The bits of an object's states.
 [[nodiscard]] std::optional<std::uint64_t> statesOf(const Reply& reply);
 /// @}
+
+/// Whether that is a place: what is not shown has no size, or is as far away as numbers go.
+[[nodiscard]] bool isSomewhere(const IntRect& extents);
+
+/// @param states the bits of an object's states
+[[nodiscard]] constexpr bool hasState(std::uint64_t states, AtspiStateType state) {
+    return ((states >> static_cast<unsigned>(state)) & 1U) != 0;
+}
 
 } // namespace lumetry::atspi

@@ -1,9 +1,7 @@
 #include "platform/linux/atspi/elements/elements.h"
 
-#include "platform/linux/atspi/elements/waking.h"
 #include "platform/linux/atspi/tree/placement.h"
 #include "platform/linux/atspi/tree/roles.h"
-#include "platform/linux/atspi/tree/states.h"
 #include "platform/linux/atspi/tree/tables.h"
 #include "platform/linux/atspi/tree/text_attributes.h"
 #include "platform/linux/atspi/tree/text_leaves.h"
@@ -24,46 +22,58 @@ std::optional<AXValue> axValue(std::optional<Kind> value) {
     return value ? std::optional<AXValue>(std::move(*value)) : std::nullopt;
 }
 
-/// The beginning of an element's text, without what is no text in it.
-std::optional<std::string> shownText(const Reply& beginning) {
-    const auto characters = textOf(beginning);
-    return characters ? std::optional(withoutPlaceholders(*characters)) : std::nullopt;
-}
-
 /// Lists that are longer are not measured.
 constexpr std::size_t mostChildrenMeasured = 300;
 
 /// The application's parent, the list of all applications, is no part of its tree.
 bool isDesktop(const ObjectReference& object, const ObjectReference& child) {
-    return object.path == registryRoot().path && object.name != child.name;
+    return object.path == ATSPI_DBUS_PATH_ROOT && object.name != child.name;
+}
+
+/// Asks the windows of the process for their attributes, which has Chromium build its trees.
+void wakeTree(Context& context, pid_t pid) {
+    Bus& bus = context.bus;
+    context.processes.findRootsOf(pid, [&bus](const std::vector<ObjectReference>& roots) {
+        for (const ObjectReference& root : roots) {
+            bus.send(requestFor({root, Question::children}), [&bus](const Reply& reply) {
+                for (const ObjectReference& window :
+                     referencesOf(reply).value_or(std::vector<ObjectReference>())) {
+                    bus.send(requestFor({window, Question::attributes}), [](const Reply&) {});
+                }
+            });
+        }
+    });
 }
 
 } // namespace
 
-std::vector<Question> questionsFor(std::string_view attribute) {
-    if (attribute == "AXRole") {
+/// One attribute: what it is called, what has to be asked for it, and how it is read from that.
+struct ObjectElement::Attribute {
+    std::string_view name;
+    std::array<Question, 2> questions; ///< the same one twice where it takes one
+    std::optional<AXValue> (ObjectElement::*read)() const;
+};
+
+const ObjectElement::Attribute* ObjectElement::attributeNamed(std::string_view name) {
+    using Q = Question;
+    static constexpr std::array attributes = std::to_array<Attribute>({
         // Whoever asks what an object is goes on to ask what only some can answer.
-        return {Question::role, Question::interfaces};
-    }
-    if (attribute == "AXTitle") {
-        return {Question::name};
-    }
-    if (attribute == "AXValue") {
-        return {Question::text, Question::value};
-    }
-    if (attribute == "AXChildren") {
-        return {Question::children, Question::role};
-    }
-    if (attribute == "AXParent") {
-        return {Question::parent};
-    }
-    if (attribute == "AXPosition" || attribute == "AXSize") {
-        return {Question::extents};
-    }
-    if (attribute == "AXNumberOfCharacters") {
-        return {Question::characterCount, Question::text};
-    }
-    return {};
+        {"AXRole", {Q::role, Q::interfaces}, &ObjectElement::role},
+        {"AXTitle", {Q::name, Q::name}, &ObjectElement::title},
+        {"AXValue", {Q::text, Q::value}, &ObjectElement::value},
+        {"AXNumberOfCharacters", {Q::characterCount, Q::text}, &ObjectElement::numberOfCharacters},
+        {"AXPosition", {Q::extents, Q::extents}, &ObjectElement::position},
+        {"AXSize", {Q::extents, Q::extents}, &ObjectElement::size},
+        {"AXParent", {Q::parent, Q::parent}, &ObjectElement::parent},
+        {"AXChildren", {Q::children, Q::role}, &ObjectElement::children},
+    });
+    const auto* const found = std::ranges::find(attributes, name, &Attribute::name);
+    return found == attributes.end() ? nullptr : found;
+}
+
+std::span<const Question> ObjectElement::questionsFor(std::string_view attribute) {
+    const Attribute* const known = attributeNamed(attribute);
+    return known == nullptr ? std::span<const Question>() : known->questions;
 }
 
 std::optional<AXValue>
@@ -94,46 +104,24 @@ std::optional<AXUIElement> Element::elementAt(Point point, std::optional<pid_t> 
     return AXUIElement(std::make_shared<ObjectElement>(context_, std::move(hit->object), hit->pid));
 }
 
-std::optional<AXValue> Element::place(std::string_view attribute, const Extents& extents,
-                                      const ObjectReference& object) const {
+Rect Element::placeOf(const IntRect& extents, const ObjectReference& object) const {
     const HitTest& hitTest = context_.hitTest;
     const RootSpace space = context_.windows.rootSpace();
     const Rect reported =
-        hitTest.placeOfFrame(object).value_or(placeOf(extents, hitTest.placementOf(object)));
-    const Rect place =
-        space.toAccessibility(onWholePoints(reported, context_.toolkits.habitsFor(object).rounding,
-                                            hitTest.lastClient().origin(), space.scale));
-    return attribute == "AXSize" ? AXValue(place.size()) : AXValue(place.origin());
+        hitTest.placeOfFrame(object).value_or(atspi::placeOf(extents, hitTest.placementOf(object)));
+    return space.toAccessibility(onWholePoints(reported,
+                                               context_.toolkits.habitsFor(object).rounding,
+                                               hitTest.lastClient().origin(), space.scale));
 }
 
 std::optional<AXValue> ObjectElement::copyAttributeValue(std::string_view attribute) const {
-    const auto questions = questionsFor(attribute);
-    if (questions.empty()) {
+    const Attribute* const known = attributeNamed(attribute);
+    if (known == nullptr) {
         return std::nullopt;
     }
-    const auto replies = ask(questions);
-    if (attribute == "AXRole") {
-        const auto role = axRoleOf(context().cache, context().toolkits.habitsFor(object_), object_,
-                                   context().hitTest.isWindow(object_), deadline());
-        return role ? std::optional<AXValue>(std::string(*role)) : std::nullopt;
-    }
-    if (attribute == "AXTitle") {
-        return axValue(textOf(replies.front()));
-    }
-    if (attribute == "AXValue") {
-        return value(replies[0], replies[1]);
-    }
-    if (attribute == "AXNumberOfCharacters") {
-        return numberOfCharacters(replies[0], replies[1]);
-    }
-    if (attribute == "AXChildren") {
-        return children(replies[0], replies[1]);
-    }
-    if (attribute == "AXParent") {
-        return parent(replies.front());
-    }
-    const auto extents = extentsOf(replies.front());
-    return extents ? place(attribute, *extents, object_) : std::nullopt;
+    const Token kept = keepReplies();
+    context().cache.ask(object_, known->questions, deadline());
+    return (this->*known->read)();
 }
 
 std::optional<AXValue>
@@ -147,17 +135,18 @@ ObjectElement::copyParameterizedAttributeValue(std::string_view attribute,
     }
     const auto start = static_cast<std::int32_t>(range->location);
     const auto end = start + static_cast<std::int32_t>(range->length);
-    const auto replies =
-        context().cache.ask(std::array{Asked{object_, Question::textPart, start, end},
-                                       Asked{object_, Question::attributeRun, start, end}},
-                            deadline());
-    auto characters = textOf(replies[0]);
+    const Token kept = keepReplies();
+    ReplyCache& cache = context().cache;
+    cache.ask(
+        {{object_, Question::textPart, start, end}, {object_, Question::attributeRun, start, end}},
+        deadline());
+    auto characters = cache.get<Question::textPart>(object_, start, end);
     if (!characters) {
         return std::nullopt;
     }
     auto text = std::make_shared<AXAttributedString>();
     text->text = std::move(*characters);
-    if (const auto attributes = attributesOf(replies[1])) {
+    if (const auto attributes = cache.get<Question::attributeRun>(object_, start, end)) {
         const FontHabits& fonts = context().toolkits.habitsFor(object_).fonts;
         const double pointsPerUnit =
             context().hitTest.placementOf(object_).scale / context().windows.rootSpace().scale;
@@ -169,38 +158,59 @@ ObjectElement::copyParameterizedAttributeValue(std::string_view attribute,
     return AXValue(std::shared_ptr<const AXAttributedString>(std::move(text)));
 }
 
-std::vector<Reply> ObjectElement::ask(const std::vector<Question>& questions) const {
-    std::vector<Asked> asked;
-    asked.reserve(questions.size());
-    for (const Question question : questions) {
-        asked.push_back({object_, question});
-    }
-    return context().cache.ask(asked, deadline());
+std::optional<AXValue> ObjectElement::role() const {
+    const auto role = axRoleOf(context().cache, context().toolkits.habitsFor(object_), object_,
+                               context().hitTest.isWindow(object_), deadline());
+    return role ? std::optional<AXValue>(std::string(*role)) : std::nullopt;
+}
+
+std::optional<AXValue> ObjectElement::title() const {
+    return axValue(context().cache.get<Question::name>(object_));
+}
+
+/// The beginning of the element's text, without what is no text in it.
+std::optional<std::string> ObjectElement::shownText() const {
+    const auto beginning = context().cache.get<Question::text>(object_);
+    return beginning ? std::optional(withoutPlaceholders(*beginning)) : std::nullopt;
 }
 
 /// The element's text where it has any, else its number, else the text that is empty.
-std::optional<AXValue> ObjectElement::value(const Reply& beginning, const Reply& number) {
-    auto characters = shownText(beginning);
+std::optional<AXValue> ObjectElement::value() const {
+    auto characters = shownText();
     if (!characters || characters->empty()) {
-        if (const auto current = numberOf(number)) {
+        if (const auto current = context().cache.get<Question::value>(object_)) {
             return AXNumber{*current};
         }
     }
     return axValue(std::move(characters));
 }
 
-std::optional<AXValue> ObjectElement::numberOfCharacters(const Reply& count,
-                                                         const Reply& beginning) {
-    const auto number = integerOf(count);
+std::optional<AXValue> ObjectElement::numberOfCharacters() const {
+    const auto number = context().cache.get<Question::characterCount>(object_);
     if (!number) {
         return std::nullopt;
     }
-    const auto characters = shownText(beginning);
+    const auto characters = shownText();
     return characters && characters->empty() ? std::int64_t{0} : *number;
 }
 
-std::optional<AXValue> ObjectElement::parent(const Reply& reply) const {
-    auto object = referenceOf(reply);
+std::optional<Rect> ObjectElement::frame() const {
+    const auto extents = context().cache.get<Question::extents>(object_);
+    return extents ? std::optional(placeOf(*extents, object_)) : std::nullopt;
+}
+
+std::optional<AXValue> ObjectElement::position() const {
+    const auto place = frame();
+    return place ? std::optional<AXValue>(place->origin()) : std::nullopt;
+}
+
+std::optional<AXValue> ObjectElement::size() const {
+    const auto place = frame();
+    return place ? std::optional<AXValue>(place->size()) : std::nullopt;
+}
+
+std::optional<AXValue> ObjectElement::parent() const {
+    auto object = context().cache.get<Question::parent>(object_);
     if (!object || isDesktop(*object, object_)) {
         return std::nullopt;
     }
@@ -212,22 +222,24 @@ AXUIElement ObjectElement::relative(ObjectReference object) const {
     return AXUIElement(std::make_shared<ObjectElement>(context(), std::move(object), pid));
 }
 
-std::optional<AXValue> ObjectElement::children(const Reply& reply, const Reply& role) const {
-    if (isMadeOfCells(role, context().cache.ask({object_, Question::interfaces}, deadline()),
-                      context().toolkits.habitsFor(object_))) {
+std::optional<AXValue> ObjectElement::children() const {
+    ReplyCache& cache = context().cache;
+    const Habits& habits = context().toolkits.habitsFor(object_);
+    if (isMadeOfCells(cache, object_, habits)) {
         return rows();
     }
-    auto references = referencesOf(reply);
+    auto references = cache.get<Question::children>(object_);
     if (!references) {
         return std::nullopt;
     }
+    const auto role = cache.get<Question::role>(object_);
     // Of more children nothing is measured; and an application may list windows without a place.
-    if (references->size() <= mostChildrenMeasured && integerOf(role) != ATSPI_ROLE_APPLICATION) {
-        const auto unseen = context().toolkits.habitsFor(object_).unseenChildren;
+    if (references->size() <= mostChildrenMeasured && role != ATSPI_ROLE_APPLICATION) {
         // What a combo box would drop down is told to be in it by every toolkit.
-        const bool dropsDown = integerOf(role) == ATSPI_ROLE_COMBO_BOX;
-        removeUnseen(*references,
-                     dropsDown && unseen == Habits::Unseen::none ? Habits::Unseen::any : unseen);
+        const bool dropsDown = role == ATSPI_ROLE_COMBO_BOX;
+        removeUnseen(*references, dropsDown && habits.unseenChildren == Habits::Unseen::none
+                                      ? Habits::Unseen::any
+                                      : habits.unseenChildren);
     }
     const auto texts = context().hitTest.textLeavesIn(object_, deadline());
     auto text = texts.begin();
@@ -265,33 +277,25 @@ void ObjectElement::removeUnseen(std::vector<ObjectReference>& objects,
     if (unseen == Habits::Unseen::none) {
         return;
     }
-    const std::size_t count = std::min(objects.size(), mostFrames);
-    std::vector<Asked> asked;
-    for (std::size_t index = 0; index < count; ++index) {
-        asked.push_back({objects[index], Question::extents});
-    }
-    if (unseen == Habits::Unseen::any) {
-        for (std::size_t index = 0; index < count; ++index) {
-            asked.push_back({objects[index], Question::states});
+    ReplyCache& cache = context().cache;
+    const auto measuredEnd =
+        objects.begin() + static_cast<std::ptrdiff_t>(std::min(objects.size(), mostFrames));
+    std::vector<Query> queries;
+    for (auto object = objects.begin(); object != measuredEnd; ++object) {
+        queries.push_back({*object, Question::extents});
+        if (unseen == Habits::Unseen::any) {
+            queries.push_back({*object, Question::states});
         }
     }
-    const auto replies = context().cache.ask(asked, deadline());
-    const auto isSeen = [&](std::size_t index) {
-        const auto extents = extentsOf(replies[index]);
-        if (!extents || !extents->isSomewhere()) {
-            return false;
-        }
+    cache.ask(queries, deadline());
+    const auto isUnseen = [&](const ObjectReference& object) {
+        const auto extents = cache.get<Question::extents>(object);
         const auto states =
-            index + count < replies.size() ? statesOf(replies[index + count]) : std::nullopt;
-        return !states || hasState(*states, context().toolkits.habitsFor(objects[index]).shown);
+            unseen == Habits::Unseen::any ? cache.get<Question::states>(object) : std::nullopt;
+        return !extents || !isSomewhere(*extents) ||
+               (states && !hasState(*states, context().toolkits.habitsFor(object).shown));
     };
-    std::vector<ObjectReference> seen;
-    for (std::size_t index = 0; index < objects.size(); ++index) {
-        if (index >= count || isSeen(index)) {
-            seen.push_back(std::move(objects[index]));
-        }
-    }
-    objects = std::move(seen);
+    objects.erase(std::remove_if(objects.begin(), measuredEnd, isUnseen), measuredEnd);
 }
 
 std::optional<pid_t> ObjectElement::getPid() const {
@@ -303,14 +307,24 @@ bool ObjectElement::isSameElement(const AXUIElementBackend& other) const {
     return element != nullptr && element->object_ == object_;
 }
 
+std::optional<Rect> TextElement::frame() const {
+    for (const TextLeaf& text : context().hitTest.textLeavesIn(owner_->object(), deadline())) {
+        if (text.start == text_.start) {
+            return placeOf(text.place, owner_->object());
+        }
+    }
+    return std::nullopt;
+}
+
 std::optional<AXValue> TextElement::copyAttributeValue(std::string_view attribute) const {
+    const Token kept = keepReplies();
     if (attribute == "AXRole") {
         return "AXStaticText";
     }
     if (attribute == "AXValue") {
         const std::int32_t end = std::min(text_.end, text_.start + textBeginningCharacters);
-        const auto characters = textOf(context().cache.ask(
-            {owner_->object(), Question::textPart, text_.start, end}, deadline()));
+        const auto characters =
+            context().cache.ask<Question::textPart>(owner_->object(), deadline(), text_.start, end);
         return characters ? std::optional<AXValue>(withoutPlaceholders(*characters)) : std::nullopt;
     }
     if (attribute == "AXNumberOfCharacters") {
@@ -322,13 +336,13 @@ std::optional<AXValue> TextElement::copyAttributeValue(std::string_view attribut
     if (attribute == "AXParent") {
         return AXUIElement(owner_);
     }
-    if (attribute != "AXPosition" && attribute != "AXSize") {
-        return std::nullopt;
+    if (attribute == "AXPosition") {
+        const auto place = frame();
+        return place ? std::optional<AXValue>(place->origin()) : std::nullopt;
     }
-    for (const TextLeaf& text : context().hitTest.textLeavesIn(owner_->object(), deadline())) {
-        if (text.start == text_.start) {
-            return place(attribute, text.place, owner_->object());
-        }
+    if (attribute == "AXSize") {
+        const auto place = frame();
+        return place ? std::optional<AXValue>(place->size()) : std::nullopt;
     }
     return std::nullopt;
 }
@@ -364,12 +378,16 @@ std::optional<AXValue> RowElement::copyAttributeValue(std::string_view attribute
     if (attribute == "AXParent") {
         return AXUIElement(table_);
     }
-    if (attribute == "AXPosition" || attribute == "AXSize") {
-        return place(attribute, row_.place, table_->object());
+    if (attribute == "AXPosition") {
+        return placeOf(row_.place, table_->object()).origin();
+    }
+    if (attribute == "AXSize") {
+        return placeOf(row_.place, table_->object()).size();
     }
     if (attribute != "AXChildren") {
         return std::nullopt;
     }
+    const Token kept = keepReplies();
     std::vector<AXUIElement> cells;
     for (ObjectReference& cell : cellsOf(context().cache, table_->object(), row_.row, deadline())) {
         cells.emplace_back(
@@ -385,7 +403,7 @@ bool RowElement::isSameElement(const AXUIElementBackend& other) const {
 
 std::optional<AXValue> ApplicationElement::copyAttributeValue(std::string_view attribute) const {
     const auto roots = context().processes.rootsOf(pid_, deadline());
-    if (roots.empty() || questionsFor(attribute).empty()) {
+    if (roots.empty() || ObjectElement::questionsFor(attribute).empty()) {
         return std::nullopt;
     }
     if (attribute != "AXChildren") {

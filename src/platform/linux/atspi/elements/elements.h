@@ -1,8 +1,11 @@
 #pragma once
 
+#include "base/geometry.h"
+#include "base/int_geometry.h"
+#include "base/token.h"
 #include "platform/ax_ui_element.h"
 #include "platform/ax_value.h"
-#include "platform/linux/atspi/bus/object_reference.h"
+#include "platform/linux/atspi/bus/message.h"
 #include "platform/linux/atspi/elements/context.h"
 #include "platform/linux/atspi/tree/reply_cache.h"
 #include "platform/linux/atspi/tree/tables.h"
@@ -12,15 +15,13 @@
 
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 namespace lumetry::atspi {
-
-/// What has to be asked for an attribute; nothing for one that accessible objects do not have.
-[[nodiscard]] std::vector<Question> questionsFor(std::string_view attribute);
 
 /// What is common to all kinds of elements.
 class Element : public AXUIElementBackend {
@@ -39,9 +40,11 @@ protected:
     [[nodiscard]] Context& context() const { return context_; }
     [[nodiscard]] Deadline deadline() const { return context_.deadline(timeoutSeconds_); }
     [[nodiscard]] std::optional<AXUIElement> elementAt(Point point, std::optional<pid_t> pid) const;
-    /// Where something of the object is, as the position or the size that is asked for.
-    [[nodiscard]] std::optional<AXValue> place(std::string_view attribute, const Extents& extents,
-                                               const ObjectReference& object) const;
+    /// Where something of the object is. Accessibility space.
+    /// @param extents as the application reports it
+    [[nodiscard]] Rect placeOf(const IntRect& extents, const ObjectReference& object) const;
+    /// Keeps replies for as long as an attribute is being read.
+    [[nodiscard]] Token keepReplies() const { return context_.cache.keep(); }
 
 private:
     Context& context_;
@@ -57,6 +60,8 @@ public:
         : Element(context), object_(std::move(object)), pid_(pid) {}
 
     [[nodiscard]] const ObjectReference& object() const { return object_; }
+    /// What has to be asked for an attribute; nothing for one that accessible objects do not have.
+    [[nodiscard]] static std::span<const Question> questionsFor(std::string_view attribute);
 
     [[nodiscard]] std::optional<AXValue>
     copyAttributeValue(std::string_view attribute) const override;
@@ -67,14 +72,23 @@ public:
     [[nodiscard]] bool isSameElement(const AXUIElementBackend& other) const override;
 
 private:
-    [[nodiscard]] AXUIElement relative(ObjectReference object) const;
-    [[nodiscard]] std::vector<Reply> ask(const std::vector<Question>& questions) const;
-    [[nodiscard]] static std::optional<AXValue> value(const Reply& beginning, const Reply& number);
-    [[nodiscard]] static std::optional<AXValue> numberOfCharacters(const Reply& count,
-                                                                   const Reply& beginning);
-    [[nodiscard]] std::optional<AXValue> parent(const Reply& reply) const;
-    [[nodiscard]] std::optional<AXValue> children(const Reply& reply, const Reply& role) const;
+    struct Attribute;
+
+    [[nodiscard]] static const Attribute* attributeNamed(std::string_view name);
+    /// @{ The attributes, once what they take has been asked.
+    [[nodiscard]] std::optional<AXValue> role() const;
+    [[nodiscard]] std::optional<AXValue> title() const;
+    [[nodiscard]] std::optional<AXValue> value() const;
+    [[nodiscard]] std::optional<AXValue> numberOfCharacters() const;
+    [[nodiscard]] std::optional<AXValue> position() const;
+    [[nodiscard]] std::optional<AXValue> size() const;
+    [[nodiscard]] std::optional<AXValue> parent() const;
+    [[nodiscard]] std::optional<AXValue> children() const;
+    /// @}
     [[nodiscard]] std::optional<AXValue> rows() const;
+    [[nodiscard]] std::optional<Rect> frame() const;
+    [[nodiscard]] std::optional<std::string> shownText() const;
+    [[nodiscard]] AXUIElement relative(ObjectReference object) const;
     void removeUnseen(std::vector<ObjectReference>& objects, Habits::Unseen unseen) const;
 
     ObjectReference object_;
@@ -99,6 +113,8 @@ public:
     [[nodiscard]] bool isSameElement(const AXUIElementBackend& other) const override;
 
 private:
+    [[nodiscard]] std::optional<Rect> frame() const;
+
     std::shared_ptr<ObjectElement> owner_;
     TextLeaf text_;
 };

@@ -12,8 +12,6 @@
 namespace lumetry::atspi {
 namespace {
 
-using About = Inquiry::About;
-
 /// Of so many children it is worth asking all that may matter at once.
 constexpr std::size_t askedAtOnce = 16;
 /// More siblings than that are items that follow each other. Fewer may lie over one another.
@@ -31,22 +29,23 @@ struct Range {
 /// A child of which the place is known.
 struct Landmark {
     std::size_t index = 0;
-    Extents place;
+    IntRect place;
 };
 
 /// What those children report of their places; empty when one of them has none.
-std::vector<Landmark> landmarksAt(Inquiry& inquiry, const std::vector<ObjectReference>& children,
+std::vector<Landmark> landmarksAt(PointQueries& queries,
+                                  const std::vector<ObjectReference>& children,
                                   const std::vector<std::size_t>& indices) {
-    std::vector<Inquiry::Query> queries;
-    queries.reserve(indices.size());
+    std::vector<Query> places;
+    places.reserve(indices.size());
     for (const std::size_t index : indices) {
-        queries.push_back({children[index], About::extents});
+        places.push_back({children[index], Question::extents});
     }
-    inquiry.ask(queries);
+    queries.ask(places);
     std::vector<Landmark> landmarks;
     for (const std::size_t index : indices) {
-        const auto place = extentsOf(inquiry.reply({children[index], About::extents}));
-        if (!place || place->width <= 0 || place->height <= 0) {
+        const auto place = queries.get<Question::extents>(children[index]);
+        if (!place || place->isEmpty()) {
             return {};
         }
         landmarks.push_back({index, *place});
@@ -56,9 +55,9 @@ std::vector<Landmark> landmarksAt(Inquiry& inquiry, const std::vector<ObjectRefe
 
 /// Children that follow each other down (also in rows) or across, by the members of a place.
 struct Axis {
-    std::int32_t Extents::*start;
-    std::int32_t Extents::*length;
-    std::int32_t Pixel::*point;
+    std::int32_t IntRect::*start;
+    std::int32_t IntRect::*length;
+    std::int32_t IntPoint::*point;
 
     [[nodiscard]] bool runsAlong(const std::vector<Landmark>& landmarks) const {
         const auto startOf = [this](const Landmark& landmark) { return landmark.place.*start; };
@@ -68,7 +67,7 @@ struct Axis {
 
     /// The part of the range that landmarks on both sides of the point leave.
     [[nodiscard]] Range narrowed(Range range, const std::vector<Landmark>& landmarks,
-                                 Pixel at) const {
+                                 IntPoint at) const {
         for (const Landmark& landmark : landmarks) {
             const std::int64_t end = std::int64_t{landmark.place.*start} + landmark.place.*length;
             if (end <= at.*point) {
@@ -108,7 +107,7 @@ std::vector<std::size_t> neighborsIn(const Range& range, double share) {
 /// Where the point is in the range if its children are all of the same length.
 /// @param landmarks both ends of the range among them
 double shareOf(const Range& range, const Axis& axis, const std::vector<Landmark>& landmarks,
-               Pixel at) {
+               IntPoint at) {
     const auto startOf = [&](std::size_t index) -> double {
         return std::ranges::find(landmarks, index, &Landmark::index)->place.*axis.start;
     };
@@ -117,40 +116,40 @@ double shareOf(const Range& range, const Axis& axis, const std::vector<Landmark>
 }
 
 /// Narrows the range until few are left, by the places of some in it.
-Range narrowedToFew(Inquiry& inquiry, const std::vector<ObjectReference>& children,
+Range narrowedToFew(PointQueries& queries, const std::vector<ObjectReference>& children,
                     const Axis& axis, Range range, std::vector<Landmark> landmarks) {
     constexpr int mostRounds = 12;
-    range = axis.narrowed(range, landmarks, inquiry.at());
+    range = axis.narrowed(range, landmarks, queries.at());
     for (int round = 0; round < mostRounds; ++round) {
         if (range.first > range.last || range.count() <= askedAtOnce) {
             break;
         }
         // Where guesses are far off, halves lead on.
         constexpr double half = 0.5;
-        const double share = round % 2 == 0 ? shareOf(range, axis, landmarks, inquiry.at()) : half;
-        const auto found = landmarksAt(inquiry, children, neighborsIn(range, share));
+        const double share = round % 2 == 0 ? shareOf(range, axis, landmarks, queries.at()) : half;
+        const auto found = landmarksAt(queries, children, neighborsIn(range, share));
         landmarks.insert(landmarks.end(), found.begin(), found.end());
-        range = axis.narrowed(range, found, inquiry.at());
+        range = axis.narrowed(range, found, queries.at());
     }
     return range;
 }
 
 /// Of children that follow each other, those that can be at the point, found by the places of a
 /// few. Of any others all, up to a limit.
-std::vector<std::size_t> candidatesAmong(Inquiry& inquiry,
+std::vector<std::size_t> candidatesAmong(PointQueries& queries,
                                          const std::vector<ObjectReference>& children) {
     constexpr std::size_t steps = 4;
-    constexpr Axis down{&Extents::y, &Extents::height, &Pixel::y};
-    constexpr Axis across{&Extents::x, &Extents::width, &Pixel::x};
+    constexpr Axis down{&IntRect::y, &IntRect::height, &IntPoint::y};
+    constexpr Axis across{&IntRect::x, &IntRect::width, &IntPoint::x};
     const Range all{0, children.size() - 1};
     const auto spread = spreadOver(all, steps);
-    const auto landmarks = landmarksAt(inquiry, children, spread);
+    const auto landmarks = landmarksAt(queries, children, spread);
     Range range = all;
     for (const Axis& axis : {down, across}) {
         if (!axis.runsAlong(landmarks)) {
             continue;
         }
-        const Range narrowed = narrowedToFew(inquiry, children, axis, all, landmarks);
+        const Range narrowed = narrowedToFew(queries, children, axis, all, landmarks);
         if (narrowed.first <= narrowed.last) {
             range = narrowed;
             break;
@@ -167,28 +166,28 @@ std::vector<std::size_t> candidatesAmong(Inquiry& inquiry,
 
 } // namespace
 
-std::optional<ObjectReference> childAtPoint(Inquiry& inquiry, const ObjectReference& object) {
-    auto children = referencesOf(inquiry.reply({object, About::children}))
-                        .value_or(std::vector<ObjectReference>());
+std::optional<ObjectReference> childAtPoint(PointQueries& queries, const ObjectReference& object) {
+    auto children =
+        queries.get<Question::children>(object).value_or(std::vector<ObjectReference>());
     const bool few = children.size() <= askedAtOnce;
     if (children.size() > shortestList) {
         std::vector<ObjectReference> candidates;
-        for (const std::size_t index : candidatesAmong(inquiry, children)) {
+        for (const std::size_t index : candidatesAmong(queries, children)) {
             candidates.push_back(std::move(children[index]));
         }
         children = std::move(candidates);
     }
-    std::vector<Inquiry::Query> queries;
+    std::vector<Query> wanted;
     for (const ObjectReference& child : children) {
-        queries.push_back({child, About::extents});
+        wanted.push_back({child, Question::extents});
         // Of many, few are at the point: only those are asked whether they show.
         if (few) {
-            queries.push_back({child, About::states});
+            wanted.push_back({child, Question::states});
         }
     }
-    inquiry.ask(queries);
-    const auto isSeen = [&inquiry](const ObjectReference& child) {
-        return inquiry.isAtPoint(child) && inquiry.isShowing(child);
+    queries.ask(wanted);
+    const auto isSeen = [&queries](const ObjectReference& child) {
+        return queries.isAtPoint(child) && queries.isShowing(child);
     };
     const auto topmost = std::find_if(children.rbegin(), children.rend(), isSeen);
     return topmost == children.rend() ? std::nullopt : std::optional(*topmost);

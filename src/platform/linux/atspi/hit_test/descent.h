@@ -1,9 +1,8 @@
 #pragma once
 
 #include "platform/linux/atspi/bus/message.h"
-#include "platform/linux/atspi/bus/object_reference.h"
-#include "platform/linux/atspi/hit_test/popovers.h"
-#include "platform/linux/atspi/tree/inquiry.h"
+#include "platform/linux/atspi/hit_test/point_queries.h"
+#include "platform/linux/atspi/tree/popups.h"
 #include "platform/linux/atspi/tree/top_levels.h"
 
 #include <optional>
@@ -17,6 +16,6 @@ struct Descent {
 
 /// From the object that stands for a window down to the innermost one at the point, which is that
 /// object itself where nothing in it answers.
-[[nodiscard]] Descent descend(Inquiry& inquiry, Popovers& popovers, const TopLevel& topLevel);
+[[nodiscard]] Descent descend(PointQueries& queries, Popovers& popovers, const TopLevel& topLevel);
 
 } // namespace lumetry::atspi

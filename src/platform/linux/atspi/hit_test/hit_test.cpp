@@ -1,12 +1,13 @@
 #include "platform/linux/atspi/hit_test/hit_test.h"
 
 #include "platform/linux/atspi/hit_test/descent.h"
-#include "platform/linux/atspi/hit_test/text_behind.h"
-#include "platform/linux/atspi/tree/popup_search.h"
+#include "platform/linux/atspi/tree/popups.h"
 #include "platform/linux/atspi/tree/roles.h"
 
-#include <array>
+#include <atspi/atspi-constants.h>
+
 #include <cstddef>
+#include <span>
 #include <utility>
 
 namespace lumetry::atspi {
@@ -16,22 +17,8 @@ namespace {
 /// worth asking about in advance only if it is likely to be gone again.
 constexpr std::size_t shortWay = 12;
 
-double areaOf(const Extents& place) {
+double areaOf(const IntRect& place) {
     return static_cast<double>(place.width) * place.height;
-}
-
-/// What the object has answered, if it has been asked.
-std::optional<ObjectReference> childAtPointOf(const ObjectReference& object,
-                                              const Inquiry& inquiry) {
-    const Reply* reply = inquiry.known({object, Inquiry::About::childAtPoint});
-    return reply ? referenceOf(*reply) : std::nullopt;
-}
-
-Inquiry::About aboutOf(Question question) {
-    using About = Inquiry::About;
-    return question == Question::parent   ? About::parent
-           : question == Question::states ? About::states
-                                          : About::children;
 }
 
 } // namespace
@@ -43,6 +30,7 @@ std::optional<HitTest::Hit> HitTest::objectAt(Point point, std::optional<pid_t> 
     if (!window || !owner || !bus_.connect()) {
         return std::nullopt;
     }
+    const Token kept = cache_.keep();
     const RootSpace space = windows_.rootSpace();
     const Point at = space.toRoot(point);
     window->bounds = space.toRoot(window->bounds);
@@ -56,14 +44,13 @@ std::optional<HitTest::Hit> HitTest::objectAt(Point point, std::optional<pid_t> 
         topLevels_.noteHit(*owner, *object);
     }
     if (toolkits_.of(*object) == Toolkit::qt) {
-        object = textBehind(cache_, std::move(*object), deadline);
+        object = textBehind(std::move(*object), deadline);
     }
-    const Pixel unit = unitAt(at, placementOf(*object));
+    const IntPoint unit = unitAt(at, placementOf(*object));
     std::optional<TextLeaf> hit;
     for (const TextLeaf& text : textLeavesIn(*object, deadline)) {
         // Around a text of several lines is also what begins behind its end.
-        if (text.place.contains(unit.x, unit.y) &&
-            (!hit || areaOf(text.place) < areaOf(hit->place))) {
+        if (text.place.contains(unit) && (!hit || areaOf(text.place) < areaOf(hit->place))) {
             hit = text;
         }
     }
@@ -79,20 +66,20 @@ std::optional<ObjectReference> HitTest::objectIn(const DesktopWindow& window, pi
         }
         const Placement placement =
             topLevel->toolkit == Toolkit::chromium ? Placement() : placementOf(topLevel->object);
-        const Pixel at = unitAt(point, placement);
+        const IntPoint at = unitAt(point, placement);
         const bool inPixels = habitsOf(topLevel->toolkit).hitsInPixels;
         const HitPoint hit = {inPixels ? unitAt(point, Placement()) : at, at};
-        Inquiry inquiry(bus_, hit, topLevel->toolkit, deadline);
+        PointQueries queries(cache_, hit, topLevel->toolkit, deadline);
         if (lastTopLevel_ == topLevel->object) {
-            askAboutLastWay(inquiry);
+            askAboutLastWay(queries);
         }
-        Descent descent = descend(inquiry, popovers_, *topLevel);
+        Descent descent = descend(queries, popovers_, *topLevel);
         if (descent.object && *descent.object != topLevel->object) {
-            askWhatTellsRole(inquiry, *descent.object, habitsOf(topLevel->toolkit));
+            askWhatTellsRole(queries, *descent.object, habitsOf(topLevel->toolkit));
         }
         // Of one that was too slow, too: the next hit test begins where this one ended.
         if (descent.object || descent.outcome == Outcome::silent) {
-            keepWhatHelps(inquiry, *topLevel);
+            keepWhatHelps(queries, *topLevel);
         }
         if (descent.object) {
             if (window.popup && *descent.object == topLevel->object) {
@@ -106,6 +93,7 @@ std::optional<ObjectReference> HitTest::objectIn(const DesktopWindow& window, pi
         }
         // What was remembered of the window is gone; a popup comes back as another object.
         topLevels_.forget(window.id);
+        cache_.forget(topLevel->object);
         if (again && descent.outcome == Outcome::refused) {
             return topLevel->object;
         }
@@ -115,66 +103,65 @@ std::optional<ObjectReference> HitTest::objectIn(const DesktopWindow& window, pi
 
 /// Asks what tells what that object is, unless it was asked along on the last way; together with
 /// what is shown of nearly every element, so that nothing waits longer for it.
-void HitTest::askWhatTellsRole(Inquiry& inquiry, const ObjectReference& object,
+void HitTest::askWhatTellsRole(PointQueries& queries, const ObjectReference& object,
                                const Habits& habits) {
-    inquiry.tell(cache_);
-    const auto role = integerOf(inquiry.reply({object, Inquiry::About::role})).value_or(-1);
-    std::vector<Asked> asked;
-    for (const Question question : questionsForRole(role, habits)) {
-        const Inquiry::Query query{object, aboutOf(question)};
-        if (inquiry.known(query) == nullptr) {
-            asked.push_back({object, question});
-        } else {
-            static_cast<void>(inquiry.reply(query));
-        }
+    const auto role = queries.get<Question::role>(object).value_or(-1);
+    std::vector<Question> questions = questionsForRole(role, habits);
+    bool known = true;
+    for (const Question question : questions) {
+        known = known && queries.isKnown({object, question});
+        queries.note({object, question});
     }
-    if (const auto missing = asked.size(); missing > 0 && cache_.keeps()) {
-        for (const Question shown : {Question::name, Question::text, Question::characterCount,
-                                     Question::value, Question::children}) {
-            asked.push_back({object, shown});
-        }
-        auto replies = cache_.ask(asked, inquiry.deadline());
-        for (std::size_t index = 0; index < missing; ++index) {
-            inquiry.take({object, aboutOf(asked[index].question)}, std::move(replies[index]));
-        }
+    if (!known) {
+        questions.insert(questions.end(), {Question::name, Question::text, Question::characterCount,
+                                           Question::value, Question::children});
+        cache_.ask(object, questions, queries.deadline());
     }
-    const Reply* parent = dependsOnParentsRole(role, habits)
-                              ? inquiry.known({object, Inquiry::About::parent})
-                              : nullptr;
-    if (const auto around = parent != nullptr ? referenceOf(*parent) : std::nullopt) {
-        inquiry.use(*around, {Inquiry::About::role});
+    const auto parent =
+        dependsOnParentsRole(role, habits) ? queries.get<Question::parent>(object) : std::nullopt;
+    if (parent) {
+        queries.use(*parent, {Question::role});
     }
 }
 
+/// Qt shows a text that may be longer than its place through a widget in front of it: the text
+/// behind such a widget; any other object itself.
+ObjectReference HitTest::textBehind(ObjectReference object, Deadline deadline) {
+    if (cache_.ask<Question::role>(object, deadline) != ATSPI_ROLE_FILLER) {
+        return object;
+    }
+    auto parent = cache_.ask<Question::parent>(object, deadline);
+    const bool hasText = parent && cache_.ask<Question::characterCount>(*parent, deadline);
+    return hasText ? std::move(*parent) : std::move(object);
+}
+
 /// Chromium keeps the entries of a drop-down in the page, below the element that it drops from.
-std::optional<ObjectReference> HitTest::contentOfHollowPopup(pid_t pid, Pixel at,
+std::optional<ObjectReference> HitTest::contentOfHollowPopup(pid_t pid, IntPoint at,
                                                              Deadline deadline) {
     auto opener = topLevels_.lastHit(pid);
     if (!opener) {
         return std::nullopt;
     }
-    const auto isAtPoint = [at](const Extents& extents) { return extents.contains(at.x, at.y); };
-    std::vector<ObjectReference> starts;
-    starts.push_back(std::move(*opener));
-    const Habits& habits = toolkits_.habitsFor(starts.front());
-    return firstShowingBelow(bus_, std::move(starts), habits, isAtPoint, deadline);
+    const auto isAtPoint = [at](const IntRect& extents) { return extents.contains(at); };
+    return firstShowingBelow(bus_, toolkits_, {std::move(*opener)}, isAtPoint, deadline);
 }
 
-void HitTest::askAboutLastWay(Inquiry& inquiry) {
+void HitTest::askAboutLastWay(PointQueries& queries) {
     if (lastWay_.size() > shortWay) {
-        inquiry.ask(std::array{Inquiry::Query{lastTopLevel_, Inquiry::About::childAtPoint}});
-        if (childAtPointOf(lastTopLevel_, inquiry) != lastChild_) {
+        const Query child = queries.childAtPointQuery(lastTopLevel_);
+        queries.ask(std::span(&child, 1));
+        if (read<Question::objectAtPoint>(cache_.reply(child)) != lastChild_) {
             return;
         }
     }
-    inquiry.ask(lastWay_);
+    queries.askAgain(lastWay_);
 }
 
-void HitTest::keepWhatHelps(const Inquiry& inquiry, const TopLevel& topLevel) {
+void HitTest::keepWhatHelps(const PointQueries& queries, const TopLevel& topLevel) {
     lastTopLevel_ = topLevel.object;
-    lastWay_ = inquiry.used();
-    lastChild_ = childAtPointOf(topLevel.object, inquiry);
-    inquiry.tell(cache_);
+    lastWay_ = queries.way();
+    lastChild_ =
+        read<Question::objectAtPoint>(cache_.reply(queries.childAtPointQuery(topLevel.object)));
 }
 
 } // namespace lumetry::atspi

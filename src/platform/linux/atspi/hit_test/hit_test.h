@@ -3,10 +3,10 @@
 #include "base/geometry.h"
 #include "platform/linux/atspi/bus/bus.h"
 #include "platform/linux/atspi/bus/deadline.h"
-#include "platform/linux/atspi/bus/object_reference.h"
-#include "platform/linux/atspi/hit_test/popovers.h"
-#include "platform/linux/atspi/tree/inquiry.h"
+#include "platform/linux/atspi/bus/message.h"
+#include "platform/linux/atspi/hit_test/point_queries.h"
 #include "platform/linux/atspi/tree/placement.h"
+#include "platform/linux/atspi/tree/popups.h"
 #include "platform/linux/atspi/tree/processes.h"
 #include "platform/linux/atspi/tree/reply_cache.h"
 #include "platform/linux/atspi/tree/text_leaves.h"
@@ -28,7 +28,8 @@ public:
     HitTest(DesktopWindows& windows, Bus& bus, ReplyCache& cache, Processes& processes,
             Toolkits& toolkits)
         : windows_(windows), bus_(bus), cache_(cache), toolkits_(toolkits),
-          topLevels_(bus, processes, toolkits), popovers_(bus), textLeaves_(bus, cache, toolkits) {}
+          topLevels_(bus, processes, toolkits), popovers_(bus, toolkits),
+          textLeaves_(bus, cache, toolkits) {}
 
     struct Hit {
         ObjectReference object;
@@ -64,11 +65,13 @@ public:
 private:
     [[nodiscard]] std::optional<ObjectReference> objectIn(const DesktopWindow& window, pid_t pid,
                                                           Point point, Deadline deadline);
-    [[nodiscard]] std::optional<ObjectReference> contentOfHollowPopup(pid_t pid, Pixel at,
+    [[nodiscard]] std::optional<ObjectReference> contentOfHollowPopup(pid_t pid, IntPoint at,
                                                                       Deadline deadline);
-    void askWhatTellsRole(Inquiry& inquiry, const ObjectReference& object, const Habits& habits);
-    void askAboutLastWay(Inquiry& inquiry);
-    void keepWhatHelps(const Inquiry& inquiry, const TopLevel& topLevel);
+    void askWhatTellsRole(PointQueries& queries, const ObjectReference& object,
+                          const Habits& habits);
+    void askAboutLastWay(PointQueries& queries);
+    void keepWhatHelps(const PointQueries& queries, const TopLevel& topLevel);
+    [[nodiscard]] ObjectReference textBehind(ObjectReference object, Deadline deadline);
 
     DesktopWindows& windows_;
     Bus& bus_;
@@ -79,7 +82,7 @@ private:
     TextLeaves textLeaves_;
     /// What the last hit test went by, and in which window: the pointer is near there mostly, and
     /// then one exchange serves the whole way down.
-    std::vector<Inquiry::Query> lastWay_;
+    std::vector<Query> lastWay_;
     ObjectReference lastTopLevel_;
     Rect lastClient_;
     std::optional<ObjectReference> lastChild_; ///< what that window answered

@@ -17,13 +17,13 @@ std::int32_t unit(double coordinate) {
 
 } // namespace
 
-Rect placeOf(const Extents& extents, const Placement& placement) {
+Rect placeOf(const IntRect& extents, const Placement& placement) {
     const double scale = placement.scale;
     return {placement.origin.x + extents.x * scale, placement.origin.y + extents.y * scale,
             extents.width * scale, extents.height * scale};
 }
 
-Pixel unitAt(Point point, const Placement& placement) {
+IntPoint unitAt(Point point, const Placement& placement) {
     return {unit((point.x - placement.origin.x) / placement.scale),
             unit((point.y - placement.origin.y) / placement.scale)};
 }
@@ -37,7 +37,7 @@ double intersectionOverUnion(const Rect& a, const Rect& b) {
     return total > 0 ? common / total : 0;
 }
 
-double scaleBetween(const Extents& reported, const Rect& bounds) {
+double scaleBetween(const IntRect& reported, const Rect& bounds) {
     constexpr double stepsPerUnit = 4; // desktops scale by quarters
     constexpr double largestScale = 4;
     constexpr double leastOverlap = 0.75;
@@ -56,7 +56,7 @@ double scaleBetween(const Extents& reported, const Rect& bounds) {
                : 1;
 }
 
-Placement placementInside(const Extents& reported, const Rect& client) {
+Placement placementInside(const IntRect& reported, const Rect& client) {
     const double scale =
         scaleBetween({0, 0, reported.width, reported.height}, {0, 0, client.width, client.height});
     return {scale,
@@ -64,7 +64,7 @@ Placement placementInside(const Extents& reported, const Rect& client) {
              client.y + (client.height - reported.height * scale) / 2}};
 }
 
-Placement placementFilling(const Extents& reported, const Rect& client) {
+Placement placementFilling(const IntRect& reported, const Rect& client) {
     const double scale =
         scaleBetween({0, 0, reported.width, reported.height}, {0, 0, client.width, client.height});
     return {scale, {client.x - reported.x * scale, client.y - reported.y * scale}};

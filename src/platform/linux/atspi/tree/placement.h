@@ -1,8 +1,7 @@
 #pragma once
 
 #include "base/geometry.h"
-#include "platform/linux/atspi/bus/message.h"
-#include "platform/linux/atspi/tree/pixel.h"
+#include "base/int_geometry.h"
 
 namespace lumetry::atspi {
 
@@ -13,9 +12,9 @@ struct Placement {
 };
 
 /// A place that an object reports, in pixels of the root window.
-[[nodiscard]] Rect placeOf(const Extents& extents, const Placement& placement);
+[[nodiscard]] Rect placeOf(const IntRect& extents, const Placement& placement);
 /// The application's own unit that a point of the root window lies in.
-[[nodiscard]] Pixel unitAt(Point point, const Placement& placement);
+[[nodiscard]] IntPoint unitAt(Point point, const Placement& placement);
 
 /// How much of the area that either covers both cover, 0 to 1.
 [[nodiscard]] double intersectionOverUnion(const Rect& a, const Rect& b);
@@ -23,17 +22,17 @@ struct Placement {
 /// On displays with many pixels toolkits count in larger units than the X server does, and report
 /// places in those. How many pixels such a unit has, from the same window as its application
 /// reports it and as the X server does; 1 where that does not tell.
-[[nodiscard]] double scaleBetween(const Extents& reported, const Rect& bounds);
+[[nodiscard]] double scaleBetween(const IntRect& reported, const Rect& bounds);
 
 /// Of an application that counts from the origin of its window: the inside of the window that it
 /// reports lies in the middle of what the X server has of it.
 /// @param client pixels of the root window, without decorations and shadow
-[[nodiscard]] Placement placementInside(const Extents& reported, const Rect& client);
+[[nodiscard]] Placement placementInside(const IntRect& reported, const Rect& client);
 
 /// Of something in such an application that has a window of its own, which it fills: of its place
 /// only the size counts, as it is said to lie where what has opened it begins.
 /// @param client as above
-[[nodiscard]] Placement placementFilling(const Extents& reported, const Rect& client);
+[[nodiscard]] Placement placementFilling(const IntRect& reported, const Rect& client);
 
 /// Whether both are the same window's, of which one may be with its shadow.
 [[nodiscard]] bool lieAlike(const Rect& a, const Rect& b);

@@ -1,6 +1,6 @@
 #include "platform/linux/atspi/tree/processes.h"
 
-#include "platform/linux/atspi/bus/requests.h"
+#include "platform/linux/atspi/tree/queries.h"
 #include "platform/linux/system/process_info.h"
 
 #include <unistd.h>
@@ -11,6 +11,14 @@
 #include <utility>
 
 namespace lumetry::atspi {
+namespace {
+
+/// Asks for the applications on the bus: the children of the registry's root.
+Message getApplications() {
+    return requestFor({{ATSPI_DBUS_NAME_REGISTRY, ATSPI_DBUS_PATH_ROOT}, Question::children});
+}
+
+} // namespace
 
 Processes::Processes(Bus& bus, std::filesystem::path processes)
     : bus_(bus), processes_(std::move(processes)), ownPid_(getpid()) {}
@@ -89,7 +97,7 @@ std::vector<ObjectReference> Processes::rootsOf(pid_t pid, Deadline deadline) {
     if (!known.empty() || askedInVain_.contains(pid)) {
         return known;
     }
-    const auto names = takeApplications(bus_.exchange(getChildren(registryRoot()), deadline));
+    const auto names = takeApplications(bus_.exchange(getApplications(), deadline));
     std::vector<Message> requests;
     requests.reserve(names.size());
     for (const std::string& name : names) {
@@ -100,7 +108,7 @@ std::vector<ObjectReference> Processes::rootsOf(pid_t pid, Deadline deadline) {
         takeProcess(names[index], replies[index]);
     }
     known = knownRootsOf(pid);
-    if (known.empty() && inSample_) {
+    if (known.empty() && samples_ > 0) {
         askedInVain_.insert(pid);
     }
     return known;
@@ -115,7 +123,7 @@ void Processes::findRootsOf(pid_t pid,
         continuation(known);
         return;
     }
-    bus_.send(getChildren(registryRoot()),
+    bus_.send(getApplications(),
               [this, pid, continuation = std::move(continuation)](const Reply& applications) {
                   const auto names = takeApplications(applications);
                   if (names.empty()) {

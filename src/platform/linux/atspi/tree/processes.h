@@ -2,7 +2,7 @@
 
 #include "platform/linux/atspi/bus/bus.h"
 #include "platform/linux/atspi/bus/deadline.h"
-#include "platform/linux/atspi/bus/object_reference.h"
+#include "platform/linux/atspi/bus/message.h"
 
 #include <sys/types.h>
 
@@ -35,10 +35,11 @@ public:
     void forget(const std::string& name);
 
     /// Between these two the bus is asked only once about a process that has no application.
-    void beginSample() { inSample_ = true; }
+    void beginSample() { ++samples_; }
     void endSample() {
-        inSample_ = false;
-        askedInVain_.clear();
+        if (--samples_ == 0) {
+            askedInVain_.clear();
+        }
     }
 
 private:
@@ -61,7 +62,7 @@ private:
     std::map<std::string, Owner> owners_; ///< by the connection's name
     /// Of all applications, as the registry gave them last.
     std::vector<ObjectReference> roots_;
-    bool inSample_ = false;
+    int samples_ = 0;
     std::set<pid_t> askedInVain_; ///< in this sample
 };
 

@@ -1,57 +1,56 @@
 #include "platform/linux/atspi/tree/reply_cache.h"
 
-#include "platform/linux/atspi/bus/requests.h"
 #include "platform/linux/atspi/tree/tables.h"
 
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
+#include <iterator>
 #include <set>
-#include <utility>
 
 namespace lumetry::atspi {
 
-bool ReplyCache::keep() {
-    return !std::exchange(keeps_, true);
+void ReplyCache::endKeeping() {
+    if (--holders_ == 0) {
+        replies_.clear();
+    }
 }
 
-void ReplyCache::forget() {
-    keeps_ = false;
-    kept_.clear();
+Token ReplyCache::keep() {
+    beginKeeping();
+    return Token([this] { endKeeping(); });
 }
 
-std::vector<Reply> ReplyCache::ask(std::span<const Asked> questions, Deadline deadline) {
-    Replies passing;
-    Replies& known = keeps_ ? kept_ : passing;
-    for (auto next = unanswered(known, questions); !next.empty();
-         next = unanswered(known, questions)) {
-        std::vector<Message> requests;
-        requests.reserve(next.size());
-        for (const Asked& question : next) {
-            requests.push_back(request(known, question));
-        }
-        auto replies = bus_.exchange(std::move(requests), deadline);
-        for (std::size_t index = 0; index < next.size(); ++index) {
-            known.insert_or_assign(std::move(next[index]), std::move(replies[index]));
-        }
+void ReplyCache::ask(std::span<const Query> queries, Deadline deadline) {
+    for (auto next = unanswered(queries); !next.empty(); next = unanswered(queries)) {
+        exchange(bus_, toolkits_, next, deadline, replies_);
     }
-    std::vector<Reply> replies;
-    replies.reserve(questions.size());
-    for (const Asked& question : questions) {
-        replies.push_back(isUnderstood(known, question) ? known.at(question)
-                                                        : Reply{Outcome::refused, nullptr});
+}
+
+void ReplyCache::ask(const ObjectReference& object, std::span<const Question> questions,
+                     Deadline deadline) {
+    std::vector<Query> queries;
+    queries.reserve(questions.size());
+    for (const Question question : questions) {
+        queries.push_back({object, question});
     }
-    return replies;
+    ask(queries, deadline);
+}
+
+void ReplyCache::askAtOnce(std::span<const Query> queries, Deadline deadline) {
+    std::vector<Query> missing;
+    std::ranges::copy_if(queries, std::back_inserter(missing),
+                         [this](const Query& query) { return !contains(query); });
+    if (!missing.empty()) {
+        exchange(bus_, toolkits_, missing, deadline, replies_);
+    }
 }
 
 /// What is to be asked next for those that have no answer yet: they themselves or what has to be
 /// known before, each once.
-std::vector<Asked> ReplyCache::unanswered(const Replies& known,
-                                          std::span<const Asked> questions) const {
-    std::set<Asked> next;
-    for (const Asked& question : questions) {
-        if (!known.contains(question) && isUnderstood(known, question)) {
-            next.insert(neededFor(known, question).value_or(question));
+std::vector<Query> ReplyCache::unanswered(std::span<const Query> queries) const {
+    std::set<Query> next;
+    for (const Query& query : queries) {
+        if (!contains(query) && isUnderstood(query)) {
+            next.insert(neededFor(query).value_or(query));
         }
     }
     return {next.begin(), next.end()};
@@ -59,61 +58,37 @@ std::vector<Asked> ReplyCache::unanswered(const Replies& known,
 
 /// False once it is known that the object does not implement what it takes. The children of tables
 /// that are made of cells are too many to be asked for.
-bool ReplyCache::isUnderstood(const Replies& known, const Asked& question) const {
-    if (question.question == Question::children) {
-        const auto told = [&](Question fact) {
-            const auto reply = known.find({question.object, fact});
-            return reply == known.end() ? Reply() : reply->second;
-        };
-        return !isMadeOfCells(told(Question::role), told(Question::interfaces),
-                              toolkits_.habitsFor(question.object));
+bool ReplyCache::isUnderstood(const Query& query) const {
+    if (query.question == Question::children) {
+        return !isMadeOfCells(*this, query.object, toolkits_.habitsFor(query.object));
     }
-    const auto interface = interfaceFor(question.question);
-    const auto reply = known.find({question.object, Question::interfaces});
-    return !interface || reply == known.end() ||
-           interfacesOf(reply->second).value_or(Interfaces()).contains(*interface);
+    const auto needed = interfaceFor(query.question);
+    return !needed || !contains({query.object, Question::interfaces}) ||
+           get<Question::interfaces>(query.object).value_or(Interfaces()).contains(*needed);
 }
 
 /// What has to be known of the object before it can be asked that.
-std::optional<Asked> ReplyCache::neededFor(const Replies& known, const Asked& question) const {
-    const Asked interfaces{question.object, Question::interfaces};
-    if (question.question == Question::children &&
-        toolkits_.habitsFor(question.object).tablesHoldCells) {
-        const Asked role{question.object, Question::role};
-        return !known.contains(interfaces) ? std::optional(interfaces)
-               : !known.contains(role)     ? std::optional(role)
-                                           : std::nullopt;
+std::optional<Query> ReplyCache::neededFor(const Query& query) const {
+    const Habits& habits = toolkits_.habitsFor(query.object);
+    const auto missing = [&](Question question) {
+        Query needed{query.object, question};
+        return contains(needed) ? std::nullopt : std::optional(std::move(needed));
+    };
+    switch (query.question) {
+    case Question::children: {
+        auto interfaces = habits.tablesHoldCells ? missing(Question::interfaces) : std::nullopt;
+        return interfaces || !habits.tablesHoldCells ? interfaces : missing(Question::role);
     }
-    // What is on screen has a place: that is not worth an exchange of its own.
-    const bool depends = interfaceFor(question.question) && question.question != Question::extents;
-    if (depends && !known.contains(interfaces)) {
-        return interfaces;
+    case Question::extents:
+    case Question::objectAtPoint:
+        // What is on screen has a place: that is not worth an exchange of its own.
+        return std::nullopt;
+    case Question::text: {
+        auto interfaces = missing(Question::interfaces);
+        return interfaces || habits.clipsText ? interfaces : missing(Question::characterCount);
     }
-    const Asked count{question.object, Question::characterCount};
-    if (question.question == Question::text && !toolkits_.habitsFor(question.object).clipsText &&
-        !known.contains(count)) {
-        return count;
-    }
-    return std::nullopt;
-}
-
-Message ReplyCache::request(const Replies& known, const Asked& question) const {
-    const auto& habits = toolkits_.habitsFor(question.object);
-    if (question.question != Question::text || habits.clipsText) {
-        return requestFor(question, habits.coordinates);
-    }
-    const auto count = integerOf(known.at({question.object, Question::characterCount}));
-    const auto end = std::clamp<std::int64_t>(count.value_or(0), 0, textBeginningCharacters);
-    return getText(question.object, 0, static_cast<std::int32_t>(end));
-}
-
-Reply ReplyCache::ask(const Asked& question, Deadline deadline) {
-    return std::move(ask(std::span(&question, 1), deadline).front());
-}
-
-void ReplyCache::remember(const Asked& question, const Reply& reply) {
-    if (keeps_) {
-        kept_.insert_or_assign(question, reply);
+    default:
+        return interfaceFor(query.question) ? missing(Question::interfaces) : std::nullopt;
     }
 }
 

@@ -1,7 +1,5 @@
 #include "platform/linux/atspi/tree/roles.h"
 
-#include "platform/linux/atspi/tree/states.h"
-
 #include <atspi/atspi.h>
 
 #include <algorithm>
@@ -178,19 +176,20 @@ std::string_view roleInside(std::int64_t role, std::optional<std::int64_t> paren
 }
 
 /// Whether one of a combo box's children is to be typed in; the only one is what drops down.
-bool holdsEntry(ReplyCache& cache, const Reply& children, Deadline deadline) {
+bool holdsEntry(ReplyCache& cache, const ObjectReference& comboBox, Deadline deadline) {
     constexpr std::size_t mostChildren = 8;
-    const auto inside = referencesOf(children);
+    const auto inside = cache.get<Question::children>(comboBox);
     if (!inside || inside->size() < 2 || inside->size() > mostChildren) {
         return false;
     }
-    std::vector<Asked> asked;
+    std::vector<Query> queries;
     for (const ObjectReference& child : *inside) {
-        asked.push_back({child, Question::role});
+        queries.push_back({child, Question::role});
     }
-    return std::ranges::any_of(cache.ask(asked, deadline), [](const Reply& reply) {
-        constexpr std::array entries = {ATSPI_ROLE_TEXT, ATSPI_ROLE_ENTRY};
-        return std::ranges::find(entries, integerOf(reply)) != entries.end();
+    cache.ask(queries, deadline);
+    return std::ranges::any_of(*inside, [&](const ObjectReference& child) {
+        const auto role = cache.get<Question::role>(child);
+        return role == ATSPI_ROLE_TEXT || role == ATSPI_ROLE_ENTRY;
     });
 }
 
@@ -230,29 +229,26 @@ bool dependsOnParentsRole(std::int64_t role, const Habits& habits) {
 std::optional<std::string_view> axRoleOf(ReplyCache& cache, const Habits& habits,
                                          const ObjectReference& object, bool isWindow,
                                          Deadline deadline) {
-    const auto role = integerOf(cache.ask({object, Question::role}, deadline));
+    const auto role = cache.ask<Question::role>(object, deadline);
     if (!role) {
         return std::nullopt;
     }
-    std::vector<Asked> asked;
-    for (const Question question : questionsForRole(*role, habits)) {
-        asked.push_back({object, question});
-    }
-    const auto replies = cache.ask(asked, deadline);
-    const Reply first = replies.empty() ? Reply() : replies.front();
+    cache.ask(object, questionsForRole(*role, habits), deadline);
     const auto has = [&](AtspiStateType state) {
-        return hasState(statesOf(first).value_or(0), state);
+        return hasState(cache.get<Question::states>(object).value_or(0), state);
     };
     const auto implementsEditableText = [&] {
-        return interfacesOf(cache.ask({object, Question::interfaces}, deadline))
+        return cache.ask<Question::interfaces>(object, deadline)
             .value_or(Interfaces())
             .contains(Interface::editableText);
     };
     switch (*role) {
     case ATSPI_ROLE_MENU:
     case ATSPI_ROLE_MENU_ITEM: {
-        const auto parent = referenceOf(first);
-        return parent ? roleInside(*role, integerOf(cache.ask({*parent, Question::role}, deadline)))
+        const auto parent = dependsOnParentsRole(*role, habits)
+                                ? cache.get<Question::parent>(object)
+                                : std::nullopt;
+        return parent ? roleInside(*role, cache.ask<Question::role>(*parent, deadline))
                       : axRole(*role);
     }
     case ATSPI_ROLE_TEXT:
@@ -264,14 +260,14 @@ std::optional<std::string_view> axRoleOf(ReplyCache& cache, const Habits& habits
                    : axRole(*role);
     case ATSPI_ROLE_COMBO_BOX:
         return (habits.statesTellEditable ? has(ATSPI_STATE_EDITABLE)
-                                          : holdsEntry(cache, first, deadline))
+                                          : holdsEntry(cache, object, deadline))
                    ? axRole(*role)
                    : "AXPopUpButton";
     default:
         break;
     }
     if (axRole(*role) == windowRole && !isWindow) {
-        const auto parent = referenceOf(first);
+        const auto parent = cache.get<Question::parent>(object);
         return parent && parent->path != ATSPI_DBUS_PATH_ROOT ? "AXGroup" : windowRole;
     }
     return axRole(*role);

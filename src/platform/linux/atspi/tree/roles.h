@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/linux/atspi/bus/deadline.h"
-#include "platform/linux/atspi/bus/object_reference.h"
+#include "platform/linux/atspi/bus/message.h"
 #include "platform/linux/atspi/tree/reply_cache.h"
 #include "platform/linux/atspi/tree/toolkits.h"
 

@@ -29,42 +29,25 @@ struct Part {
 struct Landmark {
     std::int64_t row = 0;
     std::int32_t column = 0;
-    Extents place;
+    IntRect place;
 };
 
-/// A table's number of rows or columns, of those that can be asked about; absent where it makes no
-/// sense.
-std::optional<std::int32_t> countOf(const Reply& reply) {
-    const auto count = integerOf(reply);
-    if (!count || *count < 0) {
+/// A number of rows or columns, or the number of one, as far as it can be asked about; absent where
+/// it makes no sense.
+std::optional<std::int32_t> usable(std::optional<std::int64_t> number) {
+    if (!number || *number < 0) {
         return std::nullopt;
     }
     constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
-    return static_cast<std::int32_t>(std::min(*count, most));
+    return static_cast<std::int32_t>(std::min(*number, most));
 }
 
-bool meet(const Extents& a, const Extents& b) {
-    const auto overlap = [](std::int64_t start, std::int64_t length, std::int64_t otherStart,
-                            std::int64_t otherLength) {
-        return start < otherStart + otherLength && otherStart < start + length;
-    };
-    return overlap(a.x, a.width, b.x, b.width) && overlap(a.y, a.height, b.y, b.height);
-}
-
-Extents around(const Extents& a, const Extents& b) {
-    const std::int64_t left = std::min(a.x, b.x);
-    const std::int64_t top = std::min(a.y, b.y);
-    const std::int64_t right = std::max(std::int64_t{a.x} + a.width, std::int64_t{b.x} + b.width);
-    const std::int64_t bottom =
-        std::max(std::int64_t{a.y} + a.height, std::int64_t{b.y} + b.height);
-    constexpr std::int64_t longest = std::numeric_limits<std::int32_t>::max();
-    return {static_cast<std::int32_t>(left), static_cast<std::int32_t>(top),
-            static_cast<std::int32_t>(std::min(right - left, longest)),
-            static_cast<std::int32_t>(std::min(bottom - top, longest))};
+bool meet(const IntRect& a, const IntRect& b) {
+    return a.x < b.endX() && b.x < a.endX() && a.y < b.endY() && b.y < a.endY();
 }
 
 /// The point in an object at those shares of its width and height.
-Asked objectIn(const ObjectReference& table, const Extents& place, double across, double down) {
+Query objectIn(const ObjectReference& table, const IntRect& place, double across, double down) {
     const auto at = [](std::int32_t start, std::int32_t length, double share) {
         constexpr double farthest = 1 << 30;
         return static_cast<std::int32_t>(std::clamp(start + length * share, -farthest, farthest));
@@ -75,73 +58,74 @@ Asked objectIn(const ObjectReference& table, const Extents& place, double across
 
 /// Some cell in the middle of the table: of a long one those to be seen are nearby.
 std::optional<Landmark> landmarkIn(ReplyCache& cache, const ObjectReference& table,
-                                   const Extents& place, Deadline deadline) {
+                                   const IntRect& place, Deadline deadline) {
     constexpr double middle = 0.5;
     constexpr double nearTheStart = 0.125;
-    const auto found = cache.ask(std::array{objectIn(table, place, nearTheStart, middle),
-                                            objectIn(table, place, middle, middle)},
-                                 deadline);
-    for (const Reply& reply : found) {
-        const auto cell = referenceOf(reply);
+    const std::array points = {objectIn(table, place, nearTheStart, middle),
+                               objectIn(table, place, middle, middle)};
+    cache.ask(points, deadline);
+    for (const Query& point : points) {
+        const auto cell = cache.get<Question::objectAtPoint>(table, point.first, point.second);
         if (!cell || *cell == table) {
             continue;
         }
-        const auto about = cache.ask(
-            std::array{Asked{*cell, Question::indexInParent}, Asked{*cell, Question::extents}},
-            deadline);
-        const auto extents = extentsOf(about[1]);
-        const std::int32_t index = countOf(about[0]).value_or(0);
-        const auto position = cache.ask(std::array{Asked{table, Question::rowAtIndex, index},
-                                                   Asked{table, Question::columnAtIndex, index}},
-                                        deadline);
-        const auto row = countOf(position[0]);
-        if (row && extents && extents->isSomewhere() && meet(*extents, place)) {
-            return Landmark{*row, countOf(position[1]).value_or(0), *extents};
+        cache.ask({{*cell, Question::indexInParent}, {*cell, Question::extents}}, deadline);
+        const auto index = usable(cache.get<Question::indexInParent>(*cell)).value_or(0);
+        cache.ask({{table, Question::rowAtIndex, index}, {table, Question::columnAtIndex, index}},
+                  deadline);
+        const auto row = usable(cache.get<Question::rowAtIndex>(table, index));
+        const auto column = usable(cache.get<Question::columnAtIndex>(table, index));
+        const auto extents = cache.get<Question::extents>(*cell);
+        if (row && extents && isSomewhere(*extents) && meet(*extents, place)) {
+            return Landmark{*row, column.value_or(0), *extents};
         }
     }
     return std::nullopt;
 }
 
 /// What is worth asking about of a table with more rows than that.
-Part partAround(const Landmark& landmark, const Extents& table, std::int32_t rows) {
+Part partAround(const Landmark& landmark, const IntRect& table, std::int32_t rows) {
     const std::int64_t height = std::max(landmark.place.height, 1);
     const std::int64_t above =
         std::max<std::int64_t>(std::int64_t{landmark.place.y} - table.y, 0) / height + 1;
-    const std::int64_t below =
-        std::max<std::int64_t>(std::int64_t{table.y} + table.height - landmark.place.y, 0) / height;
+    const std::int64_t below = std::max<std::int64_t>(table.endY() - landmark.place.y, 0) / height;
     const std::int64_t first = std::max<std::int64_t>(landmark.row - above, 0);
     const std::int64_t last = std::min<std::int64_t>(landmark.row + below, rows - 1);
     return {first, last, {landmark.column}};
 }
 
 std::vector<TableRow> rowsIn(ReplyCache& cache, const ObjectReference& table, const Part& part,
-                             const std::optional<Extents>& place, Deadline deadline) {
-    std::vector<Asked> cells;
+                             const std::optional<IntRect>& place, Deadline deadline) {
+    std::vector<Query> cells;
     for (std::int64_t row = part.firstRow; row <= part.lastRow; ++row) {
         for (const std::int32_t column : part.columns) {
             cells.push_back({table, Question::cell, static_cast<std::int32_t>(row), column});
         }
     }
-    const auto found = cache.ask(cells, deadline);
-    std::vector<Asked> places;
-    std::vector<std::int32_t> rowsOfPlaces;
-    for (std::size_t index = 0; index < cells.size(); ++index) {
-        if (auto cell = referenceOf(found[index])) {
-            places.push_back({std::move(*cell), Question::extents});
-            rowsOfPlaces.push_back(cells[index].first);
+    cache.ask(cells, deadline);
+    struct Cell {
+        std::int32_t row;
+        ObjectReference object;
+    };
+    std::vector<Cell> found;
+    std::vector<Query> places;
+    for (const Query& cell : cells) {
+        if (const auto object = cache.get<Question::cell>(table, cell.first, cell.second)) {
+            places.push_back({*object, Question::extents});
+            found.push_back({cell.first, *object});
         }
     }
-    const auto told = cache.ask(places, deadline);
+    cache.ask(places, deadline);
     std::vector<TableRow> rows;
-    for (std::size_t index = 0; index < places.size(); ++index) {
-        const auto cell = extentsOf(told[index]);
-        if (!cell || !cell->isSomewhere() || (place && !meet(*cell, *place))) {
+    for (const auto& [row, object] : found) {
+        const auto cell = cache.get<Question::extents>(object);
+        if (!cell || !isSomewhere(*cell) || (place && !meet(*cell, *place))) {
             continue;
         }
-        if (!rows.empty() && rows.back().row == rowsOfPlaces[index]) {
-            rows.back().place = around(rows.back().place, *cell);
+        if (!rows.empty() && rows.back().row == row) {
+            rows.back().place = unite(rows.back().place, *cell);
         } else {
-            rows.push_back({rowsOfPlaces[index], *cell});
+            rows.push_back({row, *cell});
         }
     }
     return rows;
@@ -149,29 +133,30 @@ std::vector<TableRow> rowsIn(ReplyCache& cache, const ObjectReference& table, co
 
 } // namespace
 
-bool isMadeOfCells(const Reply& role, const Reply& interfaces, const Habits& habits) {
+bool isMadeOfCells(const ReplyCache& cache, const ObjectReference& object, const Habits& habits) {
     constexpr std::array tables = {ATSPI_ROLE_TABLE, ATSPI_ROLE_TREE, ATSPI_ROLE_TREE_TABLE};
     return habits.tablesHoldCells &&
-           interfacesOf(interfaces).value_or(Interfaces()).contains(Interface::table) &&
-           std::ranges::find(tables, integerOf(role)) != tables.end();
+           cache.get<Question::interfaces>(object)
+               .value_or(Interfaces())
+               .contains(Interface::table) &&
+           std::ranges::find(tables, cache.get<Question::role>(object)) != tables.end();
 }
 
 std::optional<std::vector<TableRow>> rowsSeenOf(ReplyCache& cache, const ObjectReference& table,
                                                 Deadline deadline) {
-    const auto about =
-        cache.ask(std::array{Asked{table, Question::rowCount}, Asked{table, Question::columnCount},
-                             Asked{table, Question::extents}},
-                  deadline);
-    const auto rows = countOf(about[0]);
-    const auto columns = countOf(about[1]);
+    cache.ask(
+        {{table, Question::rowCount}, {table, Question::columnCount}, {table, Question::extents}},
+        deadline);
+    const auto rows = usable(cache.get<Question::rowCount>(table));
+    const auto columns = usable(cache.get<Question::columnCount>(table));
     if (!rows || !columns) {
         return std::nullopt;
     }
     if (*rows == 0 || *columns == 0) {
         return std::vector<TableRow>();
     }
-    auto place = extentsOf(about[2]);
-    if (place && !place->isSomewhere()) {
+    auto place = cache.get<Question::extents>(table);
+    if (place && !isSomewhere(*place)) {
         place.reset();
     }
     Part part{0, std::min<std::int64_t>(*rows, mostRows) - 1, {}};
@@ -188,16 +173,15 @@ std::optional<std::vector<TableRow>> rowsSeenOf(ReplyCache& cache, const ObjectR
 std::vector<ObjectReference> cellsOf(ReplyCache& cache, const ObjectReference& table,
                                      std::int32_t row, Deadline deadline) {
     constexpr std::int32_t mostColumns = 60;
-    const auto columns = countOf(cache.ask({table, Question::columnCount}, deadline)).value_or(0);
-    const std::int32_t count = std::min(columns, mostColumns);
-    std::vector<Asked> asked;
-    asked.reserve(static_cast<std::size_t>(count));
-    for (std::int32_t column = 0; column < count; ++column) {
-        asked.push_back({table, Question::cell, row, column});
+    const auto columns = usable(cache.ask<Question::columnCount>(table, deadline)).value_or(0);
+    std::vector<Query> queries;
+    for (std::int32_t column = 0; column < std::min(columns, mostColumns); ++column) {
+        queries.push_back({table, Question::cell, row, column});
     }
+    cache.ask(queries, deadline);
     std::vector<ObjectReference> cells;
-    for (const Reply& reply : cache.ask(asked, deadline)) {
-        if (auto cell = referenceOf(reply)) {
+    for (const Query& query : queries) {
+        if (auto cell = cache.get<Question::cell>(table, row, query.second)) {
             cells.push_back(std::move(*cell));
         }
     }

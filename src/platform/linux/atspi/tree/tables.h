@@ -1,8 +1,8 @@
 #pragma once
 
+#include "base/int_geometry.h"
 #include "platform/linux/atspi/bus/deadline.h"
 #include "platform/linux/atspi/bus/message.h"
-#include "platform/linux/atspi/bus/object_reference.h"
 #include "platform/linux/atspi/tree/reply_cache.h"
 #include "platform/linux/atspi/tree/toolkits.h"
 
@@ -12,13 +12,14 @@
 
 namespace lumetry::atspi {
 
-/// Whether an object is a table whose children are its cells.
-[[nodiscard]] bool isMadeOfCells(const Reply& role, const Reply& interfaces, const Habits& habits);
+/// Whether an object is known to be a table whose children are its cells.
+[[nodiscard]] bool isMadeOfCells(const ReplyCache& cache, const ObjectReference& object,
+                                 const Habits& habits);
 
 /// A row of a table that has no object for it.
 struct TableRow {
     std::int32_t row = 0; ///< its number in the table, from 0
-    Extents place;        ///< around its cells
+    IntRect place;        ///< around its cells
 };
 
 /// The rows that are to be seen of a table that is made of cells, without its headers, and no more

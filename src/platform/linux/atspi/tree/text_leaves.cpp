@@ -1,9 +1,7 @@
 #include "platform/linux/atspi/tree/text_leaves.h"
 
 #include "base/text.h"
-#include "platform/linux/atspi/bus/requests.h"
 #include "platform/linux/atspi/tree/roles.h"
-#include "platform/linux/atspi/tree/states.h"
 
 #include <algorithm>
 #include <array>
@@ -75,26 +73,25 @@ std::vector<TextLeaf> piecesOf(std::string_view text, std::size_t markerLength) 
 
 /// Whether what the object holds is typed, or chosen instead of typed: the room around that belongs
 /// to it.
-bool isField(const Reply& role, const Reply& states, const Habits& habits) {
+bool isField(std::optional<std::int64_t> role, std::uint64_t states, const Habits& habits) {
     constexpr std::array fields = {ATSPI_ROLE_ENTRY, ATSPI_ROLE_PASSWORD_TEXT,
                                    ATSPI_ROLE_SPIN_BUTTON, ATSPI_ROLE_EDITBAR};
-    return (hasState(statesOf(states).value_or(0), ATSPI_STATE_EDITABLE) &&
-            !habits.editsDocuments) ||
-           std::ranges::find(fields, integerOf(role)) != fields.end();
+    return (hasState(states, ATSPI_STATE_EDITABLE) && !habits.editsDocuments) ||
+           std::ranges::find(fields, role) != fields.end();
 }
 
 /// Whether the object is nothing but its text, or a field whatever its states.
-bool isText(const Reply& role) {
+bool isText(std::int64_t role) {
     constexpr std::array<std::string_view, 7> texts = {"AXStaticText", "AXHeading",  "AXLink",
                                                        "AXTextField",  "AXTextArea", "AXComboBox",
                                                        "AXIncrementor"};
-    return std::ranges::find(texts, axRole(integerOf(role).value_or(-1))) != texts.end();
+    return std::ranges::find(texts, axRole(role)) != texts.end();
 }
 
 /// Chromium rounds the place of a text and that of what is around it, each by itself. The widths of
 /// texts have fractions, so that their right ends are known to a pixel only, and one in the middle
 /// would seem to be beside it.
-void centre(Extents& text, const Extents& around) {
+void centre(IntRect& text, const IntRect& around) {
     const std::int64_t left = std::int64_t{text.x} - around.x;
     const std::int64_t right = around.width - left - text.width;
     const std::int64_t centred = around.width - 2 * left;
@@ -118,47 +115,33 @@ std::vector<TextLeaf> TextLeaves::in(const ObjectReference& object, Deadline dea
     if (onlyOfLeaves && toolkit != Toolkit::chromium && !mayHoldText(object, deadline)) {
         return {};
     }
-    std::vector<Asked> questions = {{object, Question::text},
-                                    {object, Question::characterCount},
-                                    {object, Question::states},
-                                    {object, Question::role}};
+    std::vector<Question> questions = {Question::text, Question::characterCount, Question::states,
+                                       Question::role};
     if (onlyOfLeaves) {
-        questions.push_back({object, Question::children});
+        questions.push_back(Question::children);
     }
     if (toolkit == Toolkit::chromium) {
         // The last two are asked along: they are shown of nearly every element.
-        questions.insert(
-            questions.end(),
-            {{object, Question::extents}, {object, Question::name}, {object, Question::value}});
+        questions.insert(questions.end(), {Question::extents, Question::name, Question::value});
     }
-    const auto replies = cache_.ask(questions, deadline);
-    const auto& role = replies[3];
-    if (isField(role, replies[2], habits)) {
+    cache_.ask(object, questions, deadline);
+    const auto role = cache_.get<Question::role>(object);
+    if (isField(role, cache_.get<Question::states>(object).value_or(0), habits)) {
         return {};
     }
     if (onlyOfLeaves) {
-        const auto children = referencesOf(replies[4]);
-        if (integerOf(role) == ATSPI_ROLE_STATIC || !children || !children->empty()) {
+        const auto children = cache_.get<Question::children>(object);
+        if (role == ATSPI_ROLE_STATIC || !children || !children->empty()) {
             return {};
         }
     }
-    const auto count = integerOf(replies[1]).value_or(0);
-    if (count > longestText) {
-        return {};
-    }
-    const auto text =
-        count <= textBeginningCharacters
-            ? textOf(replies[0])
-            : textOf(cache_.ask({object, Question::textPart, 0, static_cast<std::int32_t>(count)},
-                                deadline));
-    const std::string_view told = text ? std::string_view(*text) : std::string_view();
-    auto pieces = piecesOf(told, integerOf(role) == ATSPI_ROLE_LIST_ITEM ? markerLength(told) : 0);
+    auto pieces = piecesIn(object, role == ATSPI_ROLE_LIST_ITEM, deadline);
     if (toolkit != Toolkit::chromium || pieces.empty()) {
         return placed(object, std::move(pieces), deadline);
     }
     awaitPlaces(object, pieces.front(), deadline);
     pieces = placed(object, std::move(pieces), deadline);
-    if (const auto around = extentsOf(replies[5])) {
+    if (const auto around = cache_.get<Question::extents>(object)) {
         for (TextLeaf& piece : pieces) {
             centre(piece.place, *around);
         }
@@ -168,23 +151,40 @@ std::vector<TextLeaf> TextLeaves::in(const ObjectReference& object, Deadline dea
 
 /// By what is known of the object once it has been hit: most have no text, or are nothing but that.
 bool TextLeaves::mayHoldText(const ObjectReference& object, Deadline deadline) {
-    const auto replies = cache_.ask(
-        std::array{Asked{object, Question::role}, Asked{object, Question::interfaces}}, deadline);
-    return !isText(replies[0]) &&
-           interfacesOf(replies[1]).value_or(Interfaces()).contains(Interface::text);
+    cache_.ask({{object, Question::role}, {object, Question::interfaces}}, deadline);
+    return !isText(cache_.get<Question::role>(object).value_or(-1)) &&
+           cache_.get<Question::interfaces>(object)
+               .value_or(Interfaces())
+               .contains(Interface::text);
+}
+
+/// Without their places yet; none of a text that is too long.
+std::vector<TextLeaf> TextLeaves::piecesIn(const ObjectReference& object, bool isItem,
+                                           Deadline deadline) {
+    const auto count = cache_.get<Question::characterCount>(object).value_or(0);
+    if (count > longestText) {
+        return {};
+    }
+    const auto text =
+        count <= textBeginningCharacters
+            ? cache_.get<Question::text>(object)
+            : cache_.ask<Question::textPart>(object, deadline, 0, static_cast<std::int32_t>(count));
+    const std::string_view told = text ? std::string_view(*text) : std::string_view();
+    return piecesOf(told, isItem ? markerLength(told) : 0);
 }
 
 /// The pieces that have a place, with it.
 std::vector<TextLeaf> TextLeaves::placed(const ObjectReference& object,
                                          std::vector<TextLeaf> pieces, Deadline deadline) {
-    std::vector<Asked> places;
+    std::vector<Query> places;
     places.reserve(pieces.size());
     for (const TextLeaf& piece : pieces) {
         places.push_back({object, Question::textPlace, piece.start, piece.end});
     }
-    const auto told = cache_.ask(places, deadline);
-    for (std::size_t index = 0; index < pieces.size(); ++index) {
-        pieces[index].place = extentsOf(told[index]).value_or(Extents());
+    cache_.ask(places, deadline);
+    for (TextLeaf& piece : pieces) {
+        piece.place =
+            cache_.get<Question::textPlace>(object, piece.start, piece.end).value_or(IntRect());
     }
     std::erase_if(pieces, [](const TextLeaf& piece) {
         return piece.place.width < narrowestText || piece.place.height <= 0;
@@ -204,11 +204,11 @@ void TextLeaves::awaitPlaces(const ObjectReference& object, const TextLeaf& text
     if (awaited_.contains(object.name)) {
         return;
     }
-    const AtspiCoordType coordinates = toolkits_.habitsFor(object).coordinates;
+    const Query query{object, Question::textPlace, text.start, text.end};
     const Deadline latest = std::min(deadline, Clock::now() + 100ms);
     while (true) {
-        const auto place = extentsOf(
-            bus_.exchange(getRangeExtents(object, text.start, text.end, coordinates), deadline));
+        const auto place = exchange(bus_, toolkits_, std::span(&query, 1), deadline)
+                               .get<Question::textPlace>(object, text.start, text.end);
         if (!place) {
             return;
         }

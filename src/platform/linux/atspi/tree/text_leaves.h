@@ -1,9 +1,9 @@
 #pragma once
 
+#include "base/int_geometry.h"
 #include "platform/linux/atspi/bus/bus.h"
 #include "platform/linux/atspi/bus/deadline.h"
 #include "platform/linux/atspi/bus/message.h"
-#include "platform/linux/atspi/bus/object_reference.h"
 #include "platform/linux/atspi/tree/reply_cache.h"
 #include "platform/linux/atspi/tree/toolkits.h"
 
@@ -23,9 +23,9 @@ namespace lumetry::atspi {
 
 /// A piece of an object's text, between whatever else is in the object.
 struct TextLeaf {
-    std::int32_t start = 0; ///< its first character's place in the text
-    std::int32_t end = 0;   ///< behind its last character
-    Extents place;
+    std::int32_t start = 0;         ///< its first character's place in the text
+    std::int32_t end = 0;           ///< behind its last character
+    IntRect place;                  ///< around its characters, in the application's own units
     std::size_t childrenBefore = 0; ///< how many of the object's children come before it
 };
 
@@ -42,6 +42,8 @@ public:
 
 private:
     [[nodiscard]] bool mayHoldText(const ObjectReference& object, Deadline deadline);
+    [[nodiscard]] std::vector<TextLeaf> piecesIn(const ObjectReference& object, bool isItem,
+                                                 Deadline deadline);
     [[nodiscard]] std::vector<TextLeaf> placed(const ObjectReference& object,
                                                std::vector<TextLeaf> pieces, Deadline deadline);
     void awaitPlaces(const ObjectReference& object, const TextLeaf& text, Deadline deadline);

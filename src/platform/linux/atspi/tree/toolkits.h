@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/atspi/bus/object_reference.h"
+#include "platform/linux/atspi/bus/message.h"
 #include "platform/linux/atspi/tree/text_attributes.h"
 #include "platform/linux/atspi/tree/whole_points.h"
 
@@ -32,7 +32,7 @@ struct Habits {
         withoutPlace, ///< those of which no place is told
         any,          ///< also those that keep a place
     } unseenChildren = Unseen::any;
-    /// Asked for more text than there is they give what there is, without a word in their logs.
+    /// Query for more text than there is they give what there is, without a word in their logs.
     bool clipsText = false;
     /// Takes the points of hit tests in pixels, whatever units it reports places in.
     bool hitsInPixels = false;

@@ -1,9 +1,8 @@
 #include "platform/linux/atspi/tree/top_levels.h"
 
-#include "platform/linux/atspi/bus/requests.h"
 #include "platform/linux/atspi/tree/placement.h"
-#include "platform/linux/atspi/tree/popup_search.h"
-#include "platform/linux/atspi/tree/states.h"
+#include "platform/linux/atspi/tree/popups.h"
+#include "platform/linux/atspi/tree/queries.h"
 
 #include <algorithm>
 #include <cmath>
@@ -68,15 +67,14 @@ TopLevels::embeddedIn(const TopLevel& topLevel, const DesktopWindow& window, Dea
     const Rect& client = window.client;
     const Placement placement = {placementOf(topLevel.object).scale, {}};
     Rect told;
-    const auto fits = [&](const Extents& extents) {
+    const auto fits = [&](const IntRect& extents) {
         constexpr double leastShare = 0.5;
         told = placeOf(extents, placement);
         return std::abs(told.x - client.x) < 2 && std::abs(told.y - client.y) < 2 &&
                std::abs(told.width - client.width) < 2 && told.height < client.height - 1 &&
                told.height > leastShare * client.height;
     };
-    auto object =
-        firstShowingBelow(bus_, {topLevel.object}, habitsOf(topLevel.toolkit), fits, deadline);
+    auto object = firstShowingBelow(bus_, toolkits_, {topLevel.object}, fits, deadline);
     if (!object) {
         return std::nullopt;
     }
@@ -150,24 +148,23 @@ TopLevels::Known& TopLevels::entry(std::uint32_t window) {
 /// The windows of all the process's applications, as they list them.
 std::vector<TopLevel> TopLevels::topLevelsOf(pid_t pid, Deadline deadline) {
     const auto roots = processes_.rootsOf(pid, deadline);
-    std::vector<Message> requests;
+    std::vector<Query> queries;
     for (const ObjectReference& root : roots) {
-        requests.push_back(getChildren(root));
-        requests.push_back(getToolkitName(root));
-        requests.push_back(getName(root));
+        queries.insert(
+            queries.end(),
+            {{root, Question::children}, {root, Question::toolkitName}, {root, Question::name}});
     }
-    const auto replies = bus_.exchange(std::move(requests), deadline);
+    const Replies replies = exchange(bus_, toolkits_, queries, deadline);
     std::vector<TopLevel> topLevels;
-    for (std::size_t index = 0; index < roots.size(); ++index) {
-        const Reply& children = replies[3 * index];
-        if (children.outcome == Outcome::gone) {
-            processes_.forget(roots[index].name);
+    for (const ObjectReference& root : roots) {
+        if (replies.reply({root, Question::children}).outcome == Outcome::gone) {
+            processes_.forget(root.name);
         }
-        const Toolkit toolkit = toolkitNamed(textOf(replies[3 * index + 1]).value_or(""),
-                                             textOf(replies[3 * index + 2]).value_or(""));
-        toolkits_.remember(roots[index].name, toolkit);
+        const Toolkit toolkit = toolkitNamed(replies.get<Question::toolkitName>(root).value_or(""),
+                                             replies.get<Question::name>(root).value_or(""));
+        toolkits_.remember(root.name, toolkit);
         for (ObjectReference& child :
-             referencesOf(children).value_or(std::vector<ObjectReference>())) {
+             replies.get<Question::children>(root).value_or(std::vector<ObjectReference>())) {
             topLevels.push_back({std::move(child), toolkit});
         }
     }
@@ -177,27 +174,26 @@ std::vector<TopLevel> TopLevels::topLevelsOf(pid_t pid, Deadline deadline) {
 
 std::vector<TopLevels::Candidate> TopLevels::rate(const std::vector<TopLevel>& topLevels,
                                                   const DesktopWindow& window, Deadline deadline) {
-    std::vector<Message> requests;
+    std::vector<Query> queries;
     for (const auto& [object, toolkit] : topLevels) {
-        requests.push_back(getExtents(object, habitsOf(toolkit).coordinates));
-        requests.push_back(getState(object));
+        queries.insert(queries.end(), {{object, Question::extents}, {object, Question::states}});
     }
-    const auto replies = bus_.exchange(std::move(requests), deadline);
+    const Replies replies = exchange(bus_, toolkits_, queries, deadline);
     const auto contents = contentsOf(topLevels, deadline);
     std::vector<Candidate> candidates;
-    for (std::size_t index = 0; index < topLevels.size(); ++index) {
-        const TopLevel& topLevel = topLevels[index];
-        const Extents extents = extentsOf(replies[2 * index]).value_or(Extents());
-        const std::uint64_t states = statesOf(replies[2 * index + 1]).value_or(0);
+    for (const TopLevel& topLevel : topLevels) {
+        const auto states = replies.get<Question::states>(topLevel.object).value_or(0);
         Candidate candidate;
         candidate.topLevel = topLevel;
         candidate.showing = hasState(states, habitsOf(topLevel.toolkit).shown);
         candidate.active = hasState(states, ATSPI_STATE_ACTIVE);
         if (const auto content = contents.find(topLevel.object); content != contents.end()) {
-            const Extents& inside = content->second;
+            const IntRect& inside = content->second;
             candidate.placement = placementFilling(inside, window.client);
             candidate.place = placeOf(inside, {candidate.placement.scale, {}});
         } else {
+            const auto extents =
+                replies.get<Question::extents>(topLevel.object).value_or(IntRect());
             candidate.placement = placementFrom(extents, topLevel, window);
             candidate.place = placeOf(extents, candidate.placement);
         }
@@ -207,7 +203,7 @@ std::vector<TopLevels::Candidate> TopLevels::rate(const std::vector<TopLevel>& t
     return candidates;
 }
 
-Placement TopLevels::placementFrom(const Extents& reported, const TopLevel& topLevel,
+Placement TopLevels::placementFrom(const IntRect& reported, const TopLevel& topLevel,
                                    const DesktopWindow& window) const {
     if (countsFromWindow(topLevel.toolkit)) {
         return placementInside(reported, window.client);
@@ -218,30 +214,29 @@ Placement TopLevels::placementFrom(const Extents& reported, const TopLevel& topL
 }
 
 /// What fills the frames that do not say where they are, by the frame.
-std::map<ObjectReference, Extents> TopLevels::contentsOf(const std::vector<TopLevel>& topLevels,
+std::map<ObjectReference, IntRect> TopLevels::contentsOf(const std::vector<TopLevel>& topLevels,
                                                          Deadline deadline) {
-    std::vector<ObjectReference> frames;
-    std::vector<Message> requests;
+    std::vector<Query> frames;
     for (const auto& [object, toolkit] : topLevels) {
         if (habitsOf(toolkit).placelessFrames) {
-            frames.push_back(object);
-            requests.push_back(getChildren(object));
+            frames.push_back({object, Question::children});
         }
     }
-    std::vector<ObjectReference> fillings;
-    for (const Reply& reply : bus_.exchange(std::move(requests), deadline)) {
-        auto children = referencesOf(reply).value_or(std::vector<ObjectReference>());
-        fillings.push_back(children.empty() ? ObjectReference() : std::move(children.front()));
+    const Replies children = exchange(bus_, toolkits_, frames, deadline);
+    std::map<ObjectReference, ObjectReference> fillings;
+    std::vector<Query> places;
+    for (const Query& frame : frames) {
+        const auto inside = children.get<Question::children>(frame.object);
+        if (inside && !inside->empty()) {
+            places.push_back({inside->front(), Question::extents});
+            fillings.emplace(frame.object, inside->front());
+        }
     }
-    requests.clear();
-    for (const ObjectReference& filling : fillings) {
-        requests.push_back(getExtents(filling, ATSPI_COORD_TYPE_SCREEN));
-    }
-    const auto replies = bus_.exchange(std::move(requests), deadline);
-    std::map<ObjectReference, Extents> contents;
-    for (std::size_t index = 0; index < frames.size(); ++index) {
-        if (const auto extents = extentsOf(replies[index])) {
-            contents.emplace(std::move(frames[index]), *extents);
+    const Replies replies = exchange(bus_, toolkits_, places, deadline);
+    std::map<ObjectReference, IntRect> contents;
+    for (const auto& [frame, filling] : fillings) {
+        if (const auto extents = replies.get<Question::extents>(filling)) {
+            contents.emplace(frame, *extents);
         }
     }
     return contents;
@@ -262,14 +257,14 @@ std::optional<TopLevel> TopLevels::searchPopup(const std::vector<TopLevel>& topL
     }
     const Toolkit toolkit = topLevels.front().toolkit;
     Placement placement = placementOf(topLevels.front().object);
-    const auto fills = [&](const Extents& extents) {
+    const auto fills = [&](const IntRect& extents) {
         if (countsFromWindow(toolkit)) {
             placement = placementFilling(extents, window.client);
         }
         return intersectionOverUnion(placeOf(extents, placement), window.bounds) >=
                leastPopupOverlap;
     };
-    auto found = firstShowingBelow(bus_, std::move(starts), habitsOf(toolkit), fills, deadline);
+    auto found = firstShowingBelow(bus_, toolkits_, std::move(starts), fills, deadline);
     if (!found) {
         return std::nullopt;
     }

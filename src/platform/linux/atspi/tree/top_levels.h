@@ -3,7 +3,7 @@
 #include "base/geometry.h"
 #include "platform/linux/atspi/bus/bus.h"
 #include "platform/linux/atspi/bus/deadline.h"
-#include "platform/linux/atspi/bus/object_reference.h"
+#include "platform/linux/atspi/bus/message.h"
 #include "platform/linux/atspi/tree/placement.h"
 #include "platform/linux/atspi/tree/processes.h"
 #include "platform/linux/atspi/tree/toolkits.h"
@@ -80,9 +80,9 @@ private:
     [[nodiscard]] std::vector<TopLevel> topLevelsOf(pid_t pid, Deadline deadline);
     [[nodiscard]] std::vector<Candidate> rate(const std::vector<TopLevel>& topLevels,
                                               const DesktopWindow& window, Deadline deadline);
-    [[nodiscard]] Placement placementFrom(const Extents& reported, const TopLevel& topLevel,
+    [[nodiscard]] Placement placementFrom(const IntRect& reported, const TopLevel& topLevel,
                                           const DesktopWindow& window) const;
-    [[nodiscard]] std::map<ObjectReference, Extents>
+    [[nodiscard]] std::map<ObjectReference, IntRect>
     contentsOf(const std::vector<TopLevel>& topLevels, Deadline deadline);
     [[nodiscard]] std::optional<TopLevel> searchPopup(const std::vector<TopLevel>& topLevels,
                                                       const DesktopWindow& window, pid_t pid,

@@ -1,0 +1,112 @@
+#include "platform/linux/atspi/tree/popups.h"
+
+#include "platform/linux/atspi/tree/queries.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstddef>
+#include <set>
+#include <utility>
+
+namespace lumetry::atspi {
+namespace {
+
+constexpr std::size_t mostObjects = 1000;
+/// A popup hangs from a button or menu, not from one of the rows of a long list.
+constexpr std::size_t mostChildrenEach = 100;
+
+constexpr auto longestTrusted = std::chrono::milliseconds(300);
+constexpr std::size_t mostPopovers = 64;
+
+/// The same questions about each.
+std::vector<Query> queriesAbout(const std::vector<ObjectReference>& objects,
+                                std::initializer_list<Question> questions) {
+    std::vector<Query> queries;
+    for (const ObjectReference& object : objects) {
+        for (const Question question : questions) {
+            queries.push_back({object, question});
+        }
+    }
+    return queries;
+}
+
+/// The children of all objects of a level that have not been seen yet.
+std::vector<ObjectReference> unseenChildren(const std::vector<ObjectReference>& level,
+                                            const Replies& replies,
+                                            std::set<ObjectReference>& seen) {
+    std::vector<ObjectReference> found;
+    for (const ObjectReference& object : level) {
+        auto children =
+            replies.get<Question::children>(object).value_or(std::vector<ObjectReference>());
+        children.resize(std::min(children.size(), mostChildrenEach));
+        for (ObjectReference& child : children) {
+            if (seen.size() < mostObjects && seen.insert(child).second) {
+                found.push_back(std::move(child));
+            }
+        }
+    }
+    return found;
+}
+
+} // namespace
+
+std::optional<ObjectReference> firstShowingBelow(Bus& bus, const Toolkits& toolkits,
+                                                 std::vector<ObjectReference> starts,
+                                                 const std::function<bool(const IntRect&)>& fits,
+                                                 Deadline deadline) {
+    std::set<ObjectReference> seen;
+    std::vector<ObjectReference> level = std::move(starts);
+    while (!level.empty() && Clock::now() < deadline) {
+        const auto children = unseenChildren(
+            level, exchange(bus, toolkits, queriesAbout(level, {Question::children}), deadline),
+            seen);
+        const auto replies = exchange(
+            bus, toolkits, queriesAbout(children, {Question::extents, Question::states}), deadline);
+        level.clear();
+        for (const ObjectReference& child : children) {
+            const auto states = replies.get<Question::states>(child).value_or(0);
+            const auto extents = replies.get<Question::extents>(child);
+            if (!hasState(states, toolkits.habitsFor(child).shown)) {
+                continue;
+            }
+            if (extents && fits(*extents)) {
+                return child;
+            }
+            level.push_back(child);
+        }
+    }
+    return std::nullopt;
+}
+
+ObjectReference Popovers::covering(const ObjectReference& topLevel, const ObjectReference& child,
+                                   IntPoint at, Deadline deadline) {
+    if (topLevel != topLevel_ || Clock::now() - lookedAt_ > longestTrusted) {
+        look(topLevel, deadline);
+    }
+    const auto isTopmost = [&](const Child& candidate) {
+        return candidate.object == child || (candidate.extents && candidate.extents->contains(at));
+    };
+    // The last child is the topmost one.
+    const auto topmost = std::find_if(children_.rbegin(), children_.rend(), isTopmost);
+    return topmost == children_.rend() ? child : topmost->object;
+}
+
+void Popovers::look(const ObjectReference& topLevel, Deadline deadline) {
+    topLevel_ = topLevel;
+    lookedAt_ = Clock::now();
+    children_.clear();
+    auto children =
+        exchange(bus_, toolkits_, std::array{Query{topLevel, Question::children}}, deadline)
+            .get<Question::children>(topLevel)
+            .value_or(std::vector<ObjectReference>());
+    children.resize(std::min(children.size(), mostPopovers));
+    const auto replies =
+        exchange(bus_, toolkits_, queriesAbout(children, {Question::extents}), deadline);
+    for (ObjectReference& child : children) {
+        const auto extents = replies.get<Question::extents>(child);
+        children_.push_back({std::move(child), extents});
+    }
+}
+
+} // namespace lumetry::atspi

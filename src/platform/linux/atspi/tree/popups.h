@@ -1,0 +1,55 @@
+#pragma once
+
+#include "base/int_geometry.h"
+#include "platform/linux/atspi/bus/bus.h"
+#include "platform/linux/atspi/bus/deadline.h"
+#include "platform/linux/atspi/bus/message.h"
+#include "platform/linux/atspi/tree/toolkits.h"
+
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace lumetry::atspi {
+
+/// Looks for what a popup shows, which some applications do not keep in the popup's own tree: it
+/// lies somewhere below what has opened the popup. Goes down level by level, each level in two
+/// exchanges.
+/// @param starts where to look below, all in one application
+/// @param fits says from the place of an object that is on screen, in the application's own units,
+/// whether it is the one
+/// @return absent when there is none, or not where one can look in time
+[[nodiscard]] std::optional<ObjectReference>
+firstShowingBelow(Bus& bus, const Toolkits& toolkits, std::vector<ObjectReference> starts,
+                  const std::function<bool(const IntRect&)>& fits, Deadline deadline);
+
+/// GTK's popovers are further children of the window's object that lie over its contents. Query for
+/// a point, GTK answers with the first child there, even where a popover covers it.
+class Popovers {
+public:
+    Popovers(Bus& bus, const Toolkits& toolkits) : bus_(bus), toolkits_(toolkits) {}
+
+    /// What covers that child of the window's object at the point; the child itself where nothing
+    /// does. Where the children lie is asked now and then only: they are many, and hardly ever
+    /// shown.
+    /// @param at in the application's own units
+    [[nodiscard]] ObjectReference covering(const ObjectReference& topLevel,
+                                           const ObjectReference& child, IntPoint at,
+                                           Deadline deadline);
+
+private:
+    struct Child {
+        ObjectReference object;
+        std::optional<IntRect> extents;
+    };
+
+    void look(const ObjectReference& topLevel, Deadline deadline);
+
+    Bus& bus_;
+    const Toolkits& toolkits_;
+    ObjectReference topLevel_;
+    Clock::time_point lookedAt_;
+    std::vector<Child> children_;
+};
+
+} // namespace lumetry::atspi

@@ -1,0 +1,129 @@
+#pragma once
+
+#include "platform/linux/atspi/bus/bus.h"
+#include "platform/linux/atspi/bus/deadline.h"
+#include "platform/linux/atspi/bus/message.h"
+#include "platform/linux/atspi/tree/toolkits.h"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <span>
+#include <tuple>
+#include <utility>
+
+namespace lumetry::atspi {
+
+/// More than anything shows of an element's text, and little enough to be asked of a book.
+inline constexpr std::int32_t textBeginningCharacters = 1024;
+
+/// What is asked of an object.
+enum class Question : std::uint8_t {
+    interfaces, ///< what else it can be asked
+    role,
+    name,
+    parent,
+    children,
+    states,
+    extents,
+    value,
+    characterCount,
+    text,         ///< its beginning
+    textPart,     ///< those characters
+    textPlace,    ///< around those characters
+    attributeRun, ///< how the first of those characters is set, and what holds for the whole text
+    indexInParent,
+    rowCount, ///< of a table
+    columnCount,
+    rowAtIndex, ///< of its child with that number
+    columnAtIndex,
+    cell,          ///< its cell in that row and column
+    objectAtPoint, ///< the innermost or some object around it there
+    toolkitName,   ///< what an application is built with; of its root
+    attributes,    ///< whatever else an object tells of itself
+};
+
+/// A question to one object.
+struct Query {
+    ObjectReference object;
+    Question question = Question::role;
+    /// @{ What is meant: characters, from the first to before the second; a row and a column; a
+    /// point; a child's number. Only where a question is of such.
+    std::int32_t first = 0;
+    std::int32_t second = 0;
+    /// @}
+
+    friend bool operator==(const Query&, const Query&) = default;
+    friend bool operator<(const Query& a, const Query& b) {
+        return std::tie(a.object, a.question, a.first, a.second) <
+               std::tie(b.object, b.question, b.first, b.second);
+    }
+};
+
+/// Without which an object has to be left alone: some log an error for each other question, and
+/// their developers may have them end over it. Absent for what every object answers.
+[[nodiscard]] std::optional<Interface> interfaceFor(Question question);
+
+/// @param coordinates those of places; of no account where none is asked for
+[[nodiscard]] Message requestFor(const Query& query,
+                                 AtspiCoordType coordinates = ATSPI_COORD_TYPE_SCREEN);
+
+/// What a reply to the question says; absent where it is none.
+template<Question question>
+[[nodiscard]] auto read(const Reply& reply) {
+    using enum Question;
+    if constexpr (question == name || question == text || question == textPart ||
+                  question == toolkitName) {
+        return textOf(reply);
+    } else if constexpr (question == parent || question == cell || question == objectAtPoint) {
+        return referenceOf(reply);
+    } else if constexpr (question == children) {
+        return referencesOf(reply);
+    } else if constexpr (question == extents || question == textPlace) {
+        return extentsOf(reply);
+    } else if constexpr (question == states) {
+        return statesOf(reply);
+    } else if constexpr (question == interfaces) {
+        return interfacesOf(reply);
+    } else if constexpr (question == value) {
+        return numberOf(reply);
+    } else if constexpr (question == attributeRun || question == attributes) {
+        return attributesOf(reply);
+    } else {
+        return integerOf(reply);
+    }
+}
+
+/// Replies by what was asked.
+class Replies {
+public:
+    [[nodiscard]] bool contains(const Query& query) const { return replies_.contains(query); }
+    /// Of what was not asked, that there was silence.
+    [[nodiscard]] const Reply& reply(const Query& query) const;
+    /// What the object said; absent where it said nothing, or has not been asked.
+    template<Question question>
+    [[nodiscard]] auto get(const ObjectReference& object, std::int32_t first = 0,
+                           std::int32_t second = 0) const {
+        return read<question>(reply({object, question, first, second}));
+    }
+
+    void insert(Query query, Reply reply) {
+        replies_.insert_or_assign(std::move(query), std::move(reply));
+    }
+    void clear() { replies_.clear(); }
+    /// Whatever that object has said.
+    void erase(const ObjectReference& object);
+
+private:
+    std::map<Query, Reply> replies_;
+};
+
+/// Asks all of them together, whatever they are, and adds the replies. What is asked of a text's
+/// beginning ends with the text, where its length is among the replies.
+void exchange(Bus& bus, const Toolkits& toolkits, std::span<const Query> queries, Deadline deadline,
+              Replies& replies);
+/// The same by themselves.
+[[nodiscard]] Replies exchange(Bus& bus, const Toolkits& toolkits, std::span<const Query> queries,
+                               Deadline deadline);
+
+} // namespace lumetry::atspi
