@@ -2,6 +2,7 @@
 
 #include <utf8proc.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <optional>
@@ -149,6 +150,22 @@ std::string removingOccurrences(std::string_view text, std::string_view pattern)
     }
     result += text;
     return result;
+}
+
+std::vector<std::string> split(std::string_view text, char separator) {
+    std::vector<std::string> parts;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find(separator), text.size());
+        parts.emplace_back(text.substr(0, end));
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return parts;
+}
+
+std::vector<std::string> nonEmptyParts(std::string_view text, char separator) {
+    auto parts = split(text, separator);
+    std::erase(parts, "");
+    return parts;
 }
 
 } // namespace lumetry

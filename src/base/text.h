@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace lumetry {
 
@@ -15,6 +16,12 @@ namespace lumetry {
 [[nodiscard]] std::string firstCharacters(std::string_view text, std::size_t count);
 /// The text with every occurrence of the pattern taken out.
 [[nodiscard]] std::string removingOccurrences(std::string_view text, std::string_view pattern);
+
+/// The parts between the separators. Behind a separator at the end there is no part, nor in an
+/// empty text, so that the lines of a text are what its line breaks separate.
+[[nodiscard]] std::vector<std::string> split(std::string_view text, char separator);
+/// The same without the empty ones.
+[[nodiscard]] std::vector<std::string> nonEmptyParts(std::string_view text, char separator);
 
 /// The text with its line breaks and other control characters (Unicode's) escaped, such as "\\n"
 /// and

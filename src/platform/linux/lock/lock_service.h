@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/token.h"
+#include "platform/linux/bus/bus.h"
 #include "platform/linux/loop/file_descriptor_watcher.h"
 
 #include <dbus/dbus.h>
@@ -12,14 +13,6 @@
 #include <vector>
 
 namespace lumetry {
-
-struct CloseBus {
-    void operator()(DBusConnection* connection) const {
-        dbus_connection_close(connection);
-        dbus_connection_unref(connection);
-    }
-};
-using Bus = std::unique_ptr<DBusConnection, CloseBus>;
 
 struct UnrefBusMessage {
     void operator()(DBusMessage* message) const { dbus_message_unref(message); }

@@ -1,7 +1,7 @@
 #include "platform/linux/lock/lock_services.h"
 
+#include "platform/linux/bus/bus.h"
 #include "platform/linux/lock/lock_service.h"
-#include "platform/linux/system/bus_addresses.h"
 
 namespace lumetry {
 namespace {
@@ -10,18 +10,6 @@ namespace {
 constexpr int patienceMilliseconds = 200;
 
 constexpr const char* propertiesInterface = "org.freedesktop.DBus.Properties";
-
-/// @param address empty when there is no bus
-Bus openBus(const std::string& address) {
-    Bus bus(address.empty() ? nullptr : dbus_connection_open_private(address.c_str(), nullptr));
-    if (bus && dbus_bus_register(bus.get(), nullptr) == FALSE) {
-        bus.reset();
-    }
-    if (bus) {
-        dbus_connection_set_exit_on_disconnect(bus.get(), FALSE);
-    }
-    return bus;
-}
 
 /// The screen saver of a desktop environment.
 class ScreenSaverService final : public LockService {

@@ -1,24 +1,14 @@
 #include "platform/linux/system/bus_addresses.h"
 
+#include "platform/linux/system/environment.h"
+
 #include <unistd.h>
 
-#include <cstdlib>
-
 namespace lumetry {
-namespace {
-
-/// Empty when it is not set.
-std::string variable(const char* name) {
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing changes the environment meanwhile
-    const char* value = std::getenv(name);
-    return value != nullptr ? value : "";
-}
-
-} // namespace
 
 std::string sessionBusAddress() {
-    std::string address = variable("DBUS_SESSION_BUS_ADDRESS");
-    const std::string socket = variable("XDG_RUNTIME_DIR") + "/bus";
+    std::string address = environmentText("DBUS_SESSION_BUS_ADDRESS");
+    const std::string socket = environmentText("XDG_RUNTIME_DIR") + "/bus";
     if (address.empty() && access(socket.c_str(), F_OK) == 0) {
         address = "unix:path=" + socket;
     }
@@ -26,8 +16,7 @@ std::string sessionBusAddress() {
 }
 
 std::string systemBusAddress() {
-    const std::string address = variable("DBUS_SYSTEM_BUS_ADDRESS");
-    return address.empty() ? "unix:path=/var/run/dbus/system_bus_socket" : address;
+    return environmentText("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/var/run/dbus/system_bus_socket");
 }
 
 } // namespace lumetry

@@ -1,9 +1,9 @@
 #include "platform/linux/system/process_info.h"
 
+#include "base/text.h"
 #include "platform/linux/system/read_file.h"
 
 #include <charconv>
-#include <sstream>
 #include <string_view>
 #include <system_error>
 
@@ -28,15 +28,6 @@ fs::path link(const fs::path& file) {
     return error ? fs::path() : fs::path(target);
 }
 
-std::vector<std::string> splitAt(const std::string& text, char separator) {
-    std::vector<std::string> parts;
-    std::istringstream stream(text);
-    for (std::string part; std::getline(stream, part, separator);) {
-        parts.push_back(part);
-    }
-    return parts;
-}
-
 std::string fileText(const fs::path& file) {
     return readFile(file, mostBytes).value_or("");
 }
@@ -46,7 +37,7 @@ std::vector<std::string> statFields(const fs::path& processes, pid_t pid) {
     const std::string line = fileText(folderOf(processes, pid) / "stat");
     const std::size_t nameEnd = line.rfind(") ");
     return nameEnd == std::string::npos ? std::vector<std::string>()
-                                        : splitAt(line.substr(nameEnd + 2), ' ');
+                                        : split(line.substr(nameEnd + 2), ' ');
 }
 
 template<typename Number>
@@ -63,7 +54,7 @@ std::optional<Number> numberIn(const std::vector<std::string>& fields, std::size
 /// The name that Flatpak gave the application; from the file that it puts into every sandbox.
 std::string flatpakIdOf(const fs::path& root) {
     bool inApplication = false;
-    for (const std::string& line : splitAt(fileText(root / ".flatpak-info"), '\n')) {
+    for (const std::string& line : split(fileText(root / ".flatpak-info"), '\n')) {
         constexpr std::string_view key = "name=";
         if (line.starts_with('[')) {
             inApplication = line == "[Application]";
@@ -95,7 +86,7 @@ std::string shortNameOf(const fs::path& processes, pid_t pid) {
 std::string controlGroupOf(const fs::path& processes, pid_t pid) {
     // A line of the old hierarchies ends with the same path as that of the unified one, or with
     // "/".
-    for (const std::string& line : splitAt(fileText(folderOf(processes, pid) / "cgroup"), '\n')) {
+    for (const std::string& line : split(fileText(folderOf(processes, pid) / "cgroup"), '\n')) {
         const std::size_t slash = line.rfind('/');
         if (slash != std::string::npos && slash + 1 < line.size()) {
             return line.substr(slash + 1);
@@ -122,8 +113,8 @@ ProcessInfo readProcess(const fs::path& processes, pid_t pid) {
     process.shortName = shortNameOf(processes, pid);
     process.executable = link(folder / "exe");
     process.workingFolder = link(folder / "cwd");
-    process.arguments = splitAt(fileText(folder / "cmdline"), '\0');
-    for (const std::string& assignment : splitAt(fileText(folder / "environ"), '\0')) {
+    process.arguments = split(fileText(folder / "cmdline"), '\0');
+    for (const std::string& assignment : split(fileText(folder / "environ"), '\0')) {
         const std::size_t equals = assignment.find('=');
         if (equals != std::string::npos) {
             process.environment.emplace(assignment.substr(0, equals),

@@ -1,5 +1,7 @@
 #include "platform/linux/system/settings_panes.h"
 
+#include "base/text.h"
+
 #include <algorithm>
 #include <array>
 
@@ -26,17 +28,6 @@ constexpr std::array accessibilityPanes = {
     Pane{"MATE", "mate-at-properties", ""},
 };
 
-bool hasWord(std::string_view list, std::string_view word) {
-    while (!list.empty()) {
-        const std::size_t end = std::min(list.find(':'), list.size());
-        if (list.substr(0, end) == word) {
-            return true;
-        }
-        list.remove_prefix(std::min(end + 1, list.size()));
-    }
-    return false;
-}
-
 } // namespace
 
 std::vector<std::string>
@@ -45,8 +36,9 @@ settingsPaneCommand(std::string_view address, std::string_view desktops,
     if (!address.starts_with(settingsScheme) || !address.ends_with(accessibilityAnchor)) {
         return {};
     }
+    const auto names = split(desktops, ':');
     for (const auto& [desktop, program, argument] : accessibilityPanes) {
-        if (hasWord(desktops, desktop) && isInstalled(std::string(program))) {
+        if (std::ranges::find(names, desktop) != names.end() && isInstalled(std::string(program))) {
             std::vector<std::string> command = {std::string(program)};
             if (!argument.empty()) {
                 command.emplace_back(argument);

@@ -1,37 +1,21 @@
 #include "platform/linux/system/system_places.h"
 
-#include <cstdlib>
-#include <sstream>
+#include "base/text.h"
+#include "platform/linux/system/environment.h"
 
 namespace lumetry {
 namespace {
 
-std::string variable(const char* name, const std::string& otherwise) {
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing changes the environment meanwhile
-    const char* value = std::getenv(name);
-    return value != nullptr && *value != '\0' ? value : otherwise;
-}
-
-std::vector<std::string> splitAtColons(const std::string& list) {
-    std::vector<std::string> parts;
-    std::istringstream stream(list);
-    for (std::string part; std::getline(stream, part, ':');) {
-        if (!part.empty()) {
-            parts.push_back(part);
-        }
-    }
-    return parts;
-}
-
 /// LANGUAGE is a list and goes first, unless the locale says that no translation is wanted.
 std::vector<std::string> userLanguages() {
-    const std::string locale = variable("LC_ALL", variable("LC_MESSAGES", variable("LANG", "C")));
+    const std::string locale =
+        environmentText("LC_ALL", environmentText("LC_MESSAGES", environmentText("LANG", "C")));
     auto languages = languagesOfLocale(locale);
     if (languages.empty()) {
         return {};
     }
     std::vector<std::string> preferred;
-    for (const std::string& name : splitAtColons(variable("LANGUAGE", ""))) {
+    for (const std::string& name : nonEmptyParts(environmentText("LANGUAGE"), ':')) {
         const auto more = languagesOfLocale(name);
         preferred.insert(preferred.end(), more.begin(), more.end());
     }
@@ -66,13 +50,13 @@ std::vector<std::string> languagesOfLocale(const std::string& locale) {
 SystemPlaces SystemPlaces::fromEnvironment() {
     SystemPlaces places;
     places.dataFolders.emplace_back(
-        variable("XDG_DATA_HOME", variable("HOME", "/") + "/.local/share"));
+        environmentText("XDG_DATA_HOME", environmentText("HOME", "/") + "/.local/share"));
     for (const std::string& folder :
-         splitAtColons(variable("XDG_DATA_DIRS", "/usr/local/share:/usr/share"))) {
+         nonEmptyParts(environmentText("XDG_DATA_DIRS", "/usr/local/share:/usr/share"), ':')) {
         places.dataFolders.emplace_back(folder);
     }
     for (const std::string& folder :
-         splitAtColons(variable("PATH", "/usr/local/bin:/usr/bin:/bin"))) {
+         nonEmptyParts(environmentText("PATH", "/usr/local/bin:/usr/bin:/bin"), ':')) {
         places.programFolders.emplace_back(folder);
     }
     places.languages = userLanguages();
