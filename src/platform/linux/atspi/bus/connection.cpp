@@ -1,8 +1,7 @@
 #include "platform/linux/atspi/bus/connection.h"
 
-#include "platform/linux/system/bus_addresses.h"
+#include "platform/linux/system/environment.h"
 
-#include <cstdlib>
 #include <string>
 #include <utility>
 
@@ -18,19 +17,6 @@ const ObjectReference& accessibilityService() {
     return service;
 }
 
-/// Null when nothing answers there.
-Connection openPrivately(const std::string& address) {
-    Connection connection(address.empty() ? nullptr
-                                          : dbus_connection_open_private(address.c_str(), nullptr));
-    if (connection && dbus_bus_register(connection.get(), nullptr) == FALSE) {
-        connection.reset();
-    }
-    if (connection) {
-        dbus_connection_set_exit_on_disconnect(connection.get(), FALSE);
-    }
-    return connection;
-}
-
 } // namespace
 
 bool isConnected(const Connection& connection) {
@@ -41,7 +27,7 @@ bool SessionBus::connect() {
     if (isConnected(connection_)) {
         return true;
     }
-    connection_ = openPrivately(sessionBusAddress());
+    connection_ = openBus(sessionBusAddress());
     return connection_ != nullptr;
 }
 
@@ -80,10 +66,8 @@ std::string SessionBus::accessibilityBusAddress() {
 }
 
 Connection openAccessibilityBus(SessionBus& session) {
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing changes the environment meanwhile
-    const char* const given = std::getenv("AT_SPI_BUS_ADDRESS");
-    return openPrivately(given != nullptr && *given != '\0' ? given
-                                                            : session.accessibilityBusAddress());
+    const std::string given = environmentText("AT_SPI_BUS_ADDRESS");
+    return openBus(given.empty() ? session.accessibilityBusAddress() : given);
 }
 
 } // namespace lumetry::atspi

@@ -1,22 +1,13 @@
 #pragma once
 
 #include "platform/linux/atspi/bus/message.h"
+#include "platform/linux/bus/bus.h"
 
-#include <dbus/dbus.h>
-
-#include <memory>
 #include <string>
 
 namespace lumetry::atspi {
 
-/// A connection that nobody else uses, and the reference to it.
-struct CloseConnection {
-    void operator()(DBusConnection* connection) const {
-        dbus_connection_close(connection);
-        dbus_connection_unref(connection);
-    }
-};
-using Connection = std::unique_ptr<DBusConnection, CloseConnection>;
+using Connection = lumetry::Bus;
 
 /// False for null, too.
 [[nodiscard]] bool isConnected(const Connection& connection);

@@ -1,6 +1,6 @@
 #include "platform/linux/atspi/tree/tables.h"
 
-#include <atspi/atspi.h>
+#include <atspi/atspi-constants.h>
 
 #include <algorithm>
 #include <array>

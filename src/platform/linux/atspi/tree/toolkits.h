@@ -4,7 +4,7 @@
 #include "platform/linux/atspi/tree/text_attributes.h"
 #include "platform/linux/atspi/tree/whole_points.h"
 
-#include <atspi/atspi.h>
+#include <atspi/atspi-constants.h>
 
 #include <cstdint>
 #include <map>
