@@ -181,6 +181,7 @@ void PrivateDesktop::startServerAndBus(const DesktopOptions& options) {
     arguments.insert(arguments.end(), options.serverArguments.begin(),
                      options.serverArguments.end());
     auto& server = startService(arguments, number.writeEnd.get());
+    xServer_ = &server;
     number.writeEnd.reset();
 
     const auto configuration = guard_.folder() / "session.conf";
@@ -294,6 +295,13 @@ void PrivateDesktop::stopSessionBus() {
     sessionBus_->signal(SIGTERM);
     if (!sessionBus_->wait()) {
         throw std::runtime_error("the session bus does not end");
+    }
+}
+
+void PrivateDesktop::stopServer() {
+    xServer_->signal(SIGTERM);
+    if (!xServer_->wait()) {
+        throw std::runtime_error("the X server does not end");
     }
 }
 

@@ -82,6 +82,9 @@ public:
 
     /// Ends the session bus, and with it whatever cannot do without.
     void stopSessionBus();
+    /// Ends the X server, and with it whatever cannot do without. Nothing of this object that has to
+    /// do with the server is of use after that.
+    void stopServer();
 
     /// Has this very program take part in the desktop, for tests that use the backends in process:
     /// puts the desktop's variables into its environment. Once for the whole process.
@@ -101,6 +104,7 @@ private:
     std::string accessibilityBusAddress_;
     /// Their places in memory last: programs are pointed to below.
     std::deque<ChildProcess> services_;
+    ChildProcess* xServer_ = nullptr;
     ChildProcess* sessionBus_ = nullptr;
     ChildProcess* windowManager_ = nullptr;
     ChildProcess* compositor_ = nullptr;

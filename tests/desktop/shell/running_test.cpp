@@ -119,22 +119,45 @@ TEST_F(Running, SaysOnceThatSettingsCannotBeKept) {
     EXPECT_NE(said.find("settings cannot be kept"), std::string::npos) << said;
 }
 
-TEST_F(Running, FollowsATrayThatComesAndGoes) {
+TEST_F(Running, FollowsATrayThatComesAndGoesAndDoesWhatItsMenuSays) {
     auto lumetry = startInspecting();
-    desktop.input().typeKey(XK_Escape);
+    const auto choose = [&](const std::vector<xcb_keysym_t>& keys) {
+        user.openTrayMenu();
+        for (const xcb_keysym_t key : keys) {
+            desktop.input().typeKey(key);
+        }
+        EXPECT_TRUE(waitUntil([&] { return !user.menuIsOpen(); }));
+    };
     for (int round = 0; round < 2; ++round) {
         auto tray = desktop.start({"trayer", "--width", "120", "--widthtype", "pixel"});
         requireUntil("the icon", [&] { return user.trayIcon().has_value(); });
-        user.openTrayMenu();
-        desktop.input().typeKey(XK_Escape);
-        EXPECT_TRUE(waitUntil([&] { return !user.menuIsOpen(); }));
-        tray.signal(SIGTERM);
-        ASSERT_TRUE(tray.wait());
-        EXPECT_TRUE(waitUntil([&] { return !user.trayIcon(); }));
-        EXPECT_TRUE(lumetry.running());
+        choose({XK_Down, XK_Return}); // Toggle Inspect
+        user.waitUntilInspecting(round != 0);
+        if (round == 0) {
+            tray.signal(SIGTERM);
+            ASSERT_TRUE(tray.wait());
+            EXPECT_TRUE(waitUntil([&] { return !user.trayIcon(); }));
+            EXPECT_TRUE(lumetry.running());
+        } else {
+            choose({XK_Up, XK_Return}); // Quit Lumetry
+            const auto status = lumetry.wait();
+            EXPECT_TRUE(status && status->code == 0);
+        }
     }
-    user.pressShortcut();
-    user.waitUntilInspecting(true);
+}
+
+TEST_F(Running, EndsWithTheXServerAndSaysSo) {
+    auto lumetry = startInspecting();
+    desktop.stopServer();
+    const auto status = lumetry.wait();
+    ASSERT_TRUE(status);
+    EXPECT_FALSE(status->signal) << *status->signal;
+    EXPECT_EQ(status->code, 1);
+    const std::string said = lumetry.standardError();
+    // Qt has its own words for it where it notices first.
+    EXPECT_TRUE(said.find("X server") != std::string::npos ||
+                said.find("X11 server") != std::string::npos)
+        << said;
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "atspi_test.h"
 
-#include <atspi/atspi.h>
+#include <atspi/atspi-constants.h>
 
 #include <array>
 #include <cstdint>

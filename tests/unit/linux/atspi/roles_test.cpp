@@ -2,7 +2,7 @@
 
 #include "probe/role_bucket.h"
 
-#include <atspi/atspi.h>
+#include <atspi/atspi-constants.h>
 #include <gtest/gtest.h>
 
 #include <cstdint>
