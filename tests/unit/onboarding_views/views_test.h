@@ -2,32 +2,22 @@
 
 #include "onboarding/onboarding_window.h"
 #include "onboarding/views/onboarding_widget.h"
+#include "unit/widgets/widgets.h"
 
 #include <QAbstractButton>
-#include <QImage>
 #include <QLabel>
 #include <QWidget>
 
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace lumetry {
 
-/// Makes all that moves in the widget look as it does that long after it began. What is over by
-/// then has ended.
-void passTime(QWidget& widget, int milliseconds);
-/// How far from each other two colours are, from 0 to 765.
-[[nodiscard]] int distance(const QColor& a, const QColor& b);
-/// The window of that title.
-[[nodiscard]] QWidget* windowTitled(const QString& title);
 /// Presses and releases a key in the window: what has the keyboard gets it, else the window.
 void typeKey(QWidget& window, Qt::Key key);
-/// The widget's place in its window.
-[[nodiscard]] QRect placeOf(const QWidget& widget);
 
 class RecordingActions final : public OnboardingActions {
 public:
@@ -44,24 +34,17 @@ class OnboardingViewsTest : public testing::Test {
 protected:
     OnboardingViewsTest() : widget(windowTitled(QStringLiteral("Welcome to Lumetry"))) {}
 
-    /// Shows the window at that step, with everything in its place.
-    void open(OnboardingStep step, const std::string& primary = "Continue");
+    void open(OnboardingStep step) { openSettled(*window, step, "Continue"); }
     void passTime(int milliseconds) { lumetry::passTime(*widget, milliseconds); }
-    [[nodiscard]] QImage picture() const { return widget->grab().toImage(); }
     [[nodiscard]] QLabel* label(const QString& text) const;
-    [[nodiscard]] QAbstractButton* button(const QString& nameOrTitle) const;
-    /// Of every visible label of text.
-    void expectNoTextClipped() const;
+    [[nodiscard]] QAbstractButton* button(const QString& name) const {
+        return buttonNamed(*widget, name);
+    }
 
     /// The first one on screen.
     template<typename T>
     [[nodiscard]] T& first() const {
-        for (QWidget* const child : widget->findChildren<QWidget*>()) {
-            if (auto* const match = dynamic_cast<T*>(child); match && match->isVisible()) {
-                return *match;
-            }
-        }
-        throw std::runtime_error("no such widget");
+        return *visibleWidgets<T>(*widget).at(0);
     }
 
     RecordingActions actions;
