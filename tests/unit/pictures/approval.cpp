@@ -1,14 +1,16 @@
 #include "approval.h"
 
+#include "unit/widgets/widgets.h"
+
 #include <QDir>
+#include <QFileInfo>
 #include <QFontDatabase>
 #include <QImageWriter>
 #include <QPainter>
 
-#include "unit/widgets/widgets.h"
-
 #include <algorithm>
 #include <cstdlib>
+#include <iostream>
 
 namespace lumetry {
 namespace {
@@ -35,9 +37,13 @@ public:
         ApplicationEnvironment::SetUp();
         for (const char* const family :
              {"Inter", "DejaVu Sans", "DejaVu Sans Mono", "Noto Color Emoji"}) {
-            ASSERT_TRUE(QFontDatabase::hasFamily(family))
-                << "The pictures are made with the font " << family
-                << ", which is missing. 'packaging/debian-packages/install fonts' installs it.";
+            if (!QFontDatabase::hasFamily(family)) {
+                std::cerr << "The pictures are made with the font " << family
+                          << ", which is missing. 'packaging/debian-packages/install fonts' "
+                             "installs it.\n";
+                // A failure reported from here would count as a test skipped.
+                std::exit(EXIT_FAILURE);
+            }
         }
     }
 };
