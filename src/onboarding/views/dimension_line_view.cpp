@@ -62,9 +62,7 @@ void DimensionLineView::paintEvent(QPaintEvent* /*event*/) {
     const double textHeight = metrics.height();
     const QRectF pill(centre.x() - textWidth / 2 - 7, centre.y() - textHeight / 2 - 3,
                       textWidth + 14, textHeight + 6);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(pink(progress_));
-    painter.drawRoundedRect(pill, pill.height() / 2, pill.height() / 2);
+    paintBox(painter, pill, {pink(progress_), {}, pill.height() / 2});
     painter.setFont(font);
     painter.setPen(whiteAt(progress_));
     painter.drawText(pill, Qt::AlignCenter, label());

@@ -32,9 +32,7 @@ Keycap::Keycap(const Face& face, const QSize& cap, QWidget* parent) : QWidget(pa
     setAccessibleName(face.name.isEmpty() ? face.glyphText : face.name);
     glow_ = makeGlow(cap, glowRadius, pink(), [&](QPainter& painter) {
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(Qt::white);
-        painter.drawRoundedRect(QRectF({0, 0}, cap), cornerRadius, cornerRadius);
+        paintBox(painter, QRectF({0, 0}, cap), {Qt::white, {}, cornerRadius});
     });
     auto* const column = new QVBoxLayout(this);
     column->setSpacing(4);

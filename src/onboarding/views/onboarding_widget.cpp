@@ -15,9 +15,11 @@
 
 #include <QCloseEvent>
 #include <QFontMetricsF>
+#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QVBoxLayout>
 #include <QWindow>
 
 #include <array>
@@ -29,7 +31,6 @@ namespace {
 using namespace views;
 
 constexpr QSize windowSize = {860, 580};
-constexpr int chromeHeight = 72;
 constexpr double fadeSeconds = 0.28;
 
 class OnboardingWidget final : public QWidget {
@@ -49,7 +50,8 @@ private:
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     [[nodiscard]] Page* makePage(OnboardingStep step);
-    void placeChrome();
+    /// Leaves room for the page above what stays: back, the steps, and on.
+    void layOut();
     /// Takes the keyboard from a button that is about to go, before it is handed to just any other.
     void freeKeyboard();
     void setTabOrderOfPage();
@@ -57,6 +59,7 @@ private:
     OnboardingActions& actions_;
     Backdrop backdrop_{windowSize};
     double lightOpacity_ = 1;
+    QVBoxLayout* column_; ///< of the page and what is below it on every page
     Page* currentPage_ = nullptr;
     PermissionsPage* permissions_ = nullptr; ///< while it is the current page
     TakeoffPage* takeoff_ = nullptr;         ///< while it is the current page
@@ -69,13 +72,15 @@ private:
 };
 
 OnboardingWidget::OnboardingWidget(OnboardingActions& actions)
-    : actions_(actions), dashes_(new StepIndicator(onboardingStepCount, this)),
-      backButton_(new BackButton(this)), primaryButton_(new FlatButton(this)) {
+    : actions_(actions), column_(new QVBoxLayout(this)),
+      dashes_(new StepIndicator(onboardingStepCount, this)), backButton_(new BackButton(this)),
+      primaryButton_(new FlatButton(this)) {
     setWindowTitle(QStringLiteral("Welcome to Lumetry"));
     setWindowFlags(Qt::Window | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                    Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
     setFixedSize(windowSize);
     primaryButton_->setFont(systemFont(14.5, FontWeight::semibold));
+    layOut();
     QObject::connect(primaryButton_, &QPushButton::clicked, this,
                      [this] { actions_.primaryTapped(); });
     QObject::connect(backButton_, &QPushButton::clicked, this, [this] { actions_.backTapped(); });
@@ -102,10 +107,11 @@ void OnboardingWidget::showStep(OnboardingStep step, bool animated) {
         delete oldPage;
     }
     currentPage_ = makePage(step);
-    currentPage_->setGeometry(0, 0, width(), height() - chromeHeight);
+    column_->insertWidget(0, currentPage_, 1);
     currentPage_->show();
     currentPage_->lower();
     backButton_->setVisible(step != OnboardingStep::welcome);
+    column_->activate();
     dashes_->setStep(static_cast<int>(step));
     setTabOrderOfPage();
     primaryButton_->setFocus();
@@ -142,6 +148,8 @@ void OnboardingWidget::setTabOrderOfPage() {
 }
 
 void OnboardingWidget::setPrimary(const QString& title, bool enabled) {
+    constexpr int leastWidth = 150;
+    constexpr int padding = 52;
     primaryButton_->setText(title);
     if (!enabled && primaryButton_->hasFocus()) {
         freeKeyboard();
@@ -149,7 +157,10 @@ void OnboardingWidget::setPrimary(const QString& title, bool enabled) {
     primaryButton_->setEnabled(enabled);
     primaryButton_->setLook(
         {{enabled ? pink() : whiteAt(0.08), {}, 10}, whiteAt(enabled ? 1 : 0.55)});
-    placeChrome();
+    const double text = QFontMetricsF(primaryButton_->font()).horizontalAdvance(title);
+    primaryButton_->setFixedWidth(
+        std::max(leastWidth, static_cast<int>(std::ceil(text)) + padding));
+    column_->activate();
     const QWidget* const focused = focusWidget();
     if (enabled && keyboardIsFree_ && (focused == nullptr || focused == this)) {
         primaryButton_->setFocus();
@@ -162,18 +173,23 @@ void OnboardingWidget::freeKeyboard() {
     keyboardIsFree_ = true;
 }
 
-void OnboardingWidget::placeChrome() {
-    constexpr double leastWidth = 150;
-    constexpr double padding = 52;
+void OnboardingWidget::layOut() {
     constexpr int buttonHeight = 42;
-    const QFontMetricsF metrics(primaryButton_->font());
-    const double text = std::ceil(metrics.horizontalAdvance(primaryButton_->text()));
-    const int buttonWidth = static_cast<int>(std::max(leastWidth, text + padding));
-    primaryButton_->setGeometry(width() - 24 - buttonWidth, height() - 18 - buttonHeight,
-                                buttonWidth, buttonHeight);
-    const int middle = primaryButton_->geometry().center().y() + 1;
-    backButton_->move(22, middle - backButton_->height() / 2);
-    dashes_->move(backButton_->geometry().right() + 1 + 16, middle - dashes_->height() / 2 - 1);
+    QSizePolicy keepsItsPlace = backButton_->sizePolicy();
+    keepsItsPlace.setRetainSizeWhenHidden(true);
+    backButton_->setSizePolicy(keepsItsPlace);
+    primaryButton_->setFixedHeight(buttonHeight);
+    auto* const row = new QHBoxLayout;
+    row->setContentsMargins(22, 12, 24, 18);
+    row->setSpacing(0);
+    row->addWidget(backButton_, 0, Qt::AlignVCenter);
+    row->addSpacing(16);
+    row->addWidget(dashes_, 0, Qt::AlignVCenter);
+    row->addStretch();
+    row->addWidget(primaryButton_);
+    column_->setContentsMargins(0, 0, 0, 0);
+    column_->setSpacing(0);
+    column_->addLayout(row);
 }
 
 void OnboardingWidget::setCard(Permission permission, const CardState& state) {

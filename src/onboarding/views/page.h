@@ -6,6 +6,7 @@
 #include <vector>
 
 class QAbstractButton;
+class QVBoxLayout;
 
 namespace lumetry::views {
 
@@ -26,17 +27,7 @@ protected:
     void setStaggerViews(std::vector<QWidget*> views) { staggerViews_ = std::move(views); }
 
 private:
-    struct Item {
-        QWidget* widget;
-        int spacing;
-        int overlap;
-    };
-
-    void resizeEvent(QResizeEvent* event) override;
-    bool event(QEvent* event) override;
-    void placeItems();
-
-    std::vector<Item> items_;
+    QVBoxLayout* column_;
     std::vector<QWidget*> staggerViews_;
 };
 

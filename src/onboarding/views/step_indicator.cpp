@@ -44,14 +44,12 @@ double StepIndicator::dashWidth(int dash) const {
 void StepIndicator::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
     double x = 0;
     for (int i = 0; i < static_cast<int>(shares_.size()); ++i) {
         const double width = dashWidth(i);
         const double share = shares_[static_cast<std::size_t>(i)];
         for (const QColor& color : {whiteAt(0.16 * (1 - share)), pink(share)}) {
-            painter.setBrush(color);
-            painter.drawRoundedRect(QRectF(x, 0, width, dashHeight), cornerRadius, cornerRadius);
+            paintBox(painter, {x, 0, width, dashHeight}, {color, {}, cornerRadius});
         }
         x += width + spacing;
     }

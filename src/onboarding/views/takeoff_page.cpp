@@ -1,6 +1,7 @@
 #include "onboarding/views/takeoff_page.h"
 
 #include "onboarding/views/keycap.h"
+#include "onboarding/views/overlap.h"
 #include "onboarding/views/pill.h"
 #include "onboarding/views/pulse.h"
 #include "onboarding/views/style.h"
@@ -10,8 +11,6 @@
 
 namespace lumetry::views {
 namespace {
-
-constexpr int keysSpacing = 10;
 
 QWidget* hintChip(const QString& text, QWidget* parent) {
     return new Pill(
@@ -66,21 +65,18 @@ QWidget* TakeoffPage::makeKeysRow() {
     shift_ =
         new Keycap({Symbol::shift, QStringLiteral("⇧"), QStringLiteral("shift")}, {96, 82}, row);
     m_ = new Keycap({std::nullopt, QStringLiteral("M"), QString(), 30}, {82, 82}, row);
-    // The caps' glows lie over their neighbours, which layouts do not do.
     const QFont plusFont = systemFont(19, FontWeight::medium);
-    int x = 0;
+    auto* const line = new QHBoxLayout(row);
+    line->setContentsMargins(Keycap::margin(), Keycap::margin(), Keycap::margin(),
+                             Keycap::margin());
+    line->setSpacing(10);
     for (Keycap* const cap : {control_, shift_, m_}) {
         if (cap != control_) {
-            auto* const plus = makeLabel(QStringLiteral("+"), plusFont, whiteAt(0.35), row);
-            const QSize size = plus->sizeHint();
-            plus->setGeometry(x + Keycap::margin(), (cap->height() - size.height()) / 2,
-                              size.width(), size.height());
-            x += size.width() + keysSpacing;
+            line->addWidget(makeLabel(QStringLiteral("+"), plusFont, whiteAt(0.35), row), 0,
+                            Qt::AlignVCenter);
         }
-        cap->move(x, 0);
-        x += cap->width() - 2 * Keycap::margin() + keysSpacing;
+        line->addItem(new OverlappingItem(cap, Keycap::margin()));
     }
-    row->setFixedSize(x - keysSpacing + 2 * Keycap::margin(), control_->height());
     return row;
 }
 

@@ -42,6 +42,7 @@ public:
                           << ", which is missing. 'packaging/debian-packages/install fonts' "
                              "installs it.\n";
                 // A failure reported from here would count as a test skipped.
+                TearDown();
                 std::exit(EXIT_FAILURE);
             }
         }
