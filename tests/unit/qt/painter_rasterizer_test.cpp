@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdint>
 #include <span>
 
 namespace lumetry {
@@ -22,31 +21,6 @@ const Rasterizer& painter() {
 
 Bitmap drawn(const DisplayList& list, const Rect& area) {
     return painter().rasterize(list, area, Edges::smooth);
-}
-
-void expectSymmetry(const Bitmap& bitmap) {
-    const auto alphaAt = [&](int x, int y) { return static_cast<int>(bitmap.at(x, y) >> 24U); };
-    for (int y = 0; y < bitmap.height; ++y) {
-        for (int x = 0; x < bitmap.width; ++x) {
-            EXPECT_NEAR(alphaAt(bitmap.width - 1 - x, y), alphaAt(x, y), 4) << x << " " << y;
-            EXPECT_NEAR(alphaAt(x, bitmap.height - 1 - y), alphaAt(x, y), 4) << x << " " << y;
-        }
-    }
-}
-
-TEST(PainterRasterizer, RunsHairlinesAroundTheOutermostPixels) {
-    for (const double start : {2.0, 2.3, 1.5, 1.75}) {
-        SCOPED_TRACE(start);
-        const Rect chip = {start, start, 12, 12};
-        for (const StrokeRoundedRect& line :
-             {StrokeRoundedRect{chip, 3, white, 0.5},
-              StrokeRoundedRect{inset(chip, 0.5, 0.5), 3, white, 1}}) {
-            const Bitmap bitmap = drawn({line}, {0, 0, 16, 16});
-            expectSymmetry(bitmap);
-            EXPECT_EQ(bitmap.at(8, 1), 0U) << "beside what is filled";
-            EXPECT_NEAR(static_cast<int>(bitmap.at(8, 2) >> 24U), line.lineWidth * 255, 2);
-        }
-    }
 }
 
 TEST(PainterRasterizer, DrawsTextWithinItsReachAndTheSameInParts) {
