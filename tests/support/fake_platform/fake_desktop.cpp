@@ -18,9 +18,9 @@ void FakeDesktop::launch(pid_t pid, const std::string& name, const std::string& 
 
 void FakeDesktop::launchElectron(pid_t pid, const std::string& name) {
     launch(pid, name, "com.example." + name);
-    fileSystem.addFile("/Applications/" + name +
-                       ".app/Contents/Frameworks/Electron Framework.framework/Versions/A/Libraries/"
-                       "libGLESv2.dylib");
+    fileSystem.files.insert("/Applications/" + name +
+                            ".app/Contents/Frameworks/Electron Framework.framework/Versions/A/"
+                            "Libraries/libGLESv2.dylib");
 }
 
 void FakeDesktop::openWindow(pid_t pid, const Rect& bounds) {

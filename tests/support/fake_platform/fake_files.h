@@ -6,31 +6,40 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace lumetry {
 
-/// Files in folders that list their entries in the order in which these were added.
+/// Files, and the folders on the way to them, which list their entries by name.
 class FakeFileSystem final : public FileSystem {
 public:
-    /// Adds a file, and the folders on the way to it that are missing.
-    /// @param path absolute
-    void addFile(const std::string& path);
-
     [[nodiscard]] std::optional<std::vector<std::string>>
-    contentsOfDirectory(const std::string& path) override;
-    [[nodiscard]] bool fileExists(const std::string& path) override;
+    contentsOfDirectory(const std::string& path) override {
+        ++accesses;
+        std::set<std::string> names;
+        for (const std::string& file : files) {
+            if (file.starts_with(path + "/")) {
+                const std::string below = file.substr(path.size() + 1);
+                names.insert(below.substr(0, below.find('/')));
+            }
+        }
+        return names.empty() ? std::nullopt
+                             : std::optional(std::vector(names.begin(), names.end()));
+    }
+    [[nodiscard]] bool fileExists(const std::string& path) override {
+        ++accesses;
+        return files.contains(path);
+    }
     void appendPrivately(const std::string& path, std::string_view text) override {
         appended[path] += text;
     }
 
+    std::set<std::string> files; ///< absolute paths
     int accesses = 0;
     std::map<std::string, std::string> appended; ///< text by file
-
-private:
-    std::map<std::string, std::vector<std::string>> folders_;
-    std::set<std::string> files_;
 };
 
 class FakeApplications final : public Applications {

@@ -3,6 +3,7 @@
 #include "platform/run_loop.h"
 
 #include <functional>
+#include <utility>
 #include <vector>
 
 namespace lumetry {
@@ -10,14 +11,15 @@ namespace lumetry {
 /// A clock and a queue that move only when a test says so.
 class FakeRunLoop final : public RunLoop {
 public:
-    /// Runs the tasks that wait in the queue; those that they add wait for the next turn.
-    void turn();
-    /// Moves the clock on, running what falls due at its time and in order.
+    /// Moves the clock on, running what falls due at its time and in order; by 0 seconds it runs
+    /// what waits in the queue.
     void advance(double seconds);
 
     [[nodiscard]] double now() override { return now_; }
-    void async(std::function<void()> task) override;
-    void after(double seconds, std::function<void()> task) override;
+    void async(std::function<void()> task) override { after(0, std::move(task)); }
+    void after(double seconds, std::function<void()> task) override {
+        timers_.push_back({++lastNumber_, now_ + seconds, 0, std::move(task)});
+    }
     [[nodiscard]] Token every(double seconds, std::function<void()> task) override;
 
 private:
@@ -28,11 +30,8 @@ private:
         std::function<void()> task;
     };
 
-    void addTimer(double seconds, double interval, std::function<void()> task);
-
     double now_ = 700'000'000;
     int lastNumber_ = 0;
-    std::vector<std::function<void()>> queue_;
     std::vector<Timer> timers_;
 };
 

@@ -15,13 +15,15 @@ public:
 
     [[nodiscard]] std::optional<Bitmap> captureBelow(const Rect& area,
                                                      std::uint32_t windowNumber) override {
-        note(windowNumber);
+        note(area, windowNumber);
         return picture_ && !refused ? picture_->captureBelow(area, windowNumber) : std::nullopt;
     }
     [[nodiscard]] std::optional<Bitmap> captureBelow(const Rect& area, std::uint32_t windowNumber,
                                                      PixelSize size,
                                                      Interpolation interpolation) override {
-        note(windowNumber);
+        note(area, windowNumber);
+        lastSize = size;
+        lastInterpolation = interpolation;
         return picture_ && !refused
                    ? picture_->captureBelow(area, windowNumber, size, interpolation)
                    : std::nullopt;
@@ -30,10 +32,14 @@ public:
     bool refused = false;
     int captures = 0;
     std::uint32_t lastWindowNumber = 0; ///< below which the last capture was
+    Rect lastArea;
+    PixelSize lastSize;
+    Interpolation lastInterpolation = Interpolation::none;
 
 private:
-    void note(std::uint32_t windowNumber) {
+    void note(const Rect& area, std::uint32_t windowNumber) {
         ++captures;
+        lastArea = area;
         lastWindowNumber = windowNumber;
     }
 

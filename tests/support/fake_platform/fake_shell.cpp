@@ -35,11 +35,6 @@ std::vector<EventStatus> FakeHotKeys::press(HotKeyID id) {
     return answers;
 }
 
-Token FakeHotKeys::registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
-                                       HotKeyID id) {
-    return registrations.add({keyCode, modifiers, id});
-}
-
 // NOLINTNEXTLINE(readability-make-member-function-const): what is fired changes a lot
 EventFate FakeLocalEventMonitors::fire(const Event& event) {
     const auto all = monitors.all();
@@ -48,13 +43,6 @@ EventFate FakeLocalEventMonitors::fire(const Event& event) {
                monitor.second(event) == EventFate::swallow;
     });
     return isSwallowed ? EventFate::swallow : EventFate::passOn;
-}
-
-// NOLINTNEXTLINE(readability-make-member-function-const): what it tells changes a lot
-void FakeOwnApplication::becomeActive() {
-    for (const auto& handler : observers.all()) {
-        handler();
-    }
 }
 
 std::unique_ptr<StatusItem> FakeStatusBar::makeStatusItem() {

@@ -15,30 +15,6 @@
 
 namespace lumetry {
 
-/// Things that are installed and removed, newest last.
-template<class T>
-class FakeInstallations {
-public:
-    [[nodiscard]] Token add(T thing) {
-        const int number = ++lastNumber_;
-        all_.emplace_back(number, std::move(thing));
-        return Token([this, number] {
-            std::erase_if(all_, [number](const auto& entry) { return entry.first == number; });
-        });
-    }
-    [[nodiscard]] std::vector<T> all() const {
-        std::vector<T> things;
-        for (const auto& [number, thing] : all_) {
-            things.push_back(thing);
-        }
-        return things;
-    }
-
-private:
-    int lastNumber_ = 0;
-    std::vector<std::pair<int, T>> all_;
-};
-
 class FakeHotKeys final : public HotKeys {
 public:
     struct Registration {
@@ -54,7 +30,9 @@ public:
         return handlers.add(std::move(handler));
     }
     [[nodiscard]] Token registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
-                                            HotKeyID id) override;
+                                            HotKeyID id) override {
+        return registrations.add({keyCode, modifiers, id});
+    }
 
     FakeInstallations<Handler> handlers;
     FakeInstallations<Registration> registrations;
@@ -81,7 +59,9 @@ public:
     };
 
     /// The user turns to the program.
-    void becomeActive();
+    void becomeActive() const {
+        observers.forEach([](const auto& observer) { observer(); });
+    }
 
     [[nodiscard]] std::string bundlePath() override { return bundle; }
     void setActivationPolicy(ActivationPolicy value) override { policy = value; }
@@ -125,6 +105,12 @@ public:
 /// A fake desktop with what the program around inspect mode needs besides.
 class FakeShell {
 public:
+    void allow(bool accessibility, bool capture) {
+        desktop.accessibility.trusted = accessibility;
+        desktop.windowServer.captureAllowed = capture;
+    }
+    void advance(double seconds) { desktop.runLoop.advance(seconds); }
+
     FakeDesktop desktop;
     FakeHotKeys hotKeys;
     FakeLocalEventMonitors localEventMonitors;

@@ -47,7 +47,7 @@ TEST(IsElectronApp, LooksForTheLibraryInEveryFramework) {
         FakeDesktop desktop;
         desktop.launch(9, "Chat", "chat");
         for (const std::string& file : files) {
-            desktop.fileSystem.addFile(frameworks + file);
+            desktop.fileSystem.files.insert(frameworks + file);
         }
         EXPECT_EQ(isElectronApp(desktop.platform, desktop.state, 9), electron) << files.back();
     }
@@ -59,7 +59,7 @@ TEST(IsElectronApp, TakesTheLibraryThatThePlatformNames) {
     desktop.applications.running[9].chromiumLibrary = "/usr/lib/chat/libGLESv2.so";
     desktop.applications.running[10] = desktop.applications.running[9];
     EXPECT_FALSE(isElectronApp(desktop.platform, desktop.state, 9));
-    desktop.fileSystem.addFile("/usr/lib/chat/libGLESv2.so");
+    desktop.fileSystem.files.insert("/usr/lib/chat/libGLESv2.so");
     EXPECT_TRUE(isElectronApp(desktop.platform, desktop.state, 10));
 }
 
@@ -146,7 +146,29 @@ TEST(IsBrowser, ComparesTheWholeIdentifier) {
         desktop.launch(9, "App", identifier);
         return isBrowser(desktop.platform, 9);
     };
-    EXPECT_TRUE(isBrowserNamed("com.apple.Safari"));
+    for (const char* identifier : {"com.google.Chrome",
+                                   "com.google.Chrome.canary",
+                                   "com.google.Chrome.beta",
+                                   "com.google.Chrome.dev",
+                                   "com.apple.Safari",
+                                   "com.apple.SafariTechnologyPreview",
+                                   "com.microsoft.edgemac",
+                                   "com.microsoft.edgemac.Canary",
+                                   "com.microsoft.edgemac.Beta",
+                                   "com.brave.Browser",
+                                   "com.brave.Browser.nightly",
+                                   "com.brave.Browser.beta",
+                                   "company.thebrowser.Browser",
+                                   "org.mozilla.firefox",
+                                   "org.mozilla.firefoxdeveloperedition",
+                                   "org.mozilla.nightly",
+                                   "com.operasoftware.Opera",
+                                   "com.operasoftware.OperaGX",
+                                   "com.vivaldi.Vivaldi",
+                                   "com.kagi.kagimacOS",
+                                   "com.duckduckgo.macos.browser"}) {
+        EXPECT_TRUE(isBrowserNamed(identifier)) << identifier;
+    }
     for (const char* identifier :
          {"com.apple.safari", "com.google.Chrome.helper", "com.google", ""}) {
         EXPECT_FALSE(isBrowserNamed(identifier)) << identifier;

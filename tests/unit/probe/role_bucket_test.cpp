@@ -16,12 +16,18 @@ using enum Bucket;
 TEST(Bucket, TellsRolesOfSimilarNamesApart) {
     using Case = std::pair<Bucket, std::vector<std::string_view>>;
     for (const auto& [bucket, roles] : {
-             Case{text, {"AXStaticText", "AXHeading", "AXLink"}},
-             Case{control, {"AXButton", "AXMenuItem", "AXMenuButton", "AXDisclosureTriangle"}},
+             Case{text, {"AXStaticText", "AXHeading", "AXText", "AXLink"}},
+             Case{control,
+                  {"AXButton", "AXCheckBox", "AXRadioButton", "AXPopUpButton", "AXMenuButton",
+                   "AXMenuItem", "AXSwitch", "AXDisclosureTriangle", "AXToggle"}},
              Case{input, {"AXTextField", "AXTextArea", "AXComboBox", "AXSearchField"}},
-             Case{collection, {"AXList", "AXOutline", "AXTable", "AXBrowser"}},
-             Case{container, {"AXWindow", "AXSplitGroup", "AXTabPanel", "AXWebArea"}},
-             Case{graphic, {"AXImage", "AXSplitter", "AXMenu", "AXMenuBar", "AXSlider"}},
+             Case{collection, {"AXList", "AXOutline", "AXTable", "AXGrid", "AXBrowser"}},
+             Case{container,
+                  {"AXWindow", "AXScrollArea", "AXSplitGroup", "AXWebArea", "AXToolbar",
+                   "AXTabPanel", "AXApplication", "AXSheet", "AXDrawer"}},
+             Case{graphic,
+                  {"AXImage", "AXVideo", "AXSlider", "AXProgressIndicator", "AXDockItem",
+                   "AXMenuBar", "AXMenu", "AXSplitter", "AXValueIndicator", "AXColorWell"}},
              Case{generic, {"AXGroup", "AXUnknown", "", "axbutton", "AXButton ", "AXTab"}},
          }) {
         for (const std::string_view role : roles) {

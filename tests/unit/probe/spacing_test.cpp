@@ -8,17 +8,10 @@
 
 #include <cmath>
 #include <limits>
-#include <ostream>
 #include <string>
 #include <vector>
 
 namespace lumetry {
-
-std::ostream& operator<<(std::ostream& out, const CollectionGap& gap) {
-    return out << gap.count << " of " << gap.item << ", " << gap.gap << " apart, "
-               << (gap.vertical ? "one below the other" : "side by side");
-}
-
 namespace {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();

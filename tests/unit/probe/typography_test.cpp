@@ -147,6 +147,7 @@ TEST(WeightFromName, TakesTheLongestWord) {
              std::pair("Inter-BoldMedium", "bold"),
              std::pair("Inter-MediumLight", "medium"),
              std::pair("HelveticaNeue-UltraLight", "extralight"),
+             std::pair("Inter-ExtraLight", "extralight"),
              std::pair("ThinLight", "thin"),
              std::pair("Helvetica-LightOblique", "light"),
              std::pair("Inter-Regular", "regular"),
@@ -205,7 +206,7 @@ TEST_F(TextInElements, FirstCharacterIsAskedForWhereThereIsText) {
     }
 }
 
-TEST_F(TextInElements, MarkersArePassedBackAsTheyCame) {
+TEST_F(TextInElements, MarkersServeWhereTheRangeTellsNoCharacter) {
     FakeElement& element = make("AXStaticText");
     const AXTextMarkerRange markers = {std::make_shared<int>(7)};
     element.parameterizedAttributes.insert_or_assign("AXTextMarkerRangeForUIElement", markers);
@@ -216,22 +217,13 @@ TEST_F(TextInElements, MarkersArePassedBackAsTheyCame) {
               element.handle());
     EXPECT_EQ(element.parameters.at("AXAttributedStringForTextMarkerRange").as<AXTextMarkerRange>(),
               markers);
-}
-
-TEST_F(TextInElements, MarkersAreOnlyForElementsThatDoNotAnswerByRange) {
-    FakeElement& element = make("AXStaticText");
-    element.parameterizedAttributes.insert_or_assign("AXTextMarkerRangeForUIElement",
-                                                     AXTextMarkerRange());
-    element.parameterizedAttributes.insert_or_assign("AXAttributedStringForTextMarkerRange",
-                                                     redText);
     style(element, plainText);
     EXPECT_EQ(axTextInfoDeep(accessibility, element.handle()), TextInfo())
         << "an answer without attributes counts";
     for (const AXValue& answer :
          {AXValue(textOf({}, "")), AXValue(AttributedStringRef()), AXValue("Save")}) {
         element.parameterizedAttributes.insert_or_assign("AXAttributedStringForRange", answer);
-        EXPECT_EQ(axTextInfoDeep(accessibility, element.handle()).color, red)
-            << "no characters do not";
+        EXPECT_EQ(axTextInfoDeep(accessibility, element.handle()).color, red);
     }
 }
 

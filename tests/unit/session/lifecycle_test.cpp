@@ -104,10 +104,10 @@ TEST_F(Lifecycle, StartingTwiceMonitorsOnce) {
 TEST_F(Lifecycle, EscapeStopsOnTheNextTurn) {
     overlay->start();
     desktop.eventMonitors.fire({EventType::keyDown, 54});
-    desktop.runLoop.turn();
+    desktop.runLoop.advance(0);
     desktop.eventMonitors.fire(escape);
     EXPECT_TRUE(overlay->active()) << "the monitor was removed while it was being called";
-    desktop.runLoop.turn();
+    desktop.runLoop.advance(0);
     EXPECT_FALSE(overlay->active());
 }
 
@@ -118,7 +118,7 @@ TEST_F(Lifecycle, NothingReachesASessionThatIsGone) {
     EXPECT_FALSE(window().alive);
     EXPECT_THAT(desktop.eventMonitors.masks(), IsEmpty());
     const int reads = desktop.accessibility.totalReads();
-    desktop.runLoop.turn();
+    desktop.runLoop.advance(0);
     hover(onField);
     EXPECT_EQ(desktop.accessibility.totalReads(), reads);
 }
