@@ -3,6 +3,8 @@
 #include "platform/defaults.h"
 #include "platform/file_system.h"
 
+#include <cstdlib>
+
 namespace lumetry {
 
 bool DetectLog::on() {
@@ -13,7 +15,8 @@ bool DetectLog::on() {
 }
 
 void DetectLog::append(std::string_view line) {
-    fileSystem_.appendPrivately(std::string(url), line);
+    const char* const other = std::getenv(urlVariable);
+    fileSystem_.appendPrivately(other != nullptr ? other : std::string(url), line);
 }
 
 } // namespace lumetry

@@ -19,8 +19,10 @@ public:
     /// Whether the log is written. The setting is read once, on first use.
     [[nodiscard]] bool on();
 
-    /// The file that the log is written to.
+    /// The file that the log is written to, unless another one is named by that variable of the
+    /// environment: a trace of one's own leaves the user's alone.
     static constexpr std::string_view url = "/tmp/lumetry-detect.log";
+    static constexpr const char* urlVariable = "LUMETRY_DETECT_LOG";
 
     /// The key of the last line written: application, path and header, separated by "|".
     std::string lastKey;

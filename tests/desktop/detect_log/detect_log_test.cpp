@@ -17,23 +17,18 @@
 namespace lumetry::desktop {
 namespace {
 
-const std::filesystem::path logFile = "/tmp/lumetry-detect.log";
-
 std::string contents(const std::filesystem::path& file) {
     std::ostringstream text;
     text << std::ifstream(file).rdbuf();
     return text.str();
 }
 
-/// Takes the log away before and after.
+/// A log of its own: that of whoever runs the test stays as it is.
 class DetectLogFile : public testing::Test {
-public:
-    DetectLogFile(const DetectLogFile&) = delete;
-    DetectLogFile& operator=(const DetectLogFile&) = delete;
-
 protected:
-    DetectLogFile() { std::filesystem::remove(logFile); }
-    ~DetectLogFile() override { std::filesystem::remove(logFile); }
+    [[nodiscard]] ChildProcess startLumetry() {
+        return desktop.start({LUMETRY_PROGRAM}, {{"LUMETRY_DETECT_LOG", logFile.string()}});
+    }
 
     void inspectButton() {
         markOnboarded(desktop);
@@ -42,7 +37,7 @@ protected:
                                .waitFor("gtk3-widget-factory", "push button", "link button")
                                .extents();
         ASSERT_TRUE(place);
-        const auto lumetry = desktop.start({LUMETRY_PROGRAM});
+        const auto lumetry = startLumetry();
         const OverlayReader overlay(desktop.server());
         requireUntil("the overlay", [&] { return overlay.texts().has_value(); });
         desktop.input().glidePointer(static_cast<int>(place->midX()),
@@ -51,6 +46,7 @@ protected:
     }
 
     PrivateDesktop desktop;
+    const std::filesystem::path logFile = desktop.folder() / "detect.log";
 };
 
 TEST_F(DetectLogFile, TellsEachChangeToItsOwnerOnly) {
@@ -90,7 +86,7 @@ TEST_F(DetectLogFile, TellsWhenPixelsShowMoreThanASleepingPage) {
         constexpr std::uint32_t blue = 0x1D4ED8;
         return (screenshot(desktop.server()).at(360, 230) & 0xFFFFFFU) == blue;
     });
-    const auto lumetry = desktop.start({LUMETRY_PROGRAM});
+    const auto lumetry = startLumetry();
     EXPECT_TRUE(waitUntil([&] {
         // A box is the way from one edge to the other: a step less than its pixels.
         return contents(logFile).find("electron=true path=coarse→pixel header=≈ element "
