@@ -37,16 +37,13 @@ class ShellTest : public testing::Test {
 protected:
     static constexpr double launchDelay = 0.16;
 
-    void allow(bool accessibility, bool capture) {
-        shell.desktop.accessibility.trusted = accessibility;
-        shell.desktop.windowServer.captureAllowed = capture;
-    }
+    void allow(bool accessibility, bool capture) { shell.allow(accessibility, capture); }
     void setOnboarded() { shell.desktop.defaults.setBool(true, onboardedKey); }
     void launch() {
         delegate->applicationDidFinishLaunching();
         advance(launchDelay);
     }
-    void advance(double seconds) { shell.desktop.runLoop.advance(seconds); }
+    void advance(double seconds) { shell.advance(seconds); }
     void pressShortcut() { shell.hotKeys.press({0, 1}); }
     [[nodiscard]] bool inspecting() { return delegate->overlay().active(); }
     [[nodiscard]] bool onboardingShown() { return delegate->onboarding().isWindowVisible(); }

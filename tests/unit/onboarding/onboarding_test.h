@@ -21,11 +21,8 @@ protected:
 
     [[nodiscard]] OnboardingWindowRecord& window() { return *windows.at(0); }
     [[nodiscard]] OnboardingActions& user() { return *window().actions; }
-    void allow(bool accessibility, bool capture) {
-        shell.desktop.accessibility.trusted = accessibility;
-        shell.desktop.windowServer.captureAllowed = capture;
-    }
-    void advance(double seconds) { shell.desktop.runLoop.advance(seconds); }
+    void allow(bool accessibility, bool capture) { shell.allow(accessibility, capture); }
+    void advance(double seconds) { shell.advance(seconds); }
     EventFate key(EventType type, std::uint16_t keyCode, ModifierFlags flags = 0) {
         Event event;
         event.type = type;
