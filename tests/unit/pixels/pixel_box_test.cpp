@@ -150,5 +150,19 @@ TEST(PixelBox, HasEightPointsAtLeast) {
     EXPECT_EQ(pixelBoxIn(Bitmap(), at), std::nullopt);
 }
 
+// Of the rows beside the centre's only the upper one is in reach then, and one walk is not enough.
+TEST(PixelBox, NeedsTwelveRows) {
+    for (const int side : {1, 10, 11, 12}) {
+        Bitmap picture = evenBitmap(side, side, 0x808080);
+        for (const int track : {side / 2 - 5, side / 2}) {
+            for (const int end : {1, side - 2}) {
+                fillRect(picture, {end, track, 1, 1}, 0);
+                fillRect(picture, {track, end, 1, 1}, 0);
+            }
+        }
+        EXPECT_EQ(pixelBoxIn(picture, at).has_value(), side == 12) << side;
+    }
+}
+
 } // namespace
 } // namespace lumetry

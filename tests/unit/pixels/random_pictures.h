@@ -62,12 +62,13 @@ private:
         }
         return result;
     }
-    /// Noise, a gradient, or an end of the screens, if any.
+    /// Noise, a gradient, or an end of the screen, maybe with another screen behind it.
     void disturb(Bitmap& picture) {
         const int noise = std::array{0, 0, 3, 40}.at(static_cast<std::size_t>(below(4)));
         const int seldom = 1 + below(40);
         const int gradient = oneIn(4) ? 1 + below(3) : 0;
-        const int end = oneIn(4) ? below(picture.width) : picture.width;
+        const int end = oneIn(3) ? below(picture.width) : picture.width;
+        const int next = oneIn(2) ? end + below(9) : picture.width;
         for (int i = 0; std::uint32_t & pixel : picture.pixels) {
             const int x = i++ % picture.width;
             const auto step = static_cast<std::uint32_t>(gradient > 0 ? x / gradient % 64 : 0);
@@ -75,7 +76,7 @@ private:
             if (noise > 0 && oneIn(seldom)) {
                 pixel = opaque(shade(pixel & 0xFFFFFFU, noise));
             }
-            pixel = x < end ? pixel : missingPixel;
+            pixel = x < end || x >= next ? pixel : missingPixel;
         }
     }
 
