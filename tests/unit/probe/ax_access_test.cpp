@@ -38,8 +38,10 @@ TEST(AxAccess, FrameNeedsAPlaceAndAnArea) {
     };
     const Point place = {-300, -20};
     for (const auto& [name, position, size, frame] : {
-             Case{"left of the primary display", place, Size{12, 10}, Rect{-300, -20, 12, 10}},
+             Case{"small, left of the primary display", place, Size{0.5, 0.25},
+                  Rect{-300, -20, 0.5, 0.25}},
              Case{"no width", place, Size{0, 12}, {}},
+             Case{"no height", place, Size{12, 0}, {}},
              Case{"width that is no number", place, Size{std::nan(""), 12}, {}},
              Case{"no position", {}, Size{12, 10}, {}},
              Case{"position in place of the size", place, place, {}},
