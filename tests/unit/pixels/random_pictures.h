@@ -69,14 +69,16 @@ private:
         const int gradient = oneIn(4) ? 1 + below(3) : 0;
         const int end = oneIn(3) ? below(picture.width) : picture.width;
         const int next = oneIn(2) ? end + below(9) : picture.width;
+        const int top = oneIn(2) ? 0 : below(picture.height);
         for (int i = 0; std::uint32_t & pixel : picture.pixels) {
-            const int x = i++ % picture.width;
+            const int x = i % picture.width;
+            const int y = i++ / picture.width;
             const auto step = static_cast<std::uint32_t>(gradient > 0 ? x / gradient % 64 : 0);
             pixel ^= step << 16U | step << 8U | step;
             if (noise > 0 && oneIn(seldom)) {
                 pixel = opaque(shade(pixel & 0xFFFFFFU, noise));
             }
-            pixel = x < end || x >= next ? pixel : missingPixel;
+            pixel = x < end || x >= next || y < top ? pixel : missingPixel;
         }
     }
 
