@@ -122,7 +122,7 @@ Token FakeAccessibility::keepAnswers() {
 
 void FakeAccessibility::prefetch(std::span<const AXUIElement> elements,
                                  std::span<const std::string_view> attributes) {
-    ++prefetches;
+    prefetches += elements.empty() || attributes.empty() ? 0 : 1;
     for (const AXUIElement& element : elements) {
         const auto* handle = dynamic_cast<const FakeElementHandle*>(&element.backend());
         for (const std::string_view attribute : attributes) {

@@ -158,6 +158,9 @@ TEST_F(InspectorTest, ReadsTheBoxAgainAtItsEdge) {
         look(nullptr, onUpper);
         EXPECT_EQ(boxKeptAt(edge), std::nullopt) << edge;
     }
+    look(nullptr, onUpper);
+    inspector.forget();
+    EXPECT_EQ(boxKeptAt(onUpper), std::nullopt);
 }
 
 TEST_F(InspectorTest, AddsTheColourUnderThePointerWhereItIsWanted) {
