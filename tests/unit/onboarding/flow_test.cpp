@@ -29,8 +29,10 @@ TEST_F(OnboardingTest, ShownAgainItKeepsItsStepAndComesForward) {
     user().primaryTapped();
     ASSERT_EQ(controller->step(), 2);
     window().inFront = false;
+    allow(false, true);
     controller->show();
     EXPECT_EQ(controller->step(), 2);
+    EXPECT_EQ(window().cards[Permission::accessibility].icon, CardTint::accent) << "read anew";
     EXPECT_TRUE(window().inFront);
     EXPECT_EQ(window().centered, 1);
     EXPECT_EQ(shell.application.activations, 2);
@@ -114,7 +116,7 @@ TEST_F(OnboardingTest, CompletesOnceHoweverOftenItIsAsked) {
     EXPECT_EQ(starts, 1);
     // Another page begins anew.
     controller->showTakeoff();
-    controller->complete();
+    user().primaryTapped();
     advance(1);
     EXPECT_EQ(starts, 2);
 }
