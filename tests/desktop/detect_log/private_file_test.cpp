@@ -1,4 +1,4 @@
-#include "platform/linux/linux_file_system.h"
+#include "platform/linux/system/file_system.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
