@@ -1,5 +1,6 @@
 #include "platform/linux/x11/desktop.h"
 
+#include "platform/linux/system/environment.h"
 #include "platform/linux/x11/capture/backdrop.h"
 #include "platform/linux/x11/capture/formats.h"
 #include "platform/linux/x11/capture/redirection.h"
@@ -14,17 +15,11 @@
 #include "platform/linux/x11/windows/lock_watch.h"
 #include "platform/linux/x11/windows/windows.h"
 
-#include <cstdlib>
 #include <optional>
 #include <utility>
 
 namespace lumetry {
 namespace {
-
-std::string environmentText(const char* name) {
-    const char* const value = std::getenv(name);
-    return value ? value : "";
-}
 
 class X11OverlayWindows final : public OverlayWindows {
 public:

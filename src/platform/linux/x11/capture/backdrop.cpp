@@ -79,11 +79,7 @@ Token CaptureBackdrop::holdForOverlay() {
         take();
     }
     ++overlays_;
-    return Token([self = std::weak_ptr(self_)] {
-        if (const auto alive = self.lock()) {
-            (*alive)->overlayGone();
-        }
-    });
+    return Token(lifetime_.guard([this] { overlayGone(); }));
 }
 
 void CaptureBackdrop::overlayGone() {
@@ -91,12 +87,11 @@ void CaptureBackdrop::overlayGone() {
         return;
     }
     clearAt_ = connection_.runLoop().now() + fadeSeconds;
-    connection_.runLoop().after(fadeSeconds, [self = std::weak_ptr(self_)] {
-        const auto alive = self.lock();
-        if (alive && (*alive)->isScreenClear()) {
-            (*alive)->rest();
+    connection_.runLoop().after(fadeSeconds, lifetime_.guard([this] {
+        if (isScreenClear()) {
+            rest();
         }
-    });
+    }));
 }
 
 bool CaptureBackdrop::isScreenClear() const {

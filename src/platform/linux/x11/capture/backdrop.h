@@ -8,7 +8,6 @@
 #include <xcb/render.h>
 
 #include <cstddef>
-#include <memory>
 #include <optional>
 
 namespace lumetry::x11 {
@@ -53,7 +52,7 @@ private:
     std::size_t overlays_ = 0;      ///< on the screen
     std::optional<double> clearAt_; ///< RunLoop::now; when the last overlay is sure to have gone
     /// Empty once this object is gone: tokens may outlive it.
-    std::shared_ptr<CaptureBackdrop*> self_ = std::make_shared<CaptureBackdrop*>(this);
+    Lifetime lifetime_;
     Token compositing_;
 };
 

@@ -24,11 +24,7 @@ Token CaptureRedirection::hold() {
         xcb_composite_redirect_subwindows(connection_.get(), connection_.root(),
                                           XCB_COMPOSITE_REDIRECT_AUTOMATIC);
     }
-    return Token([self = std::weak_ptr(self_)] {
-        if (const auto alive = self.lock()) {
-            (*alive)->release();
-        }
-    });
+    return Token(lifetime_.guard([this] { release(); }));
 }
 
 bool CaptureRedirection::isComplete() const {

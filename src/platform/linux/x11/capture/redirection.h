@@ -1,11 +1,10 @@
 #pragma once
 
+#include "base/lifetime.h"
 #include "base/token.h"
 #include "platform/linux/x11/connection/connection.h"
 
 #include <cstddef>
-#include <memory>
-#include <vector>
 
 namespace lumetry::x11 {
 
@@ -41,8 +40,7 @@ private:
     bool isAvailable_;
     std::size_t holders_ = 0;
     double began_ = 0; ///< RunLoop::now
-    /// Empty once this object is gone: tokens may outlive it.
-    std::shared_ptr<CaptureRedirection*> self_ = std::make_shared<CaptureRedirection*>(this);
+    Lifetime lifetime_;
 };
 
 } // namespace lumetry::x11

@@ -149,20 +149,15 @@ bool X11ScreenCapture::openWorkshop() {
 }
 
 void X11ScreenCapture::closeWorkshopAfter(double seconds) {
-    connection_.runLoop().after(seconds, [self = std::weak_ptr(self_)] {
-        const auto alive = self.lock();
-        if (!alive) {
-            return;
-        }
-        X11ScreenCapture& capture = **alive;
-        const double idle = capture.connection_.runLoop().now() - capture.lastUsed_;
+    connection_.runLoop().after(seconds, lifetime_.guard([this] {
+        const double idle = connection_.runLoop().now() - lastUsed_;
         if (idle < idleSeconds) {
-            capture.closeWorkshopAfter(idleSeconds - idle);
+            closeWorkshopAfter(idleSeconds - idle);
         } else {
-            capture.workshop_.reset();
-            capture.connection_.flush();
+            workshop_.reset();
+            connection_.flush();
         }
-    });
+    }));
 }
 
 std::vector<CaptureLayer> X11ScreenCapture::layersBelow(std::uint32_t windowNumber) {

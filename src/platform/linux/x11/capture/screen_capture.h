@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/lifetime.h"
 #include "platform/linux/x11/capture/backdrop.h"
 #include "platform/linux/x11/capture/background.h"
 #include "platform/linux/x11/capture/composer.h"
@@ -13,7 +14,6 @@
 #include "platform/screen_capture.h"
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <vector>
 
@@ -72,7 +72,7 @@ private:
     Connection& connection_;
     std::optional<Workshop> workshop_;
     double lastUsed_ = 0; ///< RunLoop::now
-    std::shared_ptr<X11ScreenCapture*> self_ = std::make_shared<X11ScreenCapture*>(this);
+    Lifetime lifetime_;
 };
 
 } // namespace lumetry::x11

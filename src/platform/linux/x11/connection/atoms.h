@@ -1,8 +1,12 @@
 #pragma once
 
+#include <xcb/xcb.h>
+
 #include <array>
 #include <cstddef>
+#include <span>
 #include <string_view>
+#include <vector>
 
 namespace lumetry::x11 {
 
@@ -95,5 +99,10 @@ inline constexpr std::array<std::string_view, atomCount> atomNames = {
 };
 
 static_assert(!atomNames.back().empty(), "every atom has its name");
+
+/// The server's numbers of names, in one wait for it; none for a name where it does not answer.
+[[nodiscard]] std::vector<xcb_atom_t> internAtoms(xcb_connection_t* connection,
+                                                  std::span<const std::string_view> names);
+[[nodiscard]] xcb_atom_t internAtom(xcb_connection_t* connection, std::string_view name);
 
 } // namespace lumetry::x11

@@ -98,7 +98,7 @@ bool Connection::connect(std::string& problem) {
                   "user may use.";
         return false;
     }
-    internAtoms();
+    atoms_ = intern(atomNames);
     const std::string missing = queryExtensions();
     if (!missing.empty()) {
         problem = "The X server of the display " + display_ + " lacks " + missing +
@@ -242,16 +242,11 @@ void Connection::queryCaptureExtensions() {
     }
 }
 
-void Connection::internAtoms() {
-    std::array<xcb_intern_atom_cookie_t, atomCount> cookies{};
-    for (std::size_t i = 0; i < atomCount; ++i) {
-        cookies[i] = xcb_intern_atom(get(), 0, static_cast<std::uint16_t>(atomNames[i].size()),
-                                     atomNames[i].data());
-    }
-    for (std::size_t i = 0; i < atomCount; ++i) {
-        const auto answer = reply(xcb_intern_atom_reply, cookies[i]);
-        atoms_[i] = answer ? answer->atom : xcb_atom_t{XCB_ATOM_NONE};
-    }
+std::vector<xcb_atom_t> Connection::intern(std::span<const std::string_view> names) {
+    ++roundTrips_;
+    auto atoms = internAtoms(get(), names);
+    keepQueuedEvents();
+    return atoms;
 }
 
 bool Connection::isOwnResource(std::uint32_t id) const {
@@ -302,12 +297,10 @@ void Connection::keepQueuedEvents() {
     const bool somethingToDo = !pending_.empty() || (isLost() && !lossReported_);
     if (somethingToDo && !dispatching_ && !dispatchScheduled_) {
         dispatchScheduled_ = true;
-        runLoop_.async([self = std::weak_ptr(self_)] {
-            if (const auto connection = self.lock()) {
-                (*connection)->dispatchScheduled_ = false;
-                (*connection)->dispatch();
-            }
-        });
+        runLoop_.async(lifetime_.guard([this] {
+            dispatchScheduled_ = false;
+            dispatch();
+        }));
     }
 }
 
@@ -349,22 +342,18 @@ void Connection::lose() {
 }
 
 Token Connection::selectOnRoot(std::uint32_t eventMask) {
-    const std::size_t number = nextRootWish_++;
-    rootWishes_.push_back({number, eventMask});
+    rootWishes_.insert(eventMask);
     applyRootWishes();
-    return Token([self = std::weak_ptr(self_), number] {
-        if (const auto connection = self.lock()) {
-            std::erase_if((*connection)->rootWishes_,
-                          [number](const RootWish& wish) { return wish.number == number; });
-            (*connection)->applyRootWishes();
-        }
-    });
+    return Token(lifetime_.guard([this, eventMask] {
+        rootWishes_.erase(rootWishes_.find(eventMask));
+        applyRootWishes();
+    }));
 }
 
 void Connection::applyRootWishes() {
     std::uint32_t all = 0;
-    for (const RootWish& wish : rootWishes_) {
-        all |= wish.eventMask;
+    for (const std::uint32_t wish : rootWishes_) {
+        all |= wish;
     }
     xcb_change_window_attributes(get(), root(), XCB_CW_EVENT_MASK, &all);
     flush();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/handler_list.h"
+#include "base/lifetime.h"
 #include "base/token.h"
 #include "platform/linux/loop/file_descriptor_watcher.h"
 #include "platform/linux/x11/connection/atoms.h"
@@ -9,11 +10,12 @@
 
 #include <xcb/xcb.h>
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <set>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -66,6 +68,8 @@ public:
     [[nodiscard]] xcb_atom_t atom(Atom name) const {
         return atoms_[static_cast<std::size_t>(name)];
     }
+    /// The server's numbers of other names; none for a name where it does not answer.
+    [[nodiscard]] std::vector<xcb_atom_t> intern(std::span<const std::string_view> names);
     /// Whether this very connection has made the window.
     [[nodiscard]] bool isOwnResource(std::uint32_t id) const;
     /// The same for the windows and so on that one connection to the server has made; 0 for those
@@ -111,10 +115,6 @@ private:
     struct Disconnect {
         void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
     };
-    struct RootWish {
-        std::size_t number;
-        std::uint32_t eventMask;
-    };
 
     Connection(FileDescriptorWatcher& watcher, RunLoop& runLoop, std::string display)
         : watcher_(watcher), runLoop_(runLoop), display_(std::move(display)) {}
@@ -127,7 +127,6 @@ private:
     /// @return why this server's screen cannot be looked at; else empty
     [[nodiscard]] std::string screenProblem();
     [[nodiscard]] bool isWaylandsServer();
-    void internAtoms();
     [[nodiscard]] void* waitForReply(unsigned sequence);
     void keepQueuedEvents();
     void readEvents();
@@ -142,7 +141,7 @@ private:
     int screenNumber_ = 0;
     const xcb_screen_t* screen_ = nullptr;
     Extensions extensions_;
-    std::array<xcb_atom_t, atomCount> atoms_{};
+    std::vector<xcb_atom_t> atoms_; ///< in the order of Atom
     std::size_t maximumRequestSize_ = 0;
     std::size_t roundTrips_ = 0;
 
@@ -153,11 +152,9 @@ private:
     bool dispatchScheduled_ = false;
     bool lossReported_ = false;
 
-    std::vector<RootWish> rootWishes_;
-    std::size_t nextRootWish_ = 0;
+    std::multiset<std::uint32_t> rootWishes_; ///< masks of events
 
-    /// Empty once this object is gone: tasks on the queue and tokens may outlive it.
-    std::shared_ptr<Connection*> self_ = std::make_shared<Connection*>(this);
+    Lifetime lifetime_;
     Token readable_;
 };
 

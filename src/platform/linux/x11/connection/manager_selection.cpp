@@ -13,13 +13,11 @@ ManagerSelection::ManagerSelection(Connection& connection, std::string_view sele
       events_(connection.onEvent([this](const auto& event) { handle(event); })) {
     auto* const c = connection.get();
     const std::string name = std::string(selection) + std::to_string(connection.screenNumber());
-    const auto atom = connection.reply(
-        xcb_intern_atom_reply,
-        xcb_intern_atom(c, 0, static_cast<std::uint16_t>(name.size()), name.data()));
-    if (!atom) {
+    const std::string_view names[] = {name};
+    selection_ = connection.intern(names).front();
+    if (selection_ == XCB_ATOM_NONE) {
         return;
     }
-    selection_ = atom->atom;
     xcb_xfixes_select_selection_input(c, connection.root(), selection_,
                                       XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |

@@ -1,7 +1,5 @@
 #include "platform/linux/x11/connection/property.h"
 
-#include <sstream>
-
 namespace lumetry::x11 {
 
 PropertyRequest requestProperty(Connection& connection, xcb_window_t window, xcb_atom_t property,
@@ -36,17 +34,6 @@ std::string text(Connection& connection, PropertyRequest request) {
         return {};
     }
     return {static_cast<const char*>(xcb_get_property_value(reply.get())), reply->value_len};
-}
-
-std::vector<std::string> separateTexts(const std::string& list) {
-    std::vector<std::string> texts;
-    std::istringstream stream(list);
-    for (std::string one; std::getline(stream, one, '\0');) {
-        if (!one.empty()) {
-            texts.push_back(one);
-        }
-    }
-    return texts;
 }
 
 } // namespace lumetry::x11

@@ -27,7 +27,4 @@ struct PropertyRequest {
 /// Texts of bytes; those of a list are separated by a zero byte. Empty when absent.
 [[nodiscard]] std::string text(Connection& connection, PropertyRequest request);
 
-/// The non-empty texts of a list.
-[[nodiscard]] std::vector<std::string> separateTexts(const std::string& list);
-
 } // namespace lumetry::x11

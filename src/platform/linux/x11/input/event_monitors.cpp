@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <memory>
 #include <utility>
 
 namespace lumetry::x11 {
@@ -50,26 +51,23 @@ Token X11EventMonitors::addGlobalMonitorForEvents(EventMask mask,
                 handler(event);
             }
         }));
-    ++count_;
     selectRawEvents();
-    return Token([self = std::weak_ptr(self_), inner] {
+    return Token(lifetime_.guard([this, inner] {
         inner->reset();
-        if (const auto monitors = self.lock()) {
-            --(*monitors)->count_;
-            (*monitors)->selectRawEvents();
-        }
-    });
+        selectRawEvents();
+    }));
 }
 
 void X11EventMonitors::selectRawEvents() {
-    if ((count_ > 0) == static_cast<bool>(events_)) {
+    const bool isWanted = !handlers_.isEmpty();
+    if (isWanted == static_cast<bool>(events_)) {
         return;
     }
     struct {
         xcb_input_event_mask_t header{XCB_INPUT_DEVICE_ALL_MASTER, 1};
         std::uint32_t mask = 0;
     } wish;
-    if (count_ > 0) {
+    if (isWanted) {
         wish.mask = XCB_INPUT_XI_EVENT_MASK_RAW_MOTION | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS |
                     XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
         events_ = connection_.onEvent([this](const auto& event) { handle(event); });
@@ -119,7 +117,8 @@ void X11EventMonitors::handleKey(std::uint32_t key, bool pressed) {
     // What was done with the pointer before the key is told before the key.
     deliverMotion();
     if (!ownWindowHasFocus()) {
-        deliver({modifier ? EventType::flagsChanged : EventType::keyDown, keyboard_.keyCode(key)});
+        handlers_.call(
+            {modifier ? EventType::flagsChanged : EventType::keyDown, keyboard_.keyCode(key)});
     }
 }
 
@@ -130,15 +129,11 @@ void X11EventMonitors::deliverMotion() {
         return;
     }
     if (moved) {
-        deliver({EventType::mouseMoved});
+        handlers_.call({EventType::mouseMoved});
     }
     if (scrolled) {
-        deliver({EventType::scrollWheel});
+        handlers_.call({EventType::scrollWheel});
     }
-}
-
-void X11EventMonitors::deliver(const Event& event) {
-    handlers_.call(event);
 }
 
 bool X11EventMonitors::pointerIsOnOwnWindow() {

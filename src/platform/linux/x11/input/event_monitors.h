@@ -1,14 +1,13 @@
 #pragma once
 
 #include "base/handler_list.h"
+#include "base/lifetime.h"
 #include "platform/input.h"
 #include "platform/linux/x11/connection/connection.h"
 #include "platform/linux/x11/input/keyboard.h"
 #include "platform/linux/x11/windows/windows.h"
 
-#include <cstddef>
 #include <functional>
-#include <memory>
 
 namespace lumetry::x11 {
 
@@ -26,7 +25,6 @@ private:
     void handle(const xcb_generic_event_t& event);
     void handleKey(std::uint32_t key, bool pressed);
     void deliverMotion();
-    void deliver(const Event& event);
     [[nodiscard]] bool pointerIsOnOwnWindow();
     [[nodiscard]] bool ownWindowHasFocus();
 
@@ -34,9 +32,7 @@ private:
     X11Windows& windows_;
     Keyboard& keyboard_;
     HandlerList<const Event&> handlers_;
-    std::size_t count_ = 0; ///< of monitors
-    /// Empty once this object is gone: tokens may outlive it.
-    std::shared_ptr<X11EventMonitors*> self_ = std::make_shared<X11EventMonitors*>(this);
+    Lifetime lifetime_;
     bool moved_ = false;
     bool scrolled_ = false;
     Token events_;

@@ -39,17 +39,6 @@ std::vector<std::uint16_t> subsetsOf(std::uint16_t bits) {
 X11HotKeys::X11HotKeys(Connection& connection, Keyboard& keyboard)
     : connection_(connection), keyboard_(keyboard) {}
 
-Token X11HotKeys::installEventHandler(Handler handler) {
-    const int number = ++lastNumber_;
-    handlers_.emplace_back(number, std::make_shared<Handler>(std::move(handler)));
-    return Token([self = std::weak_ptr(self_), number] {
-        if (const auto keys = self.lock()) {
-            std::erase_if((*keys)->handlers_,
-                          [number](const auto& entry) { return entry.first == number; });
-        }
-    });
-}
-
 Token X11HotKeys::registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers, HotKeyID id) {
     if (connection_.isLost()) {
         return {};
@@ -64,20 +53,17 @@ Token X11HotKeys::registerEventHotKey(std::uint32_t keyCode, std::uint32_t modif
     const int number = hotKey.number;
     hotKeys_.push_back(std::move(hotKey));
     awaitOthers();
-    return Token([self = std::weak_ptr(self_), number] {
-        const auto keys = self.lock();
-        if (!keys) {
-            return;
-        }
-        auto& all = (*keys)->hotKeys_;
-        const auto found = std::ranges::find(all, number, &HotKey::number);
-        for (const Combination& combination : found->grabbed) {
-            (*keys)->ungrab(combination);
-        }
-        (*keys)->connection_.flush();
-        all.erase(found);
-        (*keys)->awaitOthers();
-    });
+    return Token(lifetime_.guard([this, number] { unregister(number); }));
+}
+
+void X11HotKeys::unregister(int number) {
+    const auto found = std::ranges::find(hotKeys_, number, &HotKey::number);
+    for (const Combination& combination : found->grabbed) {
+        ungrab(combination);
+    }
+    connection_.flush();
+    hotKeys_.erase(found);
+    awaitOthers();
 }
 
 void X11HotKeys::grab(HotKey& hotKey) {
@@ -169,16 +155,10 @@ void X11HotKeys::press(const xcb_key_press_event_t& event) {
     });
     if (found != hotKeys_.end()) {
         heldKey_ = HeldKey{event.detail, event.time};
-        deliver(found->id);
+        const HotKeyEvent pressed{found->id};
+        // The newest that takes it keeps it from the others.
+        handlers_.callUntil(noErr, &pressed);
     }
-}
-
-void X11HotKeys::deliver(HotKeyID id) {
-    const HotKeyEvent pressed{id};
-    const auto handlers = handlers_;
-    // The newest that takes it keeps it from the others.
-    (void)std::any_of(handlers.rbegin(), handlers.rend(),
-                      [&](const auto& handler) { return (*handler.second)(&pressed) == noErr; });
 }
 
 } // namespace lumetry::x11

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/handler_list.h"
+#include "base/lifetime.h"
 #include "platform/hot_keys.h"
 #include "platform/linux/x11/connection/connection.h"
 #include "platform/linux/x11/input/freed_grabs.h"
@@ -9,7 +11,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -23,7 +24,9 @@ class X11HotKeys final : public HotKeys {
 public:
     X11HotKeys(Connection& connection, Keyboard& keyboard);
 
-    [[nodiscard]] Token installEventHandler(Handler handler) override;
+    [[nodiscard]] Token installEventHandler(Handler handler) override {
+        return handlers_.add(std::move(handler));
+    }
     [[nodiscard]] Token registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
                                             HotKeyID id) override;
     /// Calls the handler when a hot key turns out to be another client's, once.
@@ -50,9 +53,9 @@ private:
         xcb_timestamp_t lastPressed = 0; ///< milliseconds of the server
     };
 
+    void unregister(int number);
     void handle(const xcb_generic_event_t& event);
     void press(const xcb_key_press_event_t& event);
-    void deliver(HotKeyID id);
     /// Grabs what is to be grabbed and is not, then lets go what is grabbed and need not be.
     void grab(HotKey& hotKey);
     [[nodiscard]] std::vector<Combination> combinationsOf(const HotKey& hotKey);
@@ -64,14 +67,13 @@ private:
     Keyboard& keyboard_;
     std::optional<HeldKey> heldKey_; ///< of the hot key that was pressed last
     int lastNumber_ = 0;
-    std::vector<std::pair<int, std::shared_ptr<Handler>>> handlers_;
+    AnsweringHandlerList<EventStatus, const HotKeyEvent*> handlers_;
     std::vector<HotKey> hotKeys_;
     Token events_;
     Token keyboardChange_;
     std::optional<FreedGrabs> freedGrabs_; ///< while something is missing
     std::function<void()> onTaken_;
-    /// Empty once this object is gone: tokens may outlive it.
-    std::shared_ptr<X11HotKeys*> self_ = std::make_shared<X11HotKeys*>(this);
+    Lifetime lifetime_;
 };
 
 } // namespace lumetry::x11

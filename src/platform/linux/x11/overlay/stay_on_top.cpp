@@ -102,12 +102,10 @@ void StayOnTop::raiseSoon() {
         return;
     }
     scheduled_ = true;
-    runLoop.after(pause_ - since, [self = std::weak_ptr(self_)] {
-        if (const auto alive = self.lock()) {
-            (*alive)->scheduled_ = false;
-            (*alive)->raise();
-        }
-    });
+    runLoop.after(pause_ - since, lifetime_.guard([this] {
+        scheduled_ = false;
+        raise();
+    }));
 }
 
 void StayOnTop::raise() {

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "base/lifetime.h"
 #include "platform/linux/x11/connection/connection.h"
 
-#include <memory>
 #include <unordered_set>
 
 namespace lumetry::x11 {
@@ -33,7 +33,7 @@ private:
     double lastRaise_ = 0;                   ///< RunLoop::now
     double pause_ = 0;                       ///< seconds from one raise to the next
     bool scheduled_ = false;
-    std::shared_ptr<StayOnTop*> self_ = std::make_shared<StayOnTop*>(this);
+    Lifetime lifetime_;
     Token rootEvents_;
     Token events_;
     Token batches_;

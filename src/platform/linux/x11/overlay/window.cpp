@@ -192,12 +192,10 @@ void X11OverlayWindow::scheduleRepaint() {
         return;
     }
     repaintScheduled_ = true;
-    connection_.runLoop().async([self = std::weak_ptr(self_)] {
-        if (const auto alive = self.lock()) {
-            (*alive)->repaintScheduled_ = false;
-            (*alive)->repaint();
-        }
-    });
+    connection_.runLoop().async(lifetime_.guard([this] {
+        repaintScheduled_ = false;
+        repaint();
+    }));
 }
 
 void X11OverlayWindow::repaint() {

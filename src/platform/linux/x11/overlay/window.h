@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/lifetime.h"
 #include "platform/linux/x11/capture/backdrop.h"
 #include "platform/linux/x11/capture/redirection.h"
 #include "platform/linux/x11/connection/connection.h"
@@ -71,7 +72,7 @@ private:
     std::vector<Rect> uncovered_; ///< pixels of its view space; what has to be put in again
     bool viewChanged_ = false;
     bool repaintScheduled_ = false;
-    std::shared_ptr<X11OverlayWindow*> self_ = std::make_shared<X11OverlayWindow*>(this);
+    Lifetime lifetime_;
     Token events_;
     Token compositing_;
     Token scaleChange_;

@@ -1,5 +1,7 @@
 #include "platform/linux/x11/windows/owner.h"
 
+#include "base/text.h"
+
 #include <unistd.h>
 
 #include <array>
@@ -50,7 +52,7 @@ std::optional<pid_t> takeOwner(Connection& connection, const OwnerRequest& reque
         }
     }
     const auto claimed = firstNumber(connection, request.pid);
-    const auto machine = separateTexts(text(connection, request.machine));
+    const auto machine = nonEmptyParts(text(connection, request.machine), '\0');
     if (known || !claimed || *claimed == 0 || machine.empty() ||
         machine.front() != nameOfThisMachine()) {
         return known;

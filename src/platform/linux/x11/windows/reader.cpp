@@ -1,5 +1,6 @@
 #include "platform/linux/x11/windows/reader.h"
 
+#include "base/text.h"
 #include "platform/linux/x11/connection/property.h"
 #include "platform/linux/x11/windows/owner.h"
 
@@ -112,7 +113,7 @@ WindowProperties takeProperties(Connection& connection, const DetailsRequest& re
     properties.strut = strutOf(partial, numbers(connection, request.strut));
     for (const PropertyRequest list :
          {request.wmClass, request.gtkApplication, request.kdeDesktopFile}) {
-        for (auto& one : separateTexts(text(connection, list))) {
+        for (auto& one : nonEmptyParts(text(connection, list), '\0')) {
             properties.classes.push_back(std::move(one));
         }
     }
