@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/geometry.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <limits>
@@ -51,6 +53,16 @@ struct IntRect {
     friend bool operator==(const IntRect&, const IntRect&) = default;
 };
 /// @}
+
+[[nodiscard]] constexpr Rect toRect(const IntRect& rect) {
+    return {static_cast<double>(rect.x), static_cast<double>(rect.y),
+            static_cast<double>(rect.width), static_cast<double>(rect.height)};
+}
+
+/// Counted from the other end of that height (the same either way).
+[[nodiscard]] constexpr IntRect flipped(const IntRect& rect, std::int32_t height) {
+    return {rect.x, height - rect.y - rect.height, rect.width, rect.height};
+}
 
 /// What both cover; empty, with no size, where they do not meet.
 [[nodiscard]] constexpr IntRect intersect(const IntRect& a, const IntRect& b) {

@@ -1,5 +1,4 @@
-#include "platform/linux/x11/overlay/opaque_parts.h"
-#include "platform/linux/x11/overlay/pixel_format.h"
+#include "platform/linux/x11/overlay/pixels.h"
 
 #include <gmock/gmock.h>
 
@@ -36,17 +35,17 @@ TEST(OpaqueParts, AreFoundExactly) {
         const auto parts = opaqueParts(bitmap, {100, 50});
         for (int y = 0; y < bitmap.height; ++y) {
             for (int x = 0; x < bitmap.width; ++x) {
-                const Point point = {100.0 + x, 50.0 + y};
+                const IntPoint point = {100 + x, 50 + y};
                 const auto holding =
                     std::count_if(parts.begin(), parts.end(),
-                                  [&](const Rect& part) { return part.contains(point); });
+                                  [&](const IntRect& part) { return part.contains(point); });
                 const auto row = rows[static_cast<std::size_t>(y)];
                 EXPECT_EQ(holding, row[static_cast<std::size_t>(x)] == '#' ? 1 : 0)
                     << rows.front() << ' ' << x << ' ' << y;
             }
         }
     }
-    EXPECT_THAT(opaqueParts(drawn({"####", "####"}), {}), ElementsAre(Rect{0, 0, 4, 2}));
+    EXPECT_THAT(opaqueParts(drawn({"####", "####"}), {}), ElementsAre(IntRect{0, 0, 4, 2}));
 }
 
 PixelFormat format(unsigned bitsPerPixel, std::uint32_t red, std::uint32_t green,

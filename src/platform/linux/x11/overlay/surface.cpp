@@ -1,24 +1,21 @@
 #include "platform/linux/x11/overlay/surface.h"
 
-#include "platform/linux/x11/overlay/opaque_parts.h"
-
 #include <xcb/shape.h>
 #include <xcb/xfixes.h>
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace lumetry::x11 {
 namespace {
 
 /// A large rectangle is drawn in bands of at most that many pixels, to bound what is held of it.
-constexpr double pixelsPerBand = 128 * 1024;
+constexpr int pixelsPerBand = 128 * 1024;
 
-std::vector<xcb_rectangle_t> asRectangles(std::span<const Rect> rects) {
+std::vector<xcb_rectangle_t> asRectangles(std::span<const IntRect> rects) {
     std::vector<xcb_rectangle_t> rectangles;
     rectangles.reserve(rects.size());
-    for (const Rect& rect : rects) {
+    for (const IntRect& rect : rects) {
         rectangles.push_back({static_cast<std::int16_t>(rect.x), static_cast<std::int16_t>(rect.y),
                               static_cast<std::uint16_t>(rect.width),
                               static_cast<std::uint16_t>(rect.height)});
@@ -27,10 +24,10 @@ std::vector<xcb_rectangle_t> asRectangles(std::span<const Rect> rects) {
 }
 
 /// Rectangles of view space in the window, whose y grows downwards.
-std::vector<Rect> inWindow(std::span<const Rect> rects, Size view) {
-    std::vector<Rect> turned;
+std::vector<IntRect> inWindow(std::span<const IntRect> rects, IntSize view) {
+    std::vector<IntRect> turned;
     turned.reserve(rects.size());
-    for (const Rect& rect : rects) {
+    for (const IntRect& rect : rects) {
         turned.push_back(flipped(rect, view.height));
     }
     return turned;
@@ -38,7 +35,7 @@ std::vector<Rect> inWindow(std::span<const Rect> rects, Size view) {
 
 /// Calls the function with so many rectangles at a time as fit into one request.
 template<class Function>
-void inRequests(std::span<const Rect> rects, std::size_t maximumSize, Function function) {
+void inRequests(std::span<const IntRect> rects, std::size_t maximumSize, Function function) {
     constexpr std::size_t requestHead = 64;
     const std::size_t most =
         std::max<std::size_t>((maximumSize - requestHead) / sizeof(xcb_rectangle_t), 1);
@@ -103,34 +100,78 @@ OverlaySurface::Batch OverlaySurface::prepare(const Painting& painting,
     }
     for (const TilePlan::Uniform& uniform : plan.uniform) {
         const Bitmap sample =
-            rasterizer.rasterize(list, {uniform.sample.x, uniform.sample.y, 1, 1}, edges_);
-        const auto turned = inWindow(uniform.areas, view);
-        if (edges_ == Edges::hard && opaqueParts(sample, {}).empty()) {
-            continue;
-        }
-        batch.opaque.insert(batch.opaque.end(), turned.begin(), turned.end());
-        batch.filled.push_back({pixelOf(format_, sample.at(0, 0)), turned});
+            rasterizer.rasterize(list, toRect({uniform.sample.x, uniform.sample.y, 1, 1}), edges_);
+        addFilled(batch, sample.at(0, 0), inWindow(uniform.areas, view));
     }
-    for (const Rect& rect : plan.rasterized) {
-        const double rows = std::max(std::floor(pixelsPerBand / rect.width), 1.0);
-        Rect left = rect;
-        while (!left.isEmpty()) {
-            const Rect band = {left.x, left.y, left.width, std::min(rows, left.height)};
-            left.y += band.height;
-            left.height -= band.height;
-            Put one = {flipped(band, view.height).origin(),
-                       rasterizer.rasterize(list, band, edges_)};
-            if (edges_ == Edges::hard) {
-                const auto parts = opaqueParts(one.bitmap, one.origin);
-                batch.opaque.insert(batch.opaque.end(), parts.begin(), parts.end());
-                if (parts.empty()) {
-                    continue;
-                }
-            }
-            batch.puts.push_back(std::move(one));
-        }
+    for (const TilePlan::Striped& striped : plan.striped) {
+        addStripes(batch, striped, rasterizer.rasterize(list, toRect(striped.sample), edges_),
+                   view.height);
+    }
+    for (const IntRect& rect : plan.rasterized) {
+        addPuts(batch, rect, painting, rasterizer);
     }
     return batch;
+}
+
+void OverlaySurface::addFilled(Batch& batch, std::uint32_t color,
+                               std::span<const IntRect> areas) const {
+    if (edges_ == Edges::hard) {
+        if (!isOpaque(color)) {
+            return;
+        }
+        batch.opaque.insert(batch.opaque.end(), areas.begin(), areas.end());
+    }
+    const std::uint32_t pixel = pixelOf(format_, color);
+    auto filled = std::ranges::find(batch.filled, pixel, &Filled::pixel);
+    if (filled == batch.filled.end()) {
+        filled = batch.filled.insert(filled, {pixel, {}});
+    }
+    filled->areas.insert(filled->areas.end(), areas.begin(), areas.end());
+}
+
+void OverlaySurface::addStripes(Batch& batch, const TilePlan::Striped& striped,
+                                const Bitmap& sample, std::int32_t viewHeight) const {
+    const auto count = static_cast<std::int32_t>(sample.pixels.size());
+    for (std::int32_t start = 0, end = 0; start < count; start = end) {
+        const std::uint32_t color = sample.pixels[static_cast<std::size_t>(start)];
+        while (end < count && sample.pixels[static_cast<std::size_t>(end)] == color) {
+            ++end;
+        }
+        std::vector<IntRect> stripes;
+        for (const IntRect& area : striped.areas) {
+            IntRect stripe = flipped(area, viewHeight);
+            if (striped.upright) {
+                stripe.x += start;
+                stripe.width = end - start;
+            } else {
+                stripe.y += start;
+                stripe.height = end - start;
+            }
+            stripes.push_back(stripe);
+        }
+        addFilled(batch, color, stripes);
+    }
+}
+
+void OverlaySurface::addPuts(Batch& batch, const IntRect& rect, const Painting& painting,
+                             const Rasterizer& rasterizer) const {
+    const int rows = std::max(pixelsPerBand / rect.width, 1);
+    IntRect left = rect;
+    while (!left.isEmpty()) {
+        const IntRect band = {left.x, left.y, left.width, std::min(rows, left.height)};
+        left.y += band.height;
+        left.height -= band.height;
+        Put one = {flipped(band, painting.view.height).origin(),
+                   rasterizer.rasterize(painting.list, toRect(band), edges_)};
+        if (edges_ == Edges::hard) {
+            const auto parts = opaqueParts(one.bitmap, one.origin);
+            batch.opaque.insert(batch.opaque.end(), parts.begin(), parts.end());
+            if (parts.empty()) {
+                continue;
+            }
+        }
+        batch.puts.push_back(std::move(one));
+    }
 }
 
 void OverlaySurface::paint(const Painting& painting, const Rasterizer& rasterizer) {
@@ -154,7 +195,7 @@ void OverlaySurface::reshape(const Batch& batch) {
     auto* const c = connection_.get();
     const xcb_xfixes_region_t part = xcb_generate_id(c);
     xcb_xfixes_create_region(c, part, 0, nullptr);
-    const auto combine = [&](std::span<const Rect> rects, auto operation) {
+    const auto combine = [&](std::span<const IntRect> rects, auto operation) {
         inRequests(rects, connection_.maximumRequestSize(),
                    [&](std::uint32_t count, const xcb_rectangle_t* rectangles) {
                        xcb_xfixes_set_region(c, part, count, rectangles);
@@ -198,8 +239,7 @@ void OverlaySurface::put(const Put& put) {
 
 bool OverlaySurface::hasPainted(const xcb_generic_event_t& exposure) const {
     const auto& event = eventAs<xcb_expose_event_t>(exposure);
-    const Rect rect = {static_cast<double>(event.x), static_cast<double>(event.y),
-                       static_cast<double>(event.width), static_cast<double>(event.height)};
+    const IntRect rect = {event.x, event.y, event.width, event.height};
     // Request numbers wrap around.
     const auto distance = static_cast<std::int32_t>(exposure.full_sequence - lastPaintBegan_);
     return distance < 0 && covers(lastTouched_, rect);

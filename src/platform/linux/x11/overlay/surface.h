@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/linux/x11/connection/connection.h"
-#include "platform/linux/x11/overlay/pixel_format.h"
+#include "platform/linux/x11/overlay/pixels.h"
 #include "platform/linux/x11/overlay/tiles.h"
 #include "platform/rasterizer.h"
 
@@ -15,7 +15,7 @@ namespace lumetry::x11 {
 struct Painting {
     const DisplayList& list;
     std::span<const Rect> areas; ///< pixels of view space, like all here
-    Size view;
+    IntSize view;
     const DisplayList* before = nullptr; ///< what the areas show now; null when that is not known
 };
 
@@ -42,21 +42,27 @@ public:
 private:
     struct Filled {
         std::uint32_t pixel;
-        std::vector<Rect> areas; ///< of the window, y downwards
+        std::vector<IntRect> areas; ///< of the window, y downwards
     };
     struct Put {
-        Point origin; ///< in the window, y downwards
+        IntPoint origin; ///< in the window, y downwards
         Bitmap bitmap;
     };
     /// What one painting sends.
     struct Batch {
-        std::vector<Rect> touched;
-        std::vector<Rect> opaque;
+        std::vector<IntRect> touched;
+        std::vector<IntRect> opaque;
         std::vector<Filled> filled;
         std::vector<Put> puts;
     };
 
     [[nodiscard]] Batch prepare(const Painting& painting, const Rasterizer& rasterizer) const;
+    /// @param areas of the window, y downwards
+    void addFilled(Batch& batch, std::uint32_t color, std::span<const IntRect> areas) const;
+    void addStripes(Batch& batch, const TilePlan::Striped& striped, const Bitmap& sample,
+                    std::int32_t viewHeight) const;
+    void addPuts(Batch& batch, const IntRect& rect, const Painting& painting,
+                 const Rasterizer& rasterizer) const;
     void reshape(const Batch& batch);
     void fill(const Filled& filled);
     void put(const Put& put);
@@ -68,7 +74,7 @@ private:
     std::uint32_t foreground_ = 0;
     Edges edges_ = Edges::hard;
     std::uint32_t shape_; ///< region of the window that is there, while edges are hard
-    std::vector<Rect> lastTouched_;
+    std::vector<IntRect> lastTouched_;
     std::uint32_t lastPaintBegan_ = 0; ///< number of the first request of the last painting
 };
 

@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <compare>
 #include <cstddef>
+#include <cstdint>
+#include <iterator>
 #include <map>
 #include <numeric>
 #include <tuple>
@@ -13,13 +16,19 @@ namespace lumetry::x11 {
 namespace {
 
 /// Pixels. Smaller tiles would follow edges more closely, but each has its own cost.
-constexpr double tileSize = 16;
+constexpr int tileSize = 16;
 
 /// How far from its outline a shape may show or fail to: for smoothing, and for outlines that are
 /// moved onto whole pixels.
 constexpr double edgeSpare = 1;
 
-enum class Touch { none, evenly, partly };
+enum class Touch {
+    none,
+    evenly,
+    inColumns, ///< along an upright edge: the same in every row
+    inRows,    ///< along a level edge: the same in every column
+    partly,
+};
 
 bool within(const Rect& tile, const Rect& rect) {
     return !rect.isNull() && tile.minX() >= rect.minX() && tile.maxX() <= rect.maxX() &&
@@ -33,17 +42,31 @@ bool isInside(const Rect& tile, const Rect& rect, double radius, double margin) 
            within(tile, inset(rect, margin + corner, margin));
 }
 
+/// How the outline of a rounded rectangle runs through a tile.
+/// @param margin how far from the outline it may show
+Touch alongEdge(const Rect& tile, const Rect& rect, double radius, double margin) {
+    const double corner = std::min({radius, rect.width / 2, rect.height / 2}) + margin;
+    if (tile.minY() >= rect.minY() + corner && tile.maxY() <= rect.maxY() - corner) {
+        return Touch::inColumns;
+    }
+    return tile.minX() >= rect.minX() + corner && tile.maxX() <= rect.maxX() - corner
+               ? Touch::inRows
+               : Touch::partly;
+}
+
 struct TouchOf {
     const Rect& tile;
 
     Touch operator()(const FillRoundedRect& command) const {
-        return isInside(tile, command.rect, command.radius, edgeSpare) ? Touch::evenly
-                                                                       : Touch::partly;
+        return isInside(tile, command.rect, command.radius, edgeSpare)
+                   ? Touch::evenly
+                   : alongEdge(tile, command.rect, command.radius, edgeSpare);
     }
     Touch operator()(const StrokeRoundedRect& command) const {
-        return isInside(tile, command.rect, command.radius, command.lineWidth / 2 + edgeSpare)
+        const double margin = command.lineWidth / 2 + edgeSpare;
+        return isInside(tile, command.rect, command.radius, margin)
                    ? Touch::none
-                   : Touch::partly;
+                   : alongEdge(tile, command.rect, command.radius, margin);
     }
     template<class Command>
     Touch operator()(const Command&) const {
@@ -57,11 +80,11 @@ Touch touchOf(const DrawCommand& command, const Rect& tile) {
 }
 
 /// Joins neighbours into larger rectangles.
-void merge(std::vector<Rect>& rects) {
+void merge(std::vector<IntRect>& rects) {
     const auto join = [&rects](auto order, auto adjacent, auto extend) {
         std::ranges::sort(rects, {}, order);
-        std::vector<Rect> joined;
-        for (const Rect& rect : rects) {
+        std::vector<IntRect> joined;
+        for (const IntRect& rect : rects) {
             if (!joined.empty() && adjacent(joined.back(), rect)) {
                 extend(joined.back(), rect);
             } else {
@@ -70,30 +93,35 @@ void merge(std::vector<Rect>& rects) {
         }
         rects = std::move(joined);
     };
-    join([](const Rect& r) { return std::tuple(r.y, r.height, r.x); },
-         [](const Rect& a, const Rect& b) {
-             return a.y == b.y && a.height == b.height && a.maxX() == b.x;
+    join([](const IntRect& r) { return std::tuple(r.y, r.height, r.x); },
+         [](const IntRect& a, const IntRect& b) {
+             return a.y == b.y && a.height == b.height && a.endX() == b.x;
          },
-         [](Rect& a, const Rect& b) { a.width += b.width; });
-    join([](const Rect& r) { return std::tuple(r.x, r.width, r.y); },
-         [](const Rect& a, const Rect& b) {
-             return a.x == b.x && a.width == b.width && a.maxY() == b.y;
+         [](IntRect& a, const IntRect& b) { a.width += b.width; });
+    join([](const IntRect& r) { return std::tuple(r.x, r.width, r.y); },
+         [](const IntRect& a, const IntRect& b) {
+             return a.x == b.x && a.width == b.width && a.endY() == b.y;
          },
-         [](Rect& a, const Rect& b) { a.height += b.height; });
+         [](IntRect& a, const IntRect& b) { a.height += b.height; });
 }
 
 /// What a drawing does to one tile.
 struct TileContent {
     std::vector<std::size_t> touching; ///< numbers of commands
-    bool even = true;                  ///< one colour throughout
+    bool inColumns = true;             ///< one colour in each column
+    bool inRows = true;                ///< one colour in each row
+
+    [[nodiscard]] bool even() const { return inColumns && inRows; }
 };
 
 TileContent contentOf(const DisplayList& list, std::span<const std::size_t> commands,
-                      const Rect& tile) {
+                      const IntRect& tile) {
     TileContent content;
+    const Rect area = toRect(tile);
     for (const std::size_t index : commands) {
-        const Touch touch = touchOf(list[index], tile);
-        content.even = content.even && touch != Touch::partly;
+        const Touch touch = touchOf(list[index], area);
+        content.inColumns = content.inColumns && touch != Touch::partly && touch != Touch::inRows;
+        content.inRows = content.inRows && touch != Touch::partly && touch != Touch::inColumns;
         if (touch != Touch::none) {
             content.touching.push_back(index);
         }
@@ -111,12 +139,13 @@ class Planner {
 public:
     Planner(const DisplayList& list, const DisplayList* before) : list_(list), before_(before) {}
 
-    void divide(const Rect& tile, std::span<const Rect> areas,
+    void divide(const IntRect& tile, std::span<const Rect> areas,
                 std::span<const std::size_t> commands,
                 std::span<const std::size_t> commandsBefore) {
         std::vector<Rect> areasHere;
-        std::ranges::copy_if(areas, std::back_inserter(areasHere),
-                             [&](const Rect& area) { return !intersect(area, tile).isNull(); });
+        std::ranges::copy_if(
+            areas, std::back_inserter(areasHere),
+            [whole = toRect(tile)](const Rect& area) { return !intersect(area, whole).isNull(); });
         if (areasHere.empty()) {
             return;
         }
@@ -124,13 +153,13 @@ public:
         const TileContent then =
             before_ ? contentOf(*before_, commandsBefore, tile) : TileContent{};
         const bool small = tile.width <= tileSize && tile.height <= tileSize;
-        if (!small && (!now.even || !then.even)) {
+        if (!small && !(now.even() && then.even())) {
             const auto [first, second] = halves(tile);
             divide(first, areasHere, now.touching, then.touching);
             divide(second, areasHere, now.touching, then.touching);
-        } else if (!now.even) {
-            plan_.rasterized.push_back(tile);
-        } else if (before_ && then.even && sameColor(now, then)) {
+        } else if (!now.even()) {
+            addUneven(tile, now);
+        } else if (before_ && then.even() && sameColor(now, then)) {
             return;
         } else if (now.touching.empty()) {
             plan_.cleared.push_back(tile);
@@ -143,14 +172,40 @@ public:
         merge(plan_.cleared);
         merge(plan_.rasterized);
         for (auto& [commands, areas] : uniform_) {
-            const Point sample = areas.front().origin();
+            const IntPoint sample = areas.front().origin();
             merge(areas);
             plan_.uniform.push_back({sample, std::move(areas)});
+        }
+        for (auto& [stripes, areas] : striped_) {
+            IntRect sample = areas.front();
+            (stripes.upright ? sample.height : sample.width) = 1;
+            merge(areas);
+            plan_.striped.push_back({sample, stripes.upright, std::move(areas)});
         }
         return std::move(plan_);
     }
 
 private:
+    /// What makes stripes the same in several tiles.
+    struct Stripes {
+        bool upright;
+        int start;  ///< of the columns or rows
+        int length; ///< likewise
+        std::vector<std::size_t> commands;
+
+        auto operator<=>(const Stripes&) const = default;
+    };
+
+    void addUneven(const IntRect& tile, const TileContent& content) {
+        if (content.inColumns) {
+            striped_[{true, tile.x, tile.width, content.touching}].push_back(tile);
+        } else if (content.inRows) {
+            striped_[{false, tile.y, tile.height, content.touching}].push_back(tile);
+        } else {
+            plan_.rasterized.push_back(tile);
+        }
+    }
+
     /// Only fills touch a tile evenly.
     [[nodiscard]] bool sameColor(const TileContent& now, const TileContent& then) const {
         const auto color = [](const DisplayList& list, std::size_t index) {
@@ -161,12 +216,12 @@ private:
         });
     }
 
-    static std::pair<Rect, Rect> halves(const Rect& tile) {
-        const auto half = [](double length) {
-            return std::max(std::round(length / 2 / tileSize) * tileSize, tileSize);
+    static std::pair<IntRect, IntRect> halves(const IntRect& tile) {
+        const auto half = [](int length) {
+            return std::max((length + tileSize) / (2 * tileSize) * tileSize, tileSize);
         };
-        Rect first = tile;
-        Rect second = tile;
+        IntRect first = tile;
+        IntRect second = tile;
         if (tile.width > tile.height) {
             first.width = half(tile.width);
             second.x += first.width;
@@ -183,33 +238,45 @@ private:
     const DisplayList* before_;
     TilePlan plan_;
     /// By the commands that make up the colour.
-    std::map<std::vector<std::size_t>, std::vector<Rect>> uniform_;
+    std::map<std::vector<std::size_t>, std::vector<IntRect>> uniform_;
+    std::map<Stripes, std::vector<IntRect>> striped_;
 };
 
-Rect onTiles(const Rect& rect) {
-    const double left = std::floor(rect.minX() / tileSize) * tileSize;
-    const double bottom = std::floor(rect.minY() / tileSize) * tileSize;
-    return {left, bottom, std::ceil(rect.maxX() / tileSize) * tileSize - left,
-            std::ceil(rect.maxY() / tileSize) * tileSize - bottom};
+/// @param rect within the view
+IntRect onTiles(const Rect& rect) {
+    const auto down = [](double place) {
+        return static_cast<int>(std::floor(place / tileSize)) * tileSize;
+    };
+    const auto up = [](double place) {
+        return static_cast<int>(std::ceil(place / tileSize)) * tileSize;
+    };
+    return IntRect::between({down(rect.minX()), down(rect.minY())}, up(rect.maxX()),
+                            up(rect.maxY()));
 }
 
 } // namespace
 
-std::vector<Rect> TilePlan::all() const {
-    std::vector<Rect> pieces = cleared;
+std::vector<IntRect> TilePlan::all() const {
+    std::vector<IntRect> pieces = cleared;
+    const auto add = [&pieces](const std::vector<IntRect>& areas) {
+        pieces.insert(pieces.end(), areas.begin(), areas.end());
+    };
     for (const Uniform& one : uniform) {
-        pieces.insert(pieces.end(), one.areas.begin(), one.areas.end());
+        add(one.areas);
     }
-    pieces.insert(pieces.end(), rasterized.begin(), rasterized.end());
+    for (const Striped& one : striped) {
+        add(one.areas);
+    }
+    add(rasterized);
     return pieces;
 }
 
-TilePlan planTiles(const DisplayList& list, std::span<const Rect> areas, Size view,
+TilePlan planTiles(const DisplayList& list, std::span<const Rect> areas, IntSize view,
                    const DisplayList* before) {
-    const Rect whole = {0, 0, view.width, view.height};
+    const IntRect whole = {0, 0, view.width, view.height};
     Rect bounds = Rect::null();
     for (const Rect& area : areas) {
-        bounds = unite(bounds, intersect(area, whole));
+        bounds = unite(bounds, intersect(area, toRect(whole)));
     }
     Planner planner(list, before);
     if (!bounds.isNull()) {
@@ -219,23 +286,25 @@ TilePlan planTiles(const DisplayList& list, std::span<const Rect> areas, Size vi
     return planner.take();
 }
 
-bool covers(std::span<const Rect> pieces, const Rect& rect) {
-    std::vector<Rect> left = {rect};
-    for (const Rect& piece : pieces) {
-        std::vector<Rect> next;
-        for (const Rect& one : left) {
-            const Rect shared = intersect(one, piece);
-            if (shared.isNull()) {
+bool covers(std::span<const IntRect> pieces, const IntRect& rect) {
+    std::vector<IntRect> left = {rect};
+    for (const IntRect& piece : pieces) {
+        std::vector<IntRect> next;
+        for (const IntRect& one : left) {
+            const IntRect shared = intersect(one, piece);
+            if (shared.isEmpty()) {
                 next.push_back(one);
                 continue;
             }
-            const std::array<Rect, 4> around = {
-                {{one.x, one.y, one.width, shared.y - one.y},
-                 {one.x, shared.maxY(), one.width, one.maxY() - shared.maxY()},
-                 {one.x, shared.y, shared.x - one.x, shared.height},
-                 {shared.maxX(), shared.y, one.maxX() - shared.maxX(), shared.height}}};
+            const auto endX = static_cast<std::int32_t>(shared.endX());
+            const auto endY = static_cast<std::int32_t>(shared.endY());
+            const std::array<IntRect, 4> around = {
+                IntRect::between(one.origin(), one.endX(), shared.y),
+                IntRect::between({one.x, endY}, one.endX(), one.endY()),
+                IntRect::between({one.x, shared.y}, shared.x, endY),
+                IntRect::between({endX, shared.y}, one.endX(), endY)};
             std::ranges::copy_if(around, std::back_inserter(next),
-                                 [](const Rect& part) { return !part.isEmpty(); });
+                                 [](const IntRect& part) { return !part.isEmpty(); });
         }
         left = std::move(next);
     }

@@ -11,6 +11,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -39,11 +40,14 @@ void setNumber(Connection& connection, xcb_window_t window, Atom property, xcb_a
 }
 
 /// A place that a window can have.
-Rect wholePixels(const Rect& onRoot) {
+IntRect wholePixels(const Rect& onRoot) {
     constexpr double largest = 0x7FFF;
     const Rect rect = onRoot.isEmpty() ? Rect{0, 0, 1, 1} : onRoot;
-    return {std::round(rect.x), std::round(rect.y), std::clamp(std::round(rect.width), 1., largest),
-            std::clamp(std::round(rect.height), 1., largest)};
+    const auto within = [largest](double length, double low) {
+        return static_cast<std::int32_t>(std::clamp(std::round(length), low, largest));
+    };
+    return {within(rect.x, -largest), within(rect.y, -largest), within(rect.width, 1),
+            within(rect.height, 1)};
 }
 
 } // namespace
@@ -130,14 +134,13 @@ void X11OverlayWindow::setContentView(ContentView& view) {
 }
 
 Rect X11OverlayWindow::frame() const {
-    return surroundings_.windows.layout().toScreenSpace(onRoot_);
+    return surroundings_.windows.layout().toScreenSpace(toRect(onRoot_));
 }
 
 void X11OverlayWindow::setFrame(const Rect& frame) {
     onRoot_ = wholePixels(surroundings_.windows.layout().fromScreenSpace(frame));
     const std::array<std::uint32_t, 4> values = {
-        static_cast<std::uint32_t>(static_cast<std::int32_t>(onRoot_.x)),
-        static_cast<std::uint32_t>(static_cast<std::int32_t>(onRoot_.y)),
+        static_cast<std::uint32_t>(onRoot_.x), static_cast<std::uint32_t>(onRoot_.y),
         static_cast<std::uint32_t>(onRoot_.width), static_cast<std::uint32_t>(onRoot_.height)};
     xcb_configure_window(connection_.get(), window_,
                          XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
@@ -183,7 +186,7 @@ void X11OverlayWindow::setNeedsDisplay() {
 }
 
 void X11OverlayWindow::repaintEverything() {
-    uncovered_ = {{0, 0, onRoot_.width, onRoot_.height}};
+    uncovered_ = {toRect({0, 0, onRoot_.width, onRoot_.height})};
     scheduleRepaint();
 }
 
@@ -253,9 +256,8 @@ void X11OverlayWindow::handle(const xcb_generic_event_t& event) {
     if (expose.window != window_ || surface_->hasPainted(event)) {
         return;
     }
-    const Rect rect = {static_cast<double>(expose.x), static_cast<double>(expose.y),
-                       static_cast<double>(expose.width), static_cast<double>(expose.height)};
-    uncovered_.push_back(flipped(rect, onRoot_.height));
+    const IntRect rect = {expose.x, expose.y, expose.width, expose.height};
+    uncovered_.push_back(toRect(flipped(rect, onRoot_.height)));
     scheduleRepaint();
 }
 

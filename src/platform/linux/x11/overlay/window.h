@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/int_geometry.h"
 #include "base/lifetime.h"
 #include "platform/linux/x11/capture/backdrop.h"
 #include "platform/linux/x11/capture/redirection.h"
@@ -59,7 +60,7 @@ private:
     OverlaySurroundings surroundings_;
     Connection& connection_;
     PixelFormat format_;
-    Rect onRoot_; ///< its frame in whole device pixels: there it stays when the screens move
+    IntRect onRoot_; ///< its frame in device pixels: there it stays when the screens move
     xcb_window_t window_ = XCB_WINDOW_NONE;
     xcb_colormap_t colormap_ = XCB_COLORMAP_NONE;
     std::optional<OverlaySurface> surface_;

@@ -1,7 +1,9 @@
-#include "platform/linux/x11/overlay/pixel_format.h"
+#include "platform/linux/x11/overlay/pixels.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
+#include <utility>
 
 namespace lumetry::x11 {
 namespace {
@@ -62,6 +64,21 @@ std::optional<PixelFormat> findFormat(const xcb_setup_t& setup, const xcb_screen
     return std::nullopt;
 }
 
+std::vector<IntRect> runsOf(const Bitmap& bitmap, int row, IntPoint origin) {
+    std::vector<IntRect> runs;
+    for (int x = 0; x < bitmap.width; ++x) {
+        if (!isOpaque(bitmap.at(x, row))) {
+            continue;
+        }
+        const int start = x;
+        while (x < bitmap.width && isOpaque(bitmap.at(x, row))) {
+            ++x;
+        }
+        runs.push_back({origin.x + start, origin.y + row, x - start, 1});
+    }
+    return runs;
+}
+
 } // namespace
 
 std::optional<PixelFormat> translucentFormat(const xcb_setup_t& setup, const xcb_screen_t& screen) {
@@ -87,6 +104,12 @@ std::uint32_t pixelOf(const PixelFormat& format, std::uint32_t color) {
                               placed((color & greenBits) >> greenShift, format.greenMask) |
                               placed(color & blueBits, format.blueMask);
     return format.hasAlpha ? rgb | (color & 0xFF000000) : rgb;
+}
+
+bool isOpaque(std::uint32_t color) {
+    constexpr unsigned alphaShift = 24;
+    constexpr std::uint32_t leastAlpha = 128;
+    return (color >> alphaShift) >= leastAlpha;
 }
 
 std::size_t bytesPerRow(const PixelFormat& format, int width) {
@@ -118,6 +141,28 @@ std::vector<std::uint8_t> packed(const PixelFormat& format, const Bitmap& bitmap
         }
     }
     return bytes;
+}
+
+std::vector<IntRect> opaqueParts(const Bitmap& bitmap, IntPoint origin) {
+    std::vector<IntRect> parts;
+    std::vector<IntRect> open; // those that reach down to the row before
+    for (int row = 0; row < bitmap.height; ++row) {
+        std::vector<IntRect> runs = runsOf(bitmap, row, origin);
+        for (IntRect& run : runs) {
+            const auto above = std::ranges::find_if(open, [&](const IntRect& part) {
+                return part.x == run.x && part.width == run.width;
+            });
+            if (above != open.end()) {
+                run.y = above->y;
+                run.height = above->height + 1;
+                open.erase(above);
+            }
+        }
+        parts.insert(parts.end(), open.begin(), open.end());
+        open = std::move(runs);
+    }
+    parts.insert(parts.end(), open.begin(), open.end());
+    return parts;
 }
 
 } // namespace lumetry::x11

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/bitmap.h"
+#include "base/int_geometry.h"
 
 #include <xcb/xcb.h>
 
@@ -34,10 +35,17 @@ struct PixelFormat {
 /// @param color premultiplied 0xAARRGGBB
 [[nodiscard]] std::uint32_t pixelOf(const PixelFormat& format, std::uint32_t color);
 
+/// Whether a window with hard edges is there at a pixel of that colour.
+[[nodiscard]] bool isOpaque(std::uint32_t color);
+
 [[nodiscard]] std::size_t bytesPerRow(const PixelFormat& format, int width);
 
 /// Rows of the bitmap as the server takes them.
 [[nodiscard]] std::vector<std::uint8_t> packed(const PixelFormat& format, const Bitmap& bitmap,
                                                int firstRow, int rows);
+
+/// The opaque pixels of a bitmap as rectangles that do not overlap.
+/// @param origin of the bitmap's top-left pixel; y grows downwards
+[[nodiscard]] std::vector<IntRect> opaqueParts(const Bitmap& bitmap, IntPoint origin);
 
 } // namespace lumetry::x11
