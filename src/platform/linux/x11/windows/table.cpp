@@ -61,10 +61,20 @@ void WindowTable::refresh() {
         return;
     }
     listen();
-    readTree();
-    readBasics();
-    findClients();
-    readDetails();
+    if (current_) {
+        return;
+    }
+    const std::array read = {readTree(), readBasics(), findClients(), readDetails()};
+    if (std::ranges::find(read, true) == read.end()) {
+        current_ = true;
+    } else {
+        changed();
+    }
+}
+
+void WindowTable::changed() {
+    current_ = false;
+    ++version_;
 }
 
 void WindowTable::listen() {
@@ -85,17 +95,18 @@ void WindowTable::stopListening() {
     windows_.clear();
     root_ = {};
     listening_ = false;
+    changed();
     connection_.flush();
 }
 
-void WindowTable::readTree() {
+bool WindowTable::readTree() {
     if (!treeDirty_) {
-        return;
+        return false;
     }
     auto facts = reader_.readRoot();
     if (!facts) {
         root_ = {};
-        return;
+        return true;
     }
     treeDirty_ = false;
     const bool managerChanged = root_.windowManagerRuns != facts->windowManagerRuns;
@@ -117,28 +128,31 @@ void WindowTable::readTree() {
         // That a window manager has taken a window in hand shows in the tree.
         window.searchDue = window.searchDue || (!window.client && window.viewable);
     }
+    return true;
 }
 
-void WindowTable::readBasics() {
+bool WindowTable::readBasics() {
     auto dirty = select([](const WindowRecord& window) { return window.basicsDirty; });
     if (!dirty.empty()) {
         reader_.readBasics(dirty);
     }
+    return !dirty.empty();
 }
 
-void WindowTable::findClients() {
+bool WindowTable::findClients() {
     auto due = select([](const WindowRecord& window) {
         return window.searchDue && !window.client && !window.inputOnly;
     });
-    if (due.empty()) {
-        return;
-    }
     if (root_.windowManagerRuns) {
-        reader_.findClients(due);
-        return;
+        if (!due.empty()) {
+            reader_.findClients(due);
+        }
+        return !due.empty();
     }
+    bool found = false;
     for (WindowRecord* const window : due) {
         if (window->viewable) {
+            found = true;
             window->searchDue = false;
             if (!window->overrideRedirect) {
                 window->client = window->id;
@@ -146,15 +160,17 @@ void WindowTable::findClients() {
             }
         }
     }
+    return found;
 }
 
-void WindowTable::readDetails() {
+bool WindowTable::readDetails() {
     auto dirty = select([](const WindowRecord& window) {
         return window.detailsDirty && !window.inputOnly && (window.viewable || window.client);
     });
     if (!dirty.empty()) {
         reader_.readDetails(dirty);
     }
+    return !dirty.empty();
 }
 
 void WindowTable::handle(const xcb_generic_event_t& event) {
@@ -165,6 +181,7 @@ void WindowTable::handle(const xcb_generic_event_t& event) {
     if (!ours) {
         return;
     }
+    changed();
     if (connection_.runLoop().now() - lastAsked_ > idleSeconds) {
         stopListening();
     } else if (type == XCB_PROPERTY_NOTIFY) {

@@ -29,6 +29,8 @@ public:
     [[nodiscard]] const std::vector<xcb_window_t>& stacking() const { return root_.children; }
     [[nodiscard]] const WindowRecord* find(xcb_window_t topLevel) const;
     [[nodiscard]] const RootFacts& root() const { return root_; }
+    /// Another number whenever something has changed of what the other questions answer.
+    [[nodiscard]] std::size_t version() const { return version_; }
     /// False when the list of windows could not be read.
     [[nodiscard]] bool valid() const { return listening_ && !treeDirty_; }
 
@@ -45,10 +47,13 @@ private:
 
     void listen();
     void stopListening();
-    void readTree();
-    void readBasics();
-    void findClients();
-    void readDetails();
+    void changed();
+    /// @{ Whether there was anything to read.
+    bool readTree();
+    bool readBasics();
+    bool findClients();
+    bool readDetails();
+    /// @}
     [[nodiscard]] WindowRecord* recordOf(xcb_window_t topLevel);
     [[nodiscard]] WindowRecord* recordOfClient(xcb_window_t client);
     static void loseClient(WindowRecord& window);
@@ -61,6 +66,8 @@ private:
     std::unordered_map<xcb_window_t, WindowRecord> windows_;
     bool listening_ = false;
     bool treeDirty_ = true;
+    bool current_ = false; ///< nothing is left to be read
+    std::size_t version_ = 0;
     double lastAsked_ = 0; ///< RunLoop::now
     Token rootEvents_;
     Token events_;

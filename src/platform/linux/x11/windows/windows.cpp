@@ -21,39 +21,48 @@ bool X11Windows::isOwn(const WindowRecord& window) const {
     return window.pid == ownPid_ || connection_.isOwnResource(window.id);
 }
 
-bool X11Windows::visitOnScreen(const std::function<bool(const WindowRecord&)>& visitor) {
+const std::vector<const WindowRecord*>& X11Windows::onScreen() {
     table_.refresh();
-    const auto& stacking = table_.stacking();
-    return std::any_of(stacking.rbegin(), stacking.rend(), [&](xcb_window_t id) {
-        const WindowRecord* const window = table_.find(id);
-        return window != nullptr && isOnScreen(*window) && visitor(*window);
-    });
+    if (!visible_ || visible_->version != table_.version()) {
+        visible_ = {table_.version(), {}};
+        const auto& stacking = table_.stacking();
+        for (auto id = stacking.rbegin(); id != stacking.rend(); ++id) {
+            const WindowRecord* const window = table_.find(*id);
+            if (window != nullptr && isOnScreen(*window)) {
+                visible_->windows.push_back(window);
+            }
+        }
+    }
+    return visible_->windows;
 }
 
 std::optional<std::vector<WindowInfo>> X11Windows::onScreenWindows() {
     const RootSpace space = rootSpace();
     std::vector<WindowInfo> list;
-    visitOnScreen([&](const WindowRecord& window) {
-        const WindowKind kind = traits_.kindOf(window);
+    for (const WindowRecord* const window : onScreen()) {
+        const WindowKind kind = traits_.kindOf(*window);
         if (kind != WindowKind::desktop) {
-            list.push_back({window.pid, alphaOf(window), layerOf(kind),
-                            space.toAccessibility(boundsOf(window))});
+            list.push_back({window->pid, alphaOf(*window), layerOf(kind),
+                            space.toAccessibility(boundsOf(*window))});
         }
-        return false;
-    });
+    }
     return table_.valid() ? std::optional(std::move(list)) : std::nullopt;
 }
 
 std::vector<Screen> X11Windows::screens() {
     const ScreenLayout& layout = screens_.layout();
-    std::vector<Strut> struts;
-    visitOnScreen([&](const WindowRecord& window) {
-        if (window.properties.strut) {
-            struts.push_back(*window.properties.strut);
+    const auto& windows = onScreen();
+    if (!described_ || described_->version != table_.version() || described_->layout != layout) {
+        std::vector<Strut> struts;
+        for (const WindowRecord* const window : windows) {
+            if (window->properties.strut) {
+                struts.push_back(*window->properties.strut);
+            }
         }
-        return false;
-    });
-    return describeScreens(layout, struts, table_.root().workArea);
+        described_ = {table_.version(), layout,
+                      describeScreens(layout, struts, table_.root().workArea)};
+    }
+    return described_->screens;
 }
 
 std::optional<Screen> X11Windows::mainScreen() {
@@ -97,18 +106,15 @@ void X11Windows::getShareableContent(std::function<void()> completion) {
 
 std::optional<DesktopWindow> X11Windows::windowAt(Point point, std::optional<pid_t> pid) {
     const RootSpace space = rootSpace();
-    std::optional<DesktopWindow> found;
-    visitOnScreen([&](const WindowRecord& window) {
-        const Rect bounds = space.toAccessibility(boundsOf(window));
-        if (isOwn(window) || (pid && window.pid != pid) || !bounds.contains(point)) {
-            return false;
+    for (const WindowRecord* const window : onScreen()) {
+        const Rect bounds = space.toAccessibility(boundsOf(*window));
+        if (!isOwn(*window) && (!pid || window->pid == pid) && bounds.contains(point)) {
+            return DesktopWindow{window->client.value_or(window->id), window->pid, bounds,
+                                 traits_.kindOf(*window) == WindowKind::popup,
+                                 space.toAccessibility(clientBoundsOf(*window))};
         }
-        found = DesktopWindow{window.client.value_or(window.id), window.pid, bounds,
-                              traits_.kindOf(window) == WindowKind::popup,
-                              space.toAccessibility(clientBoundsOf(window))};
-        return true;
-    });
-    return found;
+    }
+    return std::nullopt;
 }
 
 ProcessWindows X11Windows::windowsOf(pid_t pid) {
@@ -194,7 +200,8 @@ std::vector<Rect> X11Windows::occupied() {
 }
 
 bool X11Windows::hasOwnOnScreen() {
-    return visitOnScreen([&](const WindowRecord& window) { return isOwn(window); });
+    return std::ranges::any_of(onScreen(),
+                               [&](const WindowRecord* window) { return isOwn(*window); });
 }
 
 bool X11Windows::isOwn(xcb_window_t topLevel) {

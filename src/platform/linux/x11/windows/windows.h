@@ -7,6 +7,7 @@
 #include "platform/linux/x11/windows/traits.h"
 #include "platform/window_server.h"
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <utility>
@@ -56,12 +57,23 @@ public:
     [[nodiscard]] bool isOwn(xcb_window_t topLevel);
 
 private:
+    /// What is on the screen, as of one version of the table.
+    struct Visible {
+        std::size_t version;
+        std::vector<const WindowRecord*> windows;
+    };
+    /// The screens as of one version of the table, and of their layout.
+    struct Described {
+        std::size_t version;
+        ScreenLayout layout;
+        std::vector<Screen> screens;
+    };
+
     [[nodiscard]] bool isOnScreen(const WindowRecord& window) const;
     [[nodiscard]] bool isOwn(const WindowRecord& window) const;
     [[nodiscard]] bool isLocker(const WindowRecord& window);
-    /// From the topmost down, until the visitor returns true.
-    /// @return whether it has
-    bool visitOnScreen(const std::function<bool(const WindowRecord&)>& visitor);
+    /// Those on the screen, from the topmost down. Valid until the next event.
+    [[nodiscard]] const std::vector<const WindowRecord*>& onScreen();
     [[nodiscard]] std::optional<Point> centreOfFocus();
 
     Connection& connection_;
@@ -69,6 +81,9 @@ private:
     WindowTable table_;
     WindowTraits traits_;
     pid_t ownPid_;
+    // One pointer sample asks for them several times.
+    std::optional<Visible> visible_;
+    std::optional<Described> described_;
 };
 
 } // namespace lumetry::x11
