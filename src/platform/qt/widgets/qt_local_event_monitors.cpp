@@ -3,7 +3,7 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 
-#include <algorithm>
+#include <utility>
 
 namespace lumetry {
 
@@ -13,20 +13,15 @@ QtLocalEventMonitors::QtLocalEventMonitors(KeyboardReader keyboard)
 }
 
 Token QtLocalEventMonitors::addLocalMonitorForEvents(EventMask mask, Handler handler) {
-    const int number = ++lastNumber_;
     flags_ = keyboard_.modifierFlags();
-    monitors_.push_back({number, mask, std::make_shared<Handler>(std::move(handler))});
-    return Token([self = std::weak_ptr(self_), number] {
-        if (const auto monitors = self.lock()) {
-            std::erase_if((*monitors)->monitors_,
-                          [number](const Monitor& monitor) { return monitor.number == number; });
-        }
+    return monitors_.add([mask, handler = std::move(handler)](const Event& event) {
+        return (mask & eventMask(event.type)) != 0 ? handler(event) : EventFate::passOn;
     });
 }
 
 bool QtLocalEventMonitors::eventFilter(QObject* watched, QEvent* event) {
     // Windows get a key before the widget in them that has the focus does.
-    if (!watched->isWindowType() || monitors_.empty()) {
+    if (!watched->isWindowType() || monitors_.isEmpty()) {
         return false;
     }
     switch (event->type()) {
@@ -63,14 +58,8 @@ EventFate QtLocalEventMonitors::deliverFlags(std::uint16_t keyCode) {
     return deliver({EventType::flagsChanged, keyCode, flags});
 }
 
-EventFate QtLocalEventMonitors::deliver(const Event& event) const {
-    const auto monitors = monitors_;
-    const bool isSwallowed =
-        std::any_of(monitors.rbegin(), monitors.rend(), [&event](const auto& monitor) {
-            return (monitor.mask & eventMask(event.type)) != 0 &&
-                   (*monitor.handler)(event) == EventFate::swallow;
-        });
-    return isSwallowed ? EventFate::swallow : EventFate::passOn;
+EventFate QtLocalEventMonitors::deliver(const Event& event) {
+    return monitors_.callUntil(EventFate::swallow, event) ? EventFate::swallow : EventFate::passOn;
 }
 
 } // namespace lumetry

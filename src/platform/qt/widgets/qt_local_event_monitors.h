@@ -1,14 +1,12 @@
 #pragma once
 
+#include "base/handler_list.h"
 #include "platform/local_event_monitors.h"
 
 #include <QObject>
 
 #include <cstdint>
 #include <functional>
-#include <memory>
-#include <utility>
-#include <vector>
 
 class QKeyEvent;
 
@@ -29,24 +27,15 @@ public:
     [[nodiscard]] Token addLocalMonitorForEvents(EventMask mask, Handler handler) override;
 
 private:
-    struct Monitor {
-        int number;
-        EventMask mask;
-        std::shared_ptr<Handler> handler;
-    };
-
     bool eventFilter(QObject* watched, QEvent* event) override;
     /// Tells of the modifiers if they are not the ones that were told last.
     EventFate deliverFlags(std::uint16_t keyCode);
     [[nodiscard]] EventFate deliverKey(const QKeyEvent& key);
-    [[nodiscard]] EventFate deliver(const Event& event) const;
+    [[nodiscard]] EventFate deliver(const Event& event);
 
     KeyboardReader keyboard_;
-    int lastNumber_ = 0;
-    std::vector<Monitor> monitors_;
+    AnsweringHandlerList<EventFate, const Event&> monitors_;
     ModifierFlags flags_ = 0; ///< as told last
-    /// Empty once this object is gone: tokens may outlive it.
-    std::shared_ptr<QtLocalEventMonitors*> self_ = std::make_shared<QtLocalEventMonitors*>(this);
 };
 
 } // namespace lumetry

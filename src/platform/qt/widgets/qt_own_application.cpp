@@ -1,7 +1,9 @@
 #include "platform/qt/widgets/qt_own_application.h"
 
+#include "platform/linux/system/environment.h"
 #include "platform/linux/system/own_bundle.h"
 #include "platform/linux/system/settings_panes.h"
+#include "platform/linux/x11/connection/atoms.h"
 #include "platform/qt/widgets/own_windows.h"
 
 #include <QCoreApplication>
@@ -15,7 +17,6 @@
 #include <xcb/xcb.h>
 
 #include <csignal>
-#include <cstdlib>
 
 namespace lumetry {
 namespace {
@@ -28,10 +29,8 @@ void activate(QWindow& window) {
         return;
     }
     xcb_connection_t* const connection = x11->connection();
-    constexpr std::string_view name = "_NET_ACTIVE_WINDOW";
-    xcb_intern_atom_reply_t* const atom = xcb_intern_atom_reply(
-        connection, xcb_intern_atom(connection, 0, name.size(), name.data()), nullptr);
-    if (atom == nullptr) {
+    const xcb_atom_t type = x11::internAtom(connection, "_NET_ACTIVE_WINDOW");
+    if (type == XCB_ATOM_NONE) {
         return;
     }
     constexpr std::uint32_t fromPager = 2;
@@ -39,9 +38,8 @@ void activate(QWindow& window) {
     message.response_type = XCB_CLIENT_MESSAGE;
     message.format = 32;
     message.window = static_cast<xcb_window_t>(window.winId());
-    message.type = atom->atom;
+    message.type = type;
     message.data.data32[0] = fromPager;
-    std::free(atom); // NOLINT(cppcoreguidelines-no-malloc): the library hands it out so
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
     xcb_send_event(connection, 0, root,
                    XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
@@ -106,7 +104,7 @@ void QtOwnApplication::terminate() {
 
 void QtOwnApplication::openAddress(std::string_view address) {
     const auto command = settingsPaneCommand(
-        address, qgetenv("XDG_CURRENT_DESKTOP").toStdString(), [](const std::string& program) {
+        address, environmentText("XDG_CURRENT_DESKTOP"), [](const std::string& program) {
             return !QStandardPaths::findExecutable(QString::fromStdString(program)).isEmpty();
         });
     if (!command.empty()) {

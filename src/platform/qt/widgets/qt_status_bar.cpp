@@ -1,5 +1,7 @@
 #include "platform/qt/widgets/qt_status_bar.h"
 
+#include "base/text.h"
+#include "platform/linux/system/environment.h"
 #include "platform/qt/widgets/notifier_tray.h"
 #include "platform/qt/widgets/template_icon.h"
 
@@ -15,7 +17,9 @@
 #include <QSystemTrayIcon>
 #include <QTimer>
 
+#include <algorithm>
 #include <optional>
+#include <string>
 #include <utility>
 
 namespace lumetry {
@@ -23,8 +27,9 @@ namespace {
 
 /// Desktops whose bar is dark whatever colours applications have.
 bool hasDarkBar() {
-    const QList<QByteArray> desktops = qgetenv("XDG_CURRENT_DESKTOP").split(':');
-    return desktops.contains("GNOME") || desktops.contains("Unity");
+    const auto desktops = split(environmentText("XDG_CURRENT_DESKTOP"), ':');
+    return std::ranges::any_of(
+        desktops, [](const std::string& one) { return one == "GNOME" || one == "Unity"; });
 }
 
 bool isAnyPresent(EmbeddingTray& embedding, const NotifierTray& notifier) {
