@@ -2,15 +2,28 @@
 
 #include "platform/applications.h"
 #include "platform/linux/applications/desktop_entries.h"
-#include "platform/linux/system/system_places.h"
+#include "platform/linux/system/environment.h"
 #include "platform/linux/windows/desktop_windows.h"
 
 #include <cstdint>
 #include <map>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace lumetry {
+
+/// A browser as it is packaged, and the identifier under which it is known everywhere.
+struct PackagedBrowser {
+    std::string_view desktopId;
+    std::string_view identifier;
+};
+[[nodiscard]] std::span<const PackagedBrowser> packagedBrowsers();
+
+/// The identifier under which a browser is known everywhere, for the many under which it is
+/// packaged; any other application keeps the one it has.
+[[nodiscard]] std::string commonIdentifier(std::string_view desktopId);
 
 /// Running applications, from the system's processes and the desktop entries.
 class LinuxApplications final : public Applications {

@@ -1,15 +1,33 @@
 #pragma once
 
-#include "platform/linux/applications/desktop_entry.h"
-
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 namespace lumetry {
+
+/// What a desktop entry says of an application.
+struct DesktopEntry {
+    std::string id;   ///< without ".desktop"
+    std::string name; ///< in the user's language; empty where it has none
+    /// The program and its arguments, without those that stand for files to open.
+    std::vector<std::string> command;
+    std::string windowClass; ///< StartupWMClass; empty where it has none
+    bool visible = true;     ///< shown in menus
+    bool removed = false;    ///< stands for there being no such application
+};
+
+/// Reads an entry's file. Absent when it is not that of an application.
+/// @param languages the best first, as in the keys ("de_AT", "de")
+[[nodiscard]] std::optional<DesktopEntry>
+parseDesktopEntry(std::string_view text, const std::vector<std::string>& languages);
+
+/// The words of an Exec key's value, unquoted and without field codes.
+[[nodiscard]] std::vector<std::string> splitCommand(std::string_view command);
 
 /// The desktop entries of the system and the user. Read when they are first asked for, and again
 /// when something was installed or removed.

@@ -1,13 +1,44 @@
 #include "platform/linux/system/file_system.h"
 
 #include <fcntl.h>
+
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <filesystem>
+#include <fstream>
 #include <system_error>
 
 namespace lumetry {
+
+std::optional<std::string> readFile(const std::filesystem::path& file, std::size_t mostBytes) {
+    constexpr std::size_t blockBytes = 16384;
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream) {
+        return std::nullopt;
+    }
+    // The files of processes do not know their sizes.
+    std::string content;
+    std::size_t got = 0;
+    do {
+        content.resize(got + blockBytes);
+        stream.read(content.data() + got, static_cast<std::streamsize>(blockBytes));
+        got += static_cast<std::size_t>(stream.gcount());
+    } while (stream && got < mostBytes);
+    if (stream.bad()) {
+        return std::nullopt;
+    }
+    content.resize(got < mostBytes ? got : mostBytes);
+    return content;
+}
+
+std::filesystem::path bundleOf(const std::filesystem::path& executable) {
+    const auto programs = executable.parent_path();
+    const auto contents = programs.parent_path();
+    auto bundle = contents.parent_path();
+    const bool isBundle = programs.filename() == "MacOS" && contents.filename() == "Contents" &&
+                          bundle.extension() == ".app";
+    return isBundle ? bundle : std::filesystem::path();
+}
 
 std::optional<std::vector<std::string>>
 LinuxFileSystem::contentsOfDirectory(const std::string& path) {

@@ -2,7 +2,21 @@
 
 #include "platform/file_system.h"
 
+#include <cstddef>
+#include <filesystem>
+#include <optional>
+#include <string>
+
 namespace lumetry {
+
+/// What a file holds, up to that many bytes. Absent when it cannot be read.
+[[nodiscard]] std::optional<std::string> readFile(const std::filesystem::path& file,
+                                                  std::size_t mostBytes);
+
+/// The bundle that a program is the main one of: X.app for X.app/Contents/MacOS/PROGRAM. Empty for
+/// programs anywhere else, in whatever folders named like bundles.
+/// @param executable an absolute path
+[[nodiscard]] std::filesystem::path bundleOf(const std::filesystem::path& executable);
 
 /// The files of this machine.
 class LinuxFileSystem final : public FileSystem {

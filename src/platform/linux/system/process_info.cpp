@@ -1,7 +1,7 @@
 #include "platform/linux/system/process_info.h"
 
 #include "base/text.h"
-#include "platform/linux/system/read_file.h"
+#include "platform/linux/system/file_system.h"
 
 #include <charconv>
 #include <string_view>

@@ -1,10 +1,10 @@
 #include "platform/linux/x11/desktop.h"
 
 #include "platform/linux/system/environment.h"
-#include "platform/linux/x11/capture/backdrop.h"
-#include "platform/linux/x11/capture/formats.h"
+#include "platform/linux/x11/capture/background.h"
 #include "platform/linux/x11/capture/redirection.h"
 #include "platform/linux/x11/capture/screen_capture.h"
+#include "platform/linux/x11/capture/target.h"
 #include "platform/linux/x11/connection/connection.h"
 #include "platform/linux/x11/connection/manager_selection.h"
 #include "platform/linux/x11/input/event_monitors.h"

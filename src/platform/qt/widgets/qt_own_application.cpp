@@ -1,7 +1,7 @@
 #include "platform/qt/widgets/qt_own_application.h"
 
 #include "platform/linux/system/environment.h"
-#include "platform/linux/system/own_bundle.h"
+#include "platform/linux/system/file_system.h"
 #include "platform/linux/system/settings_panes.h"
 #include "platform/linux/x11/connection/atoms.h"
 #include "platform/qt/widgets/own_windows.h"

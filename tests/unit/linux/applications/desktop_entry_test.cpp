@@ -1,7 +1,6 @@
-#include "platform/linux/applications/desktop_entry.h"
-
 #include "platform/linux/applications/desktop_entries.h"
-#include "platform/linux/system/system_places.h"
+
+#include "platform/linux/system/environment.h"
 
 #include "linux_tree.h"
 

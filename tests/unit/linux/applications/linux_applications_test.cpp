@@ -1,8 +1,7 @@
 #include "platform/linux/applications/applications.h"
 
 #include "linux_tree.h"
-#include "platform/linux/applications/browser_identifiers.h"
-#include "platform/linux/system/own_bundle.h"
+#include "platform/linux/system/file_system.h"
 #include "probe/electron.h"
 #include "support/fake_platform/fake_desktop.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/system/system_places.h"
+#include "platform/linux/system/environment.h"
 #include "platform/linux/windows/desktop_windows.h"
 
 #include <sys/types.h>

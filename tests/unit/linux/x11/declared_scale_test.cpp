@@ -1,4 +1,4 @@
-#include "platform/linux/x11/windows/declared_scale.h"
+#include "platform/linux/x11/windows/desktop_scale.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "base/handler_list.h"
 #include "base/lifetime.h"
-#include "platform/linux/x11/input/key_roles.h"
+#include "platform/linux/x11/input/keyboard.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "platform/linux/x11/windows/screen_layout.h"
+#include "platform/linux/x11/windows/screens.h"
 
 #include <gmock/gmock.h>
 

@@ -16,11 +16,11 @@ xcb_render_fixed_t fixedOf(double value) {
     return static_cast<xcb_render_fixed_t>(std::lround(value * one));
 }
 
-PixelRect pixelsOf(const CaptureComposer::Canvas& canvas, const Rect& onRoot) {
+IntRect pixelsOf(const CaptureComposer::Canvas& canvas, const Rect& onRoot) {
     return intersect(canvas.grid.pixelsIn(onRoot), canvas.band);
 }
 
-xcb_rectangle_t inBand(const PixelRect& pixels, const PixelRect& band) {
+xcb_rectangle_t inBand(const IntRect& pixels, const IntRect& band) {
     return {static_cast<std::int16_t>(pixels.x - band.x),
             static_cast<std::int16_t>(pixels.y - band.y), static_cast<std::uint16_t>(pixels.width),
             static_cast<std::uint16_t>(pixels.height)};
@@ -81,7 +81,7 @@ void CaptureComposer::clipToShape(const Canvas& canvas, const CaptureLayer& laye
     std::vector<xcb_rectangle_t> parts;
     for (const xcb_rectangle_t& part : std::span(
              first, static_cast<std::size_t>(xcb_shape_get_rectangles_rectangles_length(&shape)))) {
-        const PixelRect pixels =
+        const IntRect pixels =
             pixelsOf(canvas, {origin.x + part.x, origin.y + part.y, static_cast<double>(part.width),
                               static_cast<double>(part.height)});
         if (!pixels.isEmpty()) {
@@ -138,7 +138,7 @@ void CaptureComposer::drawWindow(const Canvas& canvas, const CaptureLayer& layer
 void CaptureComposer::composite(const Canvas& canvas, xcb_render_picture_t source,
                                 xcb_render_picture_t mask, std::uint8_t operation,
                                 const Rect& onRoot, Point sourceOrigin) {
-    const PixelRect pixels = pixelsOf(canvas, onRoot);
+    const IntRect pixels = pixelsOf(canvas, onRoot);
     if (pixels.isEmpty()) {
         return;
     }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/linux/x11/capture/formats.h"
 #include "platform/linux/x11/capture/grid.h"
+#include "platform/linux/x11/capture/target.h"
 #include "platform/linux/x11/connection/connection.h"
 
 #include <xcb/render.h>
@@ -32,7 +32,7 @@ class CaptureComposer {
 public:
     struct Canvas {
         const CaptureGrid& grid;
-        PixelRect band;                          ///< of the grid's pixels, those to be drawn
+        IntRect band;                            ///< of the grid's pixels, those to be drawn
         xcb_render_picture_t picture = XCB_NONE; ///< its origin is that of the band
     };
 

@@ -24,23 +24,6 @@ int firstFrom(double limit, double start, double step, int count) {
 
 } // namespace
 
-PixelRect intersect(const PixelRect& a, const PixelRect& b) {
-    const int left = std::max(a.x, b.x);
-    const int top = std::max(a.y, b.y);
-    return {left, top, std::min(a.x + a.width, b.x + b.width) - left,
-            std::min(a.y + a.height, b.y + b.height) - top};
-}
-
-PixelRect unite(const PixelRect& a, const PixelRect& b) {
-    if (a.isEmpty() || b.isEmpty()) {
-        return a.isEmpty() ? b : a;
-    }
-    const int left = std::min(a.x, b.x);
-    const int top = std::min(a.y, b.y);
-    return {left, top, std::max(a.x + a.width, b.x + b.width) - left,
-            std::max(a.y + a.height, b.y + b.height) - top};
-}
-
 std::optional<CaptureGrid> CaptureGrid::of(const Rect& area) {
     const auto size = pixelSizeOf(area);
     if (!size) {
@@ -78,7 +61,7 @@ Point CaptureGrid::placeOf(int column, int row) const {
     return isPlain() ? Point{std::floor(place.x + 0.5), std::floor(place.y + 0.5)} : place;
 }
 
-PixelRect CaptureGrid::pixelsIn(const Rect& onRoot) const {
+IntRect CaptureGrid::pixelsIn(const Rect& onRoot) const {
     const auto [width, height] = step();
     const int left = firstFrom(onRoot.minX(), area_.x, width, size_.width);
     const int top = firstFrom(onRoot.minY(), area_.y, height, size_.height);

@@ -1,27 +1,12 @@
 #pragma once
 
 #include "base/geometry.h"
+#include "base/int_geometry.h"
 #include "platform/screen_capture.h"
 
 #include <optional>
 
 namespace lumetry::x11 {
-
-/// Pixels of a captured bitmap.
-struct PixelRect {
-    int x = 0;
-    int y = 0;
-    int width = 0;
-    int height = 0;
-
-    [[nodiscard]] bool isEmpty() const { return width <= 0 || height <= 0; }
-
-    friend bool operator==(const PixelRect&, const PixelRect&) = default;
-};
-
-[[nodiscard]] PixelRect intersect(const PixelRect& a, const PixelRect& b);
-/// The smallest rectangle around both; an empty one adds nothing.
-[[nodiscard]] PixelRect unite(const PixelRect& a, const PixelRect& b);
 
 /// Which places on the root window the pixels of a captured bitmap stand for.
 class CaptureGrid {
@@ -44,7 +29,7 @@ public:
     /// root's pixel that it is.
     [[nodiscard]] Point placeOf(int column, int row) const;
     /// The pixels whose middle lies in the rectangle of the root window.
-    [[nodiscard]] PixelRect pixelsIn(const Rect& onRoot) const;
+    [[nodiscard]] IntRect pixelsIn(const Rect& onRoot) const;
 
 private:
     CaptureGrid(const Rect& area, PixelSize size, Interpolation interpolation)

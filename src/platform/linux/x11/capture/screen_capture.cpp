@@ -21,10 +21,10 @@ struct Chosen {
 
 /// The windows that the band shows anything of.
 Chosen choose(std::span<const CaptureLayer> topmostFirst, const CaptureGrid& grid,
-              const PixelRect& band) {
+              const IntRect& band) {
     Chosen chosen;
     for (const CaptureLayer& layer : topmostFirst) {
-        const PixelRect pixels = intersect(grid.pixelsIn(layer.rect), band);
+        const IntRect pixels = intersect(grid.pixelsIn(layer.rect), band);
         if (pixels.isEmpty()) {
             continue;
         }
@@ -47,10 +47,10 @@ constexpr std::uint32_t counted(std::uint32_t pixel) {
 }
 
 /// Copies those words of a row that lie in the parts.
-void copyRow(std::span<const std::uint32_t> words, const PixelRect& row,
-             std::span<const PixelRect> parts, bool isSwapped, Bitmap& bitmap) {
-    for (const PixelRect& one : parts) {
-        const PixelRect part = intersect(one, row);
+void copyRow(std::span<const std::uint32_t> words, const IntRect& row,
+             std::span<const IntRect> parts, bool isSwapped, Bitmap& bitmap) {
+    for (const IntRect& one : parts) {
+        const IntRect part = intersect(one, row);
         if (part.isEmpty()) {
             continue;
         }
@@ -117,9 +117,11 @@ std::optional<Bitmap> X11ScreenCapture::capture(const Wanted& wanted, std::uint3
         return std::nullopt;
     }
     Bitmap bitmap(wanted.grid.size().width, wanted.grid.size().height);
-    PixelRect all;
-    for (const PixelRect& part : wanted.kept) {
-        all = unite(all, part);
+    IntRect all;
+    for (const IntRect& part : wanted.kept) {
+        if (!part.isEmpty()) {
+            all = all.isEmpty() ? part : unite(all, part);
+        }
     }
     if (all.isEmpty()) {
         return bitmap;
@@ -127,7 +129,7 @@ std::optional<Bitmap> X11ScreenCapture::capture(const Wanted& wanted, std::uint3
     auto layers = layersBelow(windowNumber);
     const int rows = std::max(pixelsPerBand / all.width, 1);
     for (int y = all.y; y < all.y + all.height; y += rows) {
-        const PixelRect band = {all.x, y, all.width, std::min(rows, all.y + all.height - y)};
+        const IntRect band = {all.x, y, all.width, std::min(rows, all.y + all.height - y)};
         if (!captureBand(wanted, band, layers, bitmap)) {
             return std::nullopt;
         }
@@ -173,7 +175,7 @@ std::vector<CaptureLayer> X11ScreenCapture::layersBelow(std::uint32_t windowNumb
     return layers;
 }
 
-bool X11ScreenCapture::captureBand(const Wanted& wanted, const PixelRect& band,
+bool X11ScreenCapture::captureBand(const Wanted& wanted, const IntRect& band,
                                    std::vector<CaptureLayer>& topmostFirst, Bitmap& bitmap) {
     auto& [redirection, target, background, composer] = *workshop_;
     const PixelSize size = {band.width, band.height};

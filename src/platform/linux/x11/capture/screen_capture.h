@@ -1,10 +1,8 @@
 #pragma once
 
 #include "base/lifetime.h"
-#include "platform/linux/x11/capture/backdrop.h"
 #include "platform/linux/x11/capture/background.h"
 #include "platform/linux/x11/capture/composer.h"
-#include "platform/linux/x11/capture/formats.h"
 #include "platform/linux/x11/capture/grid.h"
 #include "platform/linux/x11/capture/redirection.h"
 #include "platform/linux/x11/capture/target.h"
@@ -55,8 +53,8 @@ private:
 
     struct Wanted {
         const CaptureGrid& grid;
-        std::vector<Rect> screens;   ///< root coordinates
-        std::vector<PixelRect> kept; ///< of the grid's pixels; all others are missing
+        std::vector<Rect> screens; ///< root coordinates
+        std::vector<IntRect> kept; ///< of the grid's pixels; all others are missing
     };
 
     [[nodiscard]] Rect onRoot(const Rect& area);
@@ -65,7 +63,7 @@ private:
     [[nodiscard]] bool openWorkshop();
     void closeWorkshopAfter(double seconds);
     [[nodiscard]] std::vector<CaptureLayer> layersBelow(std::uint32_t windowNumber);
-    [[nodiscard]] bool captureBand(const Wanted& wanted, const PixelRect& band,
+    [[nodiscard]] bool captureBand(const Wanted& wanted, const IntRect& band,
                                    std::vector<CaptureLayer>& topmostFirst, Bitmap& bitmap);
 
     CaptureSurroundings surroundings_;

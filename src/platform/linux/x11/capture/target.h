@@ -1,17 +1,73 @@
 #pragma once
 
-#include "platform/linux/x11/capture/formats.h"
-#include "platform/linux/x11/capture/segment.h"
 #include "platform/linux/x11/connection/connection.h"
 #include "platform/screen_capture.h"
 
 #include <xcb/render.h>
+#include <xcb/shm.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <unordered_map>
 
 namespace lumetry::x11 {
+
+/// Of pixmaps that captures are put together in: 0xAARRGGBB.
+inline constexpr std::uint8_t translucentDepth = 32;
+
+/// How RENDER reads the pixels of windows and pixmaps. The server is asked on first use; when it
+/// does not say, everything is absent.
+class CaptureFormats {
+public:
+    struct Format {
+        xcb_render_pictformat_t id = 0;
+        bool hasAlpha = false;
+    };
+
+    explicit CaptureFormats(Connection& connection) : connection_(connection) {}
+
+    /// Premultiplied 0xAARRGGBB in words of 32 bits. Absent where the server has none.
+    [[nodiscard]] std::optional<xcb_render_pictformat_t> translucent();
+    /// Absent for a visual whose pixels RENDER cannot read.
+    [[nodiscard]] std::optional<Format> ofVisual(xcb_visualid_t visual);
+    /// For the pixels of a pixmap that goes with the root window, without alpha when it can be.
+    [[nodiscard]] std::optional<xcb_render_pictformat_t> ofPixmap(std::uint8_t depth);
+
+private:
+    void ask();
+
+    Connection& connection_;
+    bool isAsked_ = false;
+    std::optional<xcb_render_pictformat_t> translucent_;
+    std::unordered_map<xcb_visualid_t, Format> ofVisual_;
+    std::unordered_map<std::uint8_t, xcb_render_pictformat_t> ofDepth_;
+};
+
+/// Memory shared with the server, into which it puts pixels. It has no name on the system: a file
+/// descriptor is handed over, and the memory is gone with the last process that has it.
+class CaptureSegment {
+public:
+    explicit CaptureSegment(Connection& connection);
+    CaptureSegment(const CaptureSegment&) = delete;
+    CaptureSegment& operator=(const CaptureSegment&) = delete;
+    ~CaptureSegment();
+
+    /// Reads the top-left part of a pixmap of depth 32. Valid until the next call. Empty when
+    /// memory cannot be shared with the server, or when there is no such pixmap.
+    [[nodiscard]] std::span<const std::uint32_t> read(xcb_pixmap_t pixmap, PixelSize size);
+
+private:
+    [[nodiscard]] bool reserve(std::size_t bytes);
+    void free();
+
+    Connection& connection_;
+    bool isAvailable_;
+    xcb_shm_seg_t segment_;
+    void* memory_ = nullptr;
+    std::size_t capacity_ = 0; ///< in bytes
+};
 
 /// Whether the server's words have their bytes in the other order than this machine's.
 [[nodiscard]] bool hasOtherByteOrder(const Connection& connection);

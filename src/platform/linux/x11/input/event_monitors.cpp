@@ -1,6 +1,6 @@
 #include "platform/linux/x11/input/event_monitors.h"
 
-#include "platform/linux/x11/windows/owner.h"
+#include "platform/linux/x11/windows/reader.h"
 
 #include <xcb/xinput.h>
 

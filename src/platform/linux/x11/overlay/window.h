@@ -2,7 +2,7 @@
 
 #include "base/int_geometry.h"
 #include "base/lifetime.h"
-#include "platform/linux/x11/capture/backdrop.h"
+#include "platform/linux/x11/capture/background.h"
 #include "platform/linux/x11/capture/redirection.h"
 #include "platform/linux/x11/connection/connection.h"
 #include "platform/linux/x11/connection/manager_selection.h"

@@ -1,6 +1,6 @@
 #include "platform/linux/x11/windows/windows.h"
 
-#include "platform/linux/x11/windows/owner.h"
+#include "platform/linux/x11/windows/reader.h"
 
 #include <unistd.h>
 

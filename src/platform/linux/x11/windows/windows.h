@@ -2,9 +2,9 @@
 
 #include "platform/linux/windows/desktop_windows.h"
 #include "platform/linux/x11/connection/connection.h"
+#include "platform/linux/x11/windows/record.h"
 #include "platform/linux/x11/windows/screens.h"
 #include "platform/linux/x11/windows/table.h"
-#include "platform/linux/x11/windows/traits.h"
 #include "platform/window_server.h"
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "platform/linux/x11/windows/traits.h"
+#include "platform/linux/x11/windows/record.h"
 
 #include <algorithm>
 #include <array>
