@@ -27,62 +27,37 @@ void AppDelegate::applicationDidFinishLaunching() {
     platform_.desktop.accessibility.createSystemWide().setMessagingTimeout(messagingTimeoutSeconds);
     installStatusItem();
     hotKey_.emplace(platform_.hotKeys, keyCodeM, hotKeyControl | hotKeyShift, hotKeyID,
-                    [weak = std::weak_ptr(self_)] {
-                        if (const auto delegate = weak.lock()) {
-                            delegate->toggle();
-                        }
-                    });
+                    lifetime_.guard([this] { toggle(); }));
     wireCallbacks();
     if (!platform_.desktop.accessibility.isProcessTrusted()) {
         watchForAccessibilityGrant();
     }
-    platform_.desktop.runLoop.after(launchDelaySeconds, [weak = std::weak_ptr(self_)] {
-        if (const auto delegate = weak.lock()) {
-            delegate->startOrOnboard();
-        }
-    });
+    platform_.desktop.runLoop.after(launchDelaySeconds,
+                                    lifetime_.guard([this] { startOrOnboard(); }));
 }
 
 void AppDelegate::installStatusItem() {
     statusItem_ = platform_.statusBar.makeStatusItem();
     statusItem_->setImage(statusBarIcon());
     statusItem_->setToolTip("Lumetry — ⌃⇧M to toggle");
-    const std::weak_ptr weak = self_;
-    statusItem_->setMenu(statusMenu(
-        [weak] {
-            if (const auto delegate = weak.lock()) {
-                delegate->toggle();
-            }
-        },
-        [&application = platform_.application] { application.terminate(); }));
+    statusItem_->setMenu(
+        statusMenu(lifetime_.guard([this] { toggle(); }),
+                   [&application = platform_.application] { application.terminate(); }));
 }
 
 void AppDelegate::wireCallbacks() {
-    const std::weak_ptr weak = self_;
-    onboarding_.onStart = [weak] {
-        const auto delegate = weak.lock();
-        if (!delegate) {
-            return;
-        }
-        if (auto* const window = delegate->onboarding_.window()) {
+    onboarding_.onStart = lifetime_.guard([this] {
+        if (auto* const window = onboarding_.window()) {
             window->close();
         }
-        if (delegate->isBundled()) {
-            delegate->relaunchAfterGrant();
+        if (isBundled()) {
+            relaunchAfterGrant();
         } else {
-            delegate->overlay_.start();
+            overlay_.start();
         }
-    };
-    onboarding_.onReopen = [weak] {
-        if (const auto delegate = weak.lock()) {
-            delegate->relaunchAfterGrant();
-        }
-    };
-    overlay_.onNeedsPermissions = [weak] {
-        if (const auto delegate = weak.lock()) {
-            delegate->onboarding_.show();
-        }
-    };
+    });
+    onboarding_.onReopen = lifetime_.guard([this] { relaunchAfterGrant(); });
+    overlay_.onNeedsPermissions = lifetime_.guard([this] { onboarding_.show(); });
 }
 
 bool AppDelegate::permissionsReady() {
@@ -146,17 +121,8 @@ void AppDelegate::applicationWillTerminate() {
 
 void AppDelegate::showControlPanel() {
     if (!controlWindow_) {
-        const std::weak_ptr weak = self_;
-        controlWindow_ = makeControlPanel_({[weak] {
-                                                if (const auto delegate = weak.lock()) {
-                                                    delegate->startFromPanel();
-                                                }
-                                            },
-                                            [weak] {
-                                                if (const auto delegate = weak.lock()) {
-                                                    delegate->quitFromPanel();
-                                                }
-                                            }},
+        controlWindow_ = makeControlPanel_({lifetime_.guard([this] { startFromPanel(); }),
+                                            lifetime_.guard([this] { quitFromPanel(); })},
                                            statusBarIcon());
     }
     controlWindow_->center();

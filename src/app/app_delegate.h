@@ -2,6 +2,7 @@
 
 #include "app/control_panel_window.h"
 #include "app/hot_key.h"
+#include "base/lifetime.h"
 #include "base/token.h"
 #include "onboarding/onboarding_controller.h"
 #include "platform/own_application.h"
@@ -70,8 +71,7 @@ private:
     int trustTicks_ = 0;
     std::unique_ptr<ControlPanelWindow> controlWindow_;
 
-    /// What handlers and queued tasks hold of the delegate: expired once it is gone.
-    std::shared_ptr<AppDelegate> self_{this, [](AppDelegate*) {}};
+    Lifetime lifetime_;
 };
 
 } // namespace lumetry

@@ -25,11 +25,8 @@ bool AppDelegate::isBundled() {
 
 void AppDelegate::watchForAccessibilityGrant() {
     trustTicks_ = 0;
-    trustTimer_ = platform_.desktop.runLoop.every(pollSeconds, [weak = std::weak_ptr(self_)] {
-        if (const auto delegate = weak.lock()) {
-            delegate->checkTrust();
-        }
-    });
+    trustTimer_ =
+        platform_.desktop.runLoop.every(pollSeconds, lifetime_.guard([this] { checkTrust(); }));
 }
 
 void AppDelegate::checkTrust() {

@@ -52,11 +52,8 @@ void OnboardingController::present() {
     refresh();
     window_->makeKeyAndOrderFront();
     platform_.application.activateIgnoringOtherApps();
-    timer_ = platform_.desktop.runLoop.every(refreshSeconds, [weak = std::weak_ptr(self_)] {
-        if (const auto controller = weak.lock()) {
-            controller->refresh();
-        }
-    });
+    timer_ =
+        platform_.desktop.runLoop.every(refreshSeconds, lifetime_.guard([this] { refresh(); }));
 }
 
 void OnboardingController::beginDockPresence() {
@@ -64,14 +61,12 @@ void OnboardingController::beginDockPresence() {
     if (activeObserver_) {
         return;
     }
-    activeObserver_ =
-        platform_.application.addDidBecomeActiveObserver([weak = std::weak_ptr(self_)] {
-            const auto controller = weak.lock();
-            if (controller && controller->isWindowVisible()) {
-                controller->refresh();
-                controller->window_->makeKeyAndOrderFront();
-            }
-        });
+    activeObserver_ = platform_.application.addDidBecomeActiveObserver(lifetime_.guard([this] {
+        if (isWindowVisible()) {
+            refresh();
+            window_->makeKeyAndOrderFront();
+        }
+    }));
 }
 
 void OnboardingController::windowWillClose() {
@@ -122,12 +117,11 @@ void OnboardingController::complete() {
         }
         window_->setNudge("here we go!");
     }
-    platform_.desktop.runLoop.after(startDelaySeconds, [weak = std::weak_ptr(self_)] {
-        const auto controller = weak.lock();
-        if (controller && controller->onStart) {
-            controller->onStart();
+    platform_.desktop.runLoop.after(startDelaySeconds, lifetime_.guard([this] {
+        if (onStart) {
+            onStart();
         }
-    });
+    }));
 }
 
 void OnboardingController::refresh() {

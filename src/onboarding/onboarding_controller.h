@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/lifetime.h"
 #include "base/token.h"
 #include "onboarding/onboarding_window.h"
 #include "platform/input.h"
@@ -81,9 +82,7 @@ private:
     bool completing_ = false;
     bool srAsked_ = false; ///< Screen Recording was asked for since the program started
     bool primaryIsReopen_ = false;
-
-    /// What handlers and queued tasks hold of the controller: expired once it is gone.
-    std::shared_ptr<OnboardingController> self_{this, [](OnboardingController*) {}};
+    Lifetime lifetime_;
 };
 
 } // namespace lumetry

@@ -61,15 +61,11 @@ void OnboardingController::grantSR() {
         window_->orderBack();
     }
     platform_.desktop.windowServer.requestScreenCaptureAccess();
-    platform_.desktop.windowServer.getShareableContent([weak = std::weak_ptr(self_)] {
-        if (const auto controller = weak.lock()) {
-            controller->platform_.desktop.runLoop.after(paneDelaySeconds, [weak] {
-                if (const auto later = weak.lock()) {
-                    later->platform_.application.openAddress(screenRecordingPane);
-                }
-            });
-        }
-    });
+    platform_.desktop.windowServer.getShareableContent(lifetime_.guard([this] {
+        platform_.desktop.runLoop.after(paneDelaySeconds, lifetime_.guard([this] {
+            platform_.application.openAddress(screenRecordingPane);
+        }));
+    }));
 }
 
 } // namespace lumetry

@@ -31,32 +31,28 @@ void OnboardingController::syncTakeoffKeys(ModifierFlags modifierFlags) {
 
 void OnboardingController::pressM() {
     window_->setKeyActive(PracticeKey::m, true);
-    platform_.desktop.runLoop.after(keyLitSeconds, [weak = std::weak_ptr(self_)] {
-        const auto controller = weak.lock();
-        if (controller && !controller->completing_) {
-            controller->window_->setKeyActive(PracticeKey::m, false);
+    platform_.desktop.runLoop.after(keyLitSeconds, lifetime_.guard([this] {
+        if (!completing_) {
+            window_->setKeyActive(PracticeKey::m, false);
         }
-    });
+    }));
 }
 
 void OnboardingController::installTakeoffMonitors() {
     removeTakeoffMonitors();
     takeoffMonitors_.push_back(platform_.localEventMonitors.addLocalMonitorForEvents(
-        eventMask(EventType::flagsChanged), [weak = std::weak_ptr(self_)](const Event& event) {
-            if (const auto controller = weak.lock()) {
-                controller->syncTakeoffKeys(event.modifierFlags);
-            }
+        eventMask(EventType::flagsChanged), lifetime_.guard([this](const Event& event) {
+            syncTakeoffKeys(event.modifierFlags);
             return EventFate::passOn;
-        }));
+        })));
     takeoffMonitors_.push_back(platform_.localEventMonitors.addLocalMonitorForEvents(
-        eventMask(EventType::keyDown), [weak = std::weak_ptr(self_)](const Event& event) {
-            const auto controller = weak.lock();
-            if (!controller || event.keyCode != keyCodeM) {
+        eventMask(EventType::keyDown), lifetime_.guard([this](const Event& event) {
+            if (event.keyCode != keyCodeM) {
                 return EventFate::passOn;
             }
-            controller->pressM();
+            pressM();
             return EventFate::swallow;
-        }));
+        })));
 }
 
 } // namespace lumetry

@@ -33,12 +33,10 @@ void Overlay::start() {
         return;
     }
     active_ = true;
-    lockWatch_ = platform_.screenLock.onChange([weak = std::weak_ptr(self_)] {
-        if (const auto session = weak.lock()) {
-            session->openUp();
-            session->followLock();
-        }
-    });
+    lockWatch_ = platform_.screenLock.onChange(lifetime_.guard([this] {
+        openUp();
+        followLock();
+    }));
     openUp();
     window_->setFrame(unionFrame(platform_.windowServer));
     followLock();
@@ -65,15 +63,11 @@ void Overlay::followLock() {
 void Overlay::show() {
     window_->orderFrontRegardless();
     keyMonitor_ = platform_.eventMonitors.addGlobalMonitorForEvents(
-        eventMask(EventType::keyDown),
-        [weak = std::weak_ptr(self_), &runLoop = platform_.runLoop](const Event& event) {
+        eventMask(EventType::keyDown), [end = lifetime_.guard([this] { stop(); }),
+                                        &runLoop = platform_.runLoop](const Event& event) {
             if (event.keyCode == keyCodeEscape) {
                 // Later, since stop() removes this very monitor.
-                runLoop.async([weak] {
-                    if (const auto session = weak.lock()) {
-                        session->stop();
-                    }
-                });
+                runLoop.async(end);
             }
         });
     view_.exitTag = true;
@@ -87,11 +81,7 @@ void Overlay::beginTracking() {
     monitor_ = platform_.eventMonitors.addGlobalMonitorForEvents(
         eventMask(EventType::mouseMoved) | eventMask(EventType::flagsChanged) |
             eventMask(EventType::scrollWheel),
-        [weak = std::weak_ptr(self_)](const Event&) {
-            if (const auto session = weak.lock()) {
-                session->update();
-            }
-        });
+        lifetime_.guard([this](const Event&) { update(); }));
     update();
 }
 

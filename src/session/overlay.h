@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/geometry.h"
+#include "base/lifetime.h"
 #include "base/token.h"
 #include "platform/overlay_window.h"
 #include "platform/platform.h"
@@ -73,9 +74,7 @@ private:
     bool active_ = false;
     Inspector inspector_;
     DetectLog detectLog_;
-
-    /// What handlers and queued tasks hold of the session: expired once it is gone.
-    std::shared_ptr<Overlay> self_{this, [](Overlay*) {}};
+    Lifetime lifetime_;
 };
 
 } // namespace lumetry
