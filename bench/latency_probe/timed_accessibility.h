@@ -19,7 +19,7 @@ public:
     bool isProcessTrustedWithOptions(bool prompt) override {
         return inner_.isProcessTrustedWithOptions(prompt);
     }
-    [[nodiscard]] Token keepAnswers() override { return inner_.keepAnswers(); }
+    [[nodiscard]] Token keepReplies() override { return inner_.keepReplies(); }
     void prefetch(std::span<const AXUIElement> elements,
                   std::span<const std::string_view> attributes) override;
 

@@ -30,7 +30,7 @@ public:
 
     /// Until the token is destroyed, what has been read once is not asked for again: every
     /// attribute keeps the answer it gave first. Scopes do not nest; an inner one ends nothing.
-    [[nodiscard]] virtual Token keepAnswers() = 0;
+    [[nodiscard]] virtual Token keepReplies() = 0;
     /// Asks for attributes of several elements together, so that one wait serves them all; the
     /// answers are kept for the scope that is open. Only a hint: a desktop that cannot do it does
     /// nothing, and without an open scope nothing is asked.

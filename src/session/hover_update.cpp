@@ -35,7 +35,7 @@ void Overlay::update() {
     }
     lastSample_ = now;
 
-    const Token answers = platform_.accessibility.keepAnswers();
+    const Token kept = platform_.accessibility.keepReplies();
     const Point pointer = platform_.pointer.location();
     const Point at = flipped(pointer, primaryDisplayHeight(platform_.windowServer));
     const PointerSample sample = {now, at, topWindowInfo(platform_, state_, at)};

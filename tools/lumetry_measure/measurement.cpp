@@ -15,7 +15,7 @@ constexpr std::uint32_t noWindow = 0;
 
 Measurement measureOnce(NativeDesktop& desktop, ProbeState& state, Point at) {
     const Platform& platform = desktop.platform();
-    const Token answers = platform.accessibility.keepAnswers();
+    const Token kept = platform.accessibility.keepReplies();
     PointerSample sample;
     sample.time = platform.runLoop.now();
     sample.at = at;

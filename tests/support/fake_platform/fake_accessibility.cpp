@@ -112,7 +112,7 @@ AXUIElement FakeAccessibility::createApplication(pid_t pid) {
     return application(pid).handle();
 }
 
-Token FakeAccessibility::keepAnswers() {
+Token FakeAccessibility::keepReplies() {
     if (kept_) {
         return {};
     }

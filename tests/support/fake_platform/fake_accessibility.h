@@ -71,7 +71,7 @@ public:
         prompts += prompt ? 1 : 0;
         return trusted;
     }
-    [[nodiscard]] Token keepAnswers() override;
+    [[nodiscard]] Token keepReplies() override;
     void prefetch(std::span<const AXUIElement> elements,
                   std::span<const std::string_view> attributes) override;
 

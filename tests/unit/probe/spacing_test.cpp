@@ -171,8 +171,8 @@ TEST(Spacing, AsksNoMoreThanItNeedsAndAllAtOnce) {
         frames.pop_back();
         Family forPadding(frames);
         Family forGap(frames);
-        const auto paddingScope = forPadding.accessibility.keepAnswers();
-        const auto gapScope = forGap.accessibility.keepAnswers();
+        const auto paddingScope = forPadding.accessibility.keepReplies();
+        const auto gapScope = forGap.accessibility.keepReplies();
         static_cast<void>(forPadding.padding({-5, -5, 210, 1e6}, false));
         const auto gap = forGap.gap();
         EXPECT_EQ(forPadding.accessibility.totalReads(), paddingReads) << children;

@@ -281,7 +281,7 @@ TEST_F(TextInElements, IsAskedOfChildrenTogether) {
     parent.setChildren({&element});
     element.setChildren({&label, &icon});
     style(label, redText);
-    const Token answers = accessibility.keepAnswers();
+    const Token kept = accessibility.keepReplies();
     EXPECT_EQ(axTextInfoDeep(accessibility, element.handle()).color, red);
     EXPECT_EQ(accessibility.prefetches, 3) << "the element, its parent, all its children";
     EXPECT_EQ(icon.reads.size(), 2U);

@@ -39,7 +39,7 @@ bool AtspiAccessibility::isProcessTrustedWithOptions(bool prompt) {
     return problem.empty();
 }
 
-Token AtspiAccessibility::keepAnswers() {
+Token AtspiAccessibility::keepReplies() {
     context_->cache.beginKeeping();
     context_->processes.beginSample();
     return Token([context = std::weak_ptr(context_)] {

@@ -21,7 +21,7 @@ public:
     [[nodiscard]] bool isProcessTrusted() override;
     /// In place of a prompt, tells applications to show their trees, now and at every login.
     bool isProcessTrustedWithOptions(bool prompt) override;
-    [[nodiscard]] Token keepAnswers() override;
+    [[nodiscard]] Token keepReplies() override;
     void prefetch(std::span<const AXUIElement> elements,
                   std::span<const std::string_view> attributes) override;
 

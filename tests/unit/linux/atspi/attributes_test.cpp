@@ -194,7 +194,7 @@ TEST_F(Attributes, LeaveOutChildrenThatAreNotToBeSeen) {
         others["/yes"].states = std::uint64_t{1} << shown;
         const auto& application = start(windowWith(window, others, toolkit));
         windows.windows = {{1, application.pid(), {0, 0, 800, 600}, false, {0, 0, 800, 600}}};
-        Token answers = accessibility->keepAnswers();
+        Token kept = accessibility->keepReplies();
         const auto element = hit(application, 1, 1);
         ASSERT_TRUE(element);
         auto waits = accessibility->waits();
@@ -253,7 +253,7 @@ TEST_F(Attributes, OfTablesMadeOfCellsAreTheirRows) {
         windows.windows.clear();
         const auto& application = start(each.tree);
         showWindow(application);
-        const Token answers = accessibility->keepAnswers();
+        const Token kept = accessibility->keepReplies();
         const auto table = hit(application, 269, 599);
         ASSERT_TRUE(table);
         const auto requests = accessibility->requests();
@@ -331,7 +331,7 @@ TEST_F(Attributes, SayWhatARoleIsByWhatIsAroundAndInIt) {
                              toolkit));
         showWindow(application);
         (void)hit(application, 50, 50);
-        const Token answers = accessibility->keepAnswers();
+        const Token kept = accessibility->keepReplies();
         const auto element = hit(application, 51, 51);
         ASSERT_TRUE(element);
         const auto waits = accessibility->waits();
@@ -345,7 +345,7 @@ TEST_F(Attributes, SayWhatARoleIsByWhatIsAroundAndInIt) {
     EXPECT_EQ(inWords(element(dialog).copyAttributeValue("AXRole")), "\"AXWindow\"");
 }
 
-TEST_F(Attributes, AreAskedOnceWhileAnswersAreKept) {
+TEST_F(Attributes, AreAskedOnceWhileRepliesAreKept) {
     const auto window =
         element(object("window", {0, 0, 9, 9}, {"/a", "/b"}),
                 {{"/a", object("a", {1, 2, 3, 4})}, {"/b", object("b", {5, 6, 7, 8})}});
@@ -354,12 +354,12 @@ TEST_F(Attributes, AreAskedOnceWhileAnswersAreKept) {
 
     accessibility->prefetch(children, attributes);
     const auto before = accessibility->requests();
-    Token answers = accessibility->keepAnswers();
+    Token kept = accessibility->keepReplies();
     const auto waitsBefore = accessibility->waits();
     accessibility->prefetch(children, attributes);
     EXPECT_EQ(accessibility->requests() - before, 4) << "a name and a place of each";
     EXPECT_EQ(accessibility->waits() - waitsBefore, 1);
-    { const Token inner = accessibility->keepAnswers(); }
+    { const Token inner = accessibility->keepReplies(); }
     for (const AXUIElement& child : children) {
         (void)child.copyAttributeValue("AXSize");
         (void)child.copyAttributeValue("AXTitle");
@@ -368,7 +368,7 @@ TEST_F(Attributes, AreAskedOnceWhileAnswersAreKept) {
     }
     EXPECT_EQ(accessibility->requests() - before, 8) << "a role and interfaces were not fetched";
 
-    answers.reset();
+    kept.reset();
     (void)children.front().copyAttributeValue("AXTitle");
     EXPECT_EQ(accessibility->requests() - before, 9);
 }

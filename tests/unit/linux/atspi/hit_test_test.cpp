@@ -236,7 +236,7 @@ TEST_F(Hits, AskLittleOfALongList) {
         action();
         return accessibility->requests() - before;
     };
-    const Token answers = accessibility->keepAnswers();
+    const Token kept = accessibility->keepReplies();
     EXPECT_LE(requestsOf([&] { (void)hit(application, 100, 250); }), 34)
         << "some items for their places, and only one at the point for more";
     const auto found = hit(application, 100, 262); // between two items
@@ -330,18 +330,18 @@ TEST_F(Hits, InAWindowThatIsKnownWaitOnce) {
     showWindow(application);
     ASSERT_EQ(titleAt(application, 100, 100), "a");
 
-    Token answers = accessibility->keepAnswers();
+    Token kept = accessibility->keepReplies();
     auto waits = accessibility->waits();
     ASSERT_TRUE(hit(application, 101, 101));
     EXPECT_EQ(accessibility->waits() - waits, 1) << "near the last point";
-    answers.reset();
-    answers = accessibility->keepAnswers();
+    kept.reset();
+    answers = accessibility->keepReplies();
     waits = accessibility->waits();
     ASSERT_EQ(titleAt(application, 160, 100), "b");
     EXPECT_EQ(accessibility->waits() - waits, 3) << "on to a neighbour, and its title";
-    answers.reset();
+    kept.reset();
 
-    answers = accessibility->keepAnswers();
+    answers = accessibility->keepReplies();
     const auto element = hit(application, 160, 100);
     waits = accessibility->waits();
     (void)element->copyAttributeValue("AXSize");
@@ -419,7 +419,7 @@ TEST_F(Hits, NoticeThatApplicationsComeAndGo) {
     EXPECT_EQ(titleAt(second, 100, 100), "second") << "in a window of the same number";
 
     const auto unknown = accessibility->createApplication(1);
-    const Token answers = accessibility->keepAnswers();
+    const Token kept = accessibility->keepReplies();
     EXPECT_FALSE(unknown.copyAttributeValue("AXTitle"));
     const auto requests = accessibility->requests();
     EXPECT_FALSE(unknown.copyAttributeValue("AXTitle"));
