@@ -9,6 +9,7 @@
 #include <iterator>
 #include <map>
 #include <numeric>
+#include <optional>
 #include <tuple>
 #include <utility>
 
@@ -74,10 +75,19 @@ struct TouchOf {
     }
 };
 
-Touch touchOf(const DrawCommand& command, const Rect& tile) {
-    return intersect(coverage(command), tile).isNull() ? Touch::none
-                                                       : std::visit(TouchOf{tile}, command);
+Touch touchOf(const DrawCommand& command, const Rect& covered, const Rect& tile) {
+    return intersect(covered, tile).isNull() ? Touch::none : std::visit(TouchOf{tile}, command);
 }
+
+/// A drawing, and what each of its commands covers.
+struct Drawing {
+    explicit Drawing(const DisplayList& commands) : list(commands) {
+        std::ranges::transform(list, std::back_inserter(covered), coverage);
+    }
+
+    const DisplayList& list;
+    std::vector<Rect> covered;
+};
 
 /// Joins neighbours into larger rectangles.
 void merge(std::vector<IntRect>& rects) {
@@ -114,12 +124,12 @@ struct TileContent {
     [[nodiscard]] bool even() const { return inColumns && inRows; }
 };
 
-TileContent contentOf(const DisplayList& list, std::span<const std::size_t> commands,
+TileContent contentOf(const Drawing& drawing, std::span<const std::size_t> commands,
                       const IntRect& tile) {
     TileContent content;
     const Rect area = toRect(tile);
     for (const std::size_t index : commands) {
-        const Touch touch = touchOf(list[index], area);
+        const Touch touch = touchOf(drawing.list[index], drawing.covered[index], area);
         content.inColumns = content.inColumns && touch != Touch::partly && touch != Touch::inRows;
         content.inRows = content.inRows && touch != Touch::partly && touch != Touch::inColumns;
         if (touch != Touch::none) {
@@ -137,7 +147,11 @@ std::vector<std::size_t> allOf(const DisplayList& list) {
 
 class Planner {
 public:
-    Planner(const DisplayList& list, const DisplayList* before) : list_(list), before_(before) {}
+    Planner(const DisplayList& list, const DisplayList* before) : now_(list) {
+        if (before != nullptr) {
+            before_.emplace(*before);
+        }
+    }
 
     void divide(const IntRect& tile, std::span<const Rect> areas,
                 std::span<const std::size_t> commands,
@@ -149,12 +163,15 @@ public:
         if (areasHere.empty()) {
             return;
         }
-        const TileContent now = contentOf(list_, commands, tile);
+        const TileContent now = contentOf(now_, commands, tile);
         const TileContent then =
             before_ ? contentOf(*before_, commandsBefore, tile) : TileContent{};
-        const bool small = tile.width <= tileSize && tile.height <= tileSize;
-        if (!small && !(now.even() && then.even())) {
-            const auto [first, second] = halves(tile);
+        // Along a straight edge there is nothing to be told apart.
+        const bool wide = tile.width > tileSize && !(now.inRows && then.inRows);
+        const bool high = tile.height > tileSize && !(now.inColumns && then.inColumns);
+        if ((wide || high) && !(now.even() && then.even())) {
+            const bool across = wide && (!high || tile.width > tile.height);
+            const auto [first, second] = halves(tile, across);
             divide(first, areasHere, now.touching, then.touching);
             divide(second, areasHere, now.touching, then.touching);
         } else if (!now.even()) {
@@ -208,21 +225,22 @@ private:
 
     /// Only fills touch a tile evenly.
     [[nodiscard]] bool sameColor(const TileContent& now, const TileContent& then) const {
-        const auto color = [](const DisplayList& list, std::size_t index) {
-            return std::get<FillRoundedRect>(list[index]).color;
+        const auto color = [](const Drawing& drawing, std::size_t index) {
+            return std::get<FillRoundedRect>(drawing.list[index]).color;
         };
         return std::ranges::equal(now.touching, then.touching, [&](std::size_t a, std::size_t b) {
-            return color(list_, a) == color(*before_, b);
+            return color(now_, a) == color(*before_, b);
         });
     }
 
-    static std::pair<IntRect, IntRect> halves(const IntRect& tile) {
+    /// @param across into a left and a right one
+    static std::pair<IntRect, IntRect> halves(const IntRect& tile, bool across) {
         const auto half = [](int length) {
             return std::max((length + tileSize) / (2 * tileSize) * tileSize, tileSize);
         };
         IntRect first = tile;
         IntRect second = tile;
-        if (tile.width > tile.height) {
+        if (across) {
             first.width = half(tile.width);
             second.x += first.width;
             second.width -= first.width;
@@ -234,8 +252,8 @@ private:
         return {first, second};
     }
 
-    const DisplayList& list_;
-    const DisplayList* before_;
+    Drawing now_;
+    std::optional<Drawing> before_;
     TilePlan plan_;
     /// By the commands that make up the colour.
     std::map<std::vector<std::size_t>, std::vector<IntRect>> uniform_;
