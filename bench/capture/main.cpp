@@ -25,7 +25,7 @@ namespace {
 constexpr double screenWidth = 5120;
 constexpr double screenHeight = 2880;
 const Rect square = {2000, 1000, 300, 300};
-constexpr PixelSize elementSize = {400, 225};
+constexpr IntSize elementSize = {400, 225};
 
 /// Shows a window of that place and colour above all others.
 xcb_window_t showWindow(const desktop::XConnection& server, const Rect& rect, std::uint32_t color) {

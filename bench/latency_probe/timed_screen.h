@@ -21,7 +21,7 @@ public:
         return inner_.captureBelow(area, windowNumber);
     }
     [[nodiscard]] std::optional<Bitmap> captureBelow(const Rect& area, std::uint32_t windowNumber,
-                                                     PixelSize size,
+                                                     IntSize size,
                                                      Interpolation interpolation) override {
         const Stopwatch::Lap lap(watch_);
         return inner_.captureBelow(area, windowNumber, size, interpolation);

@@ -8,7 +8,6 @@
 
 #include <functional>
 #include <memory>
-#include <string>
 #include <string_view>
 #include <vector>
 

@@ -29,10 +29,10 @@ public:
     virtual bool isProcessTrustedWithOptions(bool prompt) = 0;
 
     /// Until the token is destroyed, what has been read once is not asked for again: every
-    /// attribute keeps the answer it gave first. Scopes do not nest; an inner one ends nothing.
+    /// attribute keeps the reply it gave first. Within another such scope, until that one ends.
     [[nodiscard]] virtual Token keepReplies() = 0;
     /// Asks for attributes of several elements together, so that one wait serves them all; the
-    /// answers are kept for the scope that is open. Only a hint: a desktop that cannot do it does
+    /// replies are kept for the scope that is open. Only a hint: a desktop that cannot do it does
     /// nothing, and without an open scope nothing is asked.
     virtual void prefetch(std::span<const AXUIElement> elements,
                           std::span<const std::string_view> attributes) = 0;

@@ -50,14 +50,14 @@ std::uint32_t mixed(std::uint32_t first, std::uint32_t second, std::uint32_t wei
 
 } // namespace
 
-std::optional<PixelSize> pixelSizeOf(const Rect& area) {
+std::optional<IntSize> pixelSizeOf(const Rect& area) {
     const double width = std::round(area.width);
     const double height = std::round(area.height);
     if (!std::isfinite(area.x) || !std::isfinite(area.y) ||
         !(width >= 1 && height >= 1 && width <= largestSide && height <= largestSide)) {
         return std::nullopt;
     }
-    return PixelSize{static_cast<int>(width), static_cast<int>(height)};
+    return IntSize{static_cast<int>(width), static_cast<int>(height)};
 }
 
 Rect PictureCapture::pixelsOf(const Rect& area) const {
@@ -77,12 +77,12 @@ std::optional<Bitmap> PictureCapture::captureBelow(const Rect& area,
 }
 
 std::optional<Bitmap> PictureCapture::captureBelow(const Rect& area, std::uint32_t /*windowNumber*/,
-                                                   PixelSize size, Interpolation interpolation) {
+                                                   IntSize size, Interpolation interpolation) {
     return drawn(pixelsOf(area), size, interpolation);
 }
 
 /// The part of the picture at that size, what lies outside of it missing.
-std::optional<Bitmap> PictureCapture::drawn(const Rect& pixels, PixelSize size,
+std::optional<Bitmap> PictureCapture::drawn(const Rect& pixels, IntSize size,
                                             Interpolation interpolation) const {
     const bool isFinite = std::isfinite(pixels.maxX()) && std::isfinite(pixels.maxY());
     if (!isFinite || !(pixels.width > 0 && pixels.height > 0) || size.width < 1 ||

@@ -16,12 +16,12 @@ public:
     [[nodiscard]] std::optional<Bitmap> captureBelow(const Rect& area,
                                                      std::uint32_t windowNumber) override;
     [[nodiscard]] std::optional<Bitmap> captureBelow(const Rect& area, std::uint32_t windowNumber,
-                                                     PixelSize size,
+                                                     IntSize size,
                                                      Interpolation interpolation) override;
 
 private:
     [[nodiscard]] Rect pixelsOf(const Rect& area) const;
-    [[nodiscard]] std::optional<Bitmap> drawn(const Rect& pixels, PixelSize size,
+    [[nodiscard]] std::optional<Bitmap> drawn(const Rect& pixels, IntSize size,
                                               Interpolation interpolation) const;
 
     Bitmap picture_;
@@ -30,6 +30,6 @@ private:
 
 /// The size of an area of pixels, rounded to whole ones. Absent when that is no size a bitmap can
 /// have.
-[[nodiscard]] std::optional<PixelSize> pixelSizeOf(const Rect& area);
+[[nodiscard]] std::optional<IntSize> pixelSizeOf(const Rect& area);
 
 } // namespace lumetry

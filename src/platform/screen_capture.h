@@ -2,19 +2,12 @@
 
 #include "base/bitmap.h"
 #include "base/geometry.h"
+#include "base/int_geometry.h"
 
 #include <cstdint>
 #include <optional>
 
 namespace lumetry {
-
-/// A width and a height in pixels.
-struct PixelSize {
-    int width = 0;
-    int height = 0;
-
-    friend bool operator==(const PixelSize&, const PixelSize&) = default;
-};
 
 /// How pixels are found when a picture is drawn at another size (CGInterpolationQuality).
 enum class Interpolation {
@@ -44,7 +37,7 @@ public:
     /// it is missing where no window lies, or where none keeps its pixels.
     [[nodiscard]] virtual std::optional<Bitmap> captureBelow(const Rect& area,
                                                              std::uint32_t windowNumber,
-                                                             PixelSize size,
+                                                             IntSize size,
                                                              Interpolation interpolation) = 0;
 };
 

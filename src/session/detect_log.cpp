@@ -16,7 +16,8 @@ bool DetectLog::on() {
 
 void DetectLog::append(std::string_view line) {
     const char* const other = std::getenv(urlVariable);
-    fileSystem_.appendPrivately(other != nullptr ? other : std::string(url), line);
+    const bool isNamed = other != nullptr && *other != '\0';
+    fileSystem_.appendPrivately(isNamed ? other : std::string(url), line);
 }
 
 } // namespace lumetry

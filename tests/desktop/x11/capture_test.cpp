@@ -292,7 +292,7 @@ TEST_P(X11Capture, DrawsAtOtherSizes) {
     struct Case {
         const char* name;
         Rect area;
-        PixelSize size;
+        IntSize size;
         Interpolation interpolation;
         std::vector<std::uint32_t> row;
     };

@@ -19,7 +19,7 @@ public:
         return picture_ && !refused ? picture_->captureBelow(area, windowNumber) : std::nullopt;
     }
     [[nodiscard]] std::optional<Bitmap> captureBelow(const Rect& area, std::uint32_t windowNumber,
-                                                     PixelSize size,
+                                                     IntSize size,
                                                      Interpolation interpolation) override {
         note(area, windowNumber);
         lastSize = size;
@@ -33,7 +33,7 @@ public:
     int captures = 0;
     std::uint32_t lastWindowNumber = 0; ///< below which the last capture was
     Rect lastArea;
-    PixelSize lastSize;
+    IntSize lastSize;
     Interpolation lastInterpolation = Interpolation::none;
 
 private:

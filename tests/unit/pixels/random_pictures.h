@@ -15,7 +15,7 @@ namespace lumetry {
 class RandomPictures {
 public:
     /// @param margin most that the page may take on each side, in percent
-    Bitmap next(PixelSize size, int margin) {
+    Bitmap next(IntSize size, int margin) {
         const auto aside = [&](int length) { return below(1 + length * margin / 100); };
         const PixelRect rect = {aside(size.width), aside(size.height),
                                 size.width - 2 * aside(size.width),

@@ -122,7 +122,7 @@ TEST(Surface, IsWhatCountingPixelByPixelFinds) {
     for (int round = 0; round < 1000; ++round) {
         SCOPED_TRACE(round);
         const int longest = pictures.oneIn(3) ? 120 : 40;
-        const PixelSize pixels = {8 + pictures.below(longest), 8 + pictures.below(longest)};
+        const IntSize pixels = {8 + pictures.below(longest), 8 + pictures.below(longest)};
         const double scale = pictures.oneIn(2) ? 1 : 0.3 + pictures.below(70) / 100.0;
         const Size size = {pixels.width / scale, pixels.height / scale};
         const Bitmap picture = pictures.next(pixels, pictures.oneIn(2) ? 0 : 20);
@@ -151,7 +151,7 @@ TEST(Surface, IsExactInBrightNoise) {
 TEST(Surface, CapturesTheFrameAtMost400PixelsLong) {
     struct Case {
         Rect frame;
-        PixelSize size;
+        IntSize size;
         Interpolation interpolation;
     };
     using enum Interpolation;

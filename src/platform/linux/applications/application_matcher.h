@@ -43,7 +43,7 @@ struct ApplicationMatch {
     const DesktopEntry* entry = nullptr; ///< null where none of that id is installed
 };
 
-/// By what surely names it first, and by likeness last.
+/// By what surely names it first, and by what is like it last.
 /// @param windowClasses what its windows call it
 [[nodiscard]] ApplicationMatch matchApplication(const ProcessInfo& process,
                                                 const std::vector<std::string>& windowClasses,

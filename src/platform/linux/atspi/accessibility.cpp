@@ -11,7 +11,7 @@ namespace lumetry {
 using atspi::SessionBus;
 
 AtspiAccessibility::AtspiAccessibility(DesktopWindows& windows, FileDescriptorWatcher& watcher)
-    : context_(std::make_shared<atspi::Context>(windows, watcher)) {}
+    : context_(std::make_unique<atspi::Context>(windows, watcher)) {}
 
 AXUIElement AtspiAccessibility::createSystemWide() {
     return AXUIElement(std::make_shared<atspi::SystemWideElement>(*context_));
@@ -42,12 +42,10 @@ bool AtspiAccessibility::isProcessTrustedWithOptions(bool prompt) {
 Token AtspiAccessibility::keepReplies() {
     context_->cache.beginKeeping();
     context_->processes.beginSample();
-    return Token([context = std::weak_ptr(context_)] {
-        if (const auto alive = context.lock()) {
-            alive->cache.endKeeping();
-            alive->processes.endSample();
-        }
-    });
+    return Token(lifetime_.guard([this] {
+        context_->cache.endKeeping();
+        context_->processes.endSample();
+    }));
 }
 
 void AtspiAccessibility::prefetch(std::span<const AXUIElement> elements,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/lifetime.h"
 #include "platform/accessibility.h"
 #include "platform/linux/atspi/elements/context.h"
 
@@ -38,7 +39,8 @@ public:
     [[nodiscard]] std::uint64_t waits() const { return context_->bus.waits(); }
 
 private:
-    std::shared_ptr<atspi::Context> context_;
+    std::unique_ptr<atspi::Context> context_;
+    Lifetime lifetime_;
 };
 
 } // namespace lumetry

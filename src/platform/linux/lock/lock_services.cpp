@@ -1,7 +1,7 @@
 #include "platform/linux/lock/lock_services.h"
 
 #include "base/token.h"
-#include "platform/linux/bus/bus.h"
+#include "platform/linux/bus/connection.h"
 
 #include <dbus/dbus.h>
 
@@ -42,7 +42,7 @@ public:
 
 protected:
     /// @param bus null when there is none: then it says nothing
-    LockService(FileDescriptorWatcher& watcher, Bus bus);
+    LockService(FileDescriptorWatcher& watcher, BusConnection bus);
 
     /// Has the bus hand over the signals that the rule describes.
     void listen(const std::string& rule);
@@ -60,13 +60,13 @@ private:
     void read(int milliseconds);
     void handle(DBusMessage& message);
 
-    Bus bus_;
+    BusConnection bus_;
     int unanswered_ = 0;
     bool locked_ = false;
     Token readable_;
 };
 
-LockService::LockService(FileDescriptorWatcher& watcher, Bus bus) : bus_(std::move(bus)) {
+LockService::LockService(FileDescriptorWatcher& watcher, BusConnection bus) : bus_(std::move(bus)) {
     int descriptor = -1;
     if (bus_ && dbus_connection_get_unix_fd(bus_.get(), &descriptor) != FALSE) {
         readable_ = watcher.watchReadable(descriptor, [this] { read(0); });

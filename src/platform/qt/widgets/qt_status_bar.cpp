@@ -20,7 +20,6 @@
 #include <algorithm>
 #include <optional>
 #include <string>
-#include <utility>
 
 namespace lumetry {
 namespace {

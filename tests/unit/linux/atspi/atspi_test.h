@@ -20,7 +20,7 @@
 
 namespace lumetry::test {
 
-/// Windows where a test puts them, the topmost first.
+/// Windows where a test puts them in accessibility space, the topmost first.
 class FixedWindows final : public DesktopWindows {
 public:
     std::vector<DesktopWindow> windows;
@@ -31,7 +31,10 @@ public:
                                                         std::optional<pid_t> pid) override {
         for (const DesktopWindow& window : windows) {
             if (window.bounds.contains(point) && (!pid || window.pid == pid)) {
-                return window;
+                DesktopWindow found = window;
+                found.bounds = space.toRoot(window.bounds);
+                found.client = space.toRoot(window.client);
+                return found;
             }
         }
         return std::nullopt;

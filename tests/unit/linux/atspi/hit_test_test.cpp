@@ -335,13 +335,13 @@ TEST_F(Hits, InAWindowThatIsKnownWaitOnce) {
     ASSERT_TRUE(hit(application, 101, 101));
     EXPECT_EQ(accessibility->waits() - waits, 1) << "near the last point";
     kept.reset();
-    answers = accessibility->keepReplies();
+    kept = accessibility->keepReplies();
     waits = accessibility->waits();
     ASSERT_EQ(titleAt(application, 160, 100), "b");
     EXPECT_EQ(accessibility->waits() - waits, 3) << "on to a neighbour, and its title";
     kept.reset();
 
-    answers = accessibility->keepReplies();
+    kept = accessibility->keepReplies();
     const auto element = hit(application, 160, 100);
     waits = accessibility->waits();
     (void)element->copyAttributeValue("AXSize");

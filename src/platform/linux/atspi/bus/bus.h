@@ -83,7 +83,7 @@ private:
     FileDescriptorWatcher& watcher_;
     Clock::duration overdueInterval_;
     SessionBus session_;
-    Connection connection_;
+    BusConnection connection_;
     std::optional<Clock::time_point> triedAt_;
     std::uint64_t generation_ = 0;
     std::uint64_t requests_ = 0;

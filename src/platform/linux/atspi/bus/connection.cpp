@@ -19,7 +19,7 @@ const ObjectReference& accessibilityService() {
 
 } // namespace
 
-bool isConnected(const Connection& connection) {
+bool isConnected(const BusConnection& connection) {
     return connection && dbus_connection_get_is_connected(connection.get()) != FALSE;
 }
 
@@ -65,7 +65,7 @@ std::string SessionBus::accessibilityBusAddress() {
         .value_or("");
 }
 
-Connection openAccessibilityBus(SessionBus& session) {
+BusConnection openAccessibilityBus(SessionBus& session) {
     const std::string given = environmentText("AT_SPI_BUS_ADDRESS");
     return openBus(given.empty() ? session.accessibilityBusAddress() : given);
 }

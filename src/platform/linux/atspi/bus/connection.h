@@ -1,16 +1,14 @@
 #pragma once
 
 #include "platform/linux/atspi/bus/message.h"
-#include "platform/linux/bus/bus.h"
+#include "platform/linux/bus/connection.h"
 
 #include <string>
 
 namespace lumetry::atspi {
 
-using Connection = lumetry::Bus;
-
 /// False for null, too.
-[[nodiscard]] bool isConnected(const Connection& connection);
+[[nodiscard]] bool isConnected(const BusConnection& connection);
 
 /// The session bus, and what it says of accessibility. It is connected when it is first needed.
 class SessionBus {
@@ -32,10 +30,10 @@ private:
     [[nodiscard]] bool connect();
     [[nodiscard]] Reply ask(Message request);
 
-    Connection connection_;
+    BusConnection connection_;
 };
 
 /// Connects to the accessibility bus; null when there is none.
-[[nodiscard]] Connection openAccessibilityBus(SessionBus& session);
+[[nodiscard]] BusConnection openAccessibilityBus(SessionBus& session);
 
 } // namespace lumetry::atspi

@@ -6,7 +6,6 @@
 #include <initializer_list>
 #include <set>
 #include <utility>
-#include <vector>
 
 namespace lumetry::atspi {
 namespace {

@@ -25,16 +25,13 @@ double areaOf(const IntRect& place) {
 
 std::optional<HitTest::Hit> HitTest::objectAt(Point point, std::optional<pid_t> pid,
                                               Deadline deadline) {
-    auto window = windows_.windowAt(point, pid);
+    const auto window = windows_.windowAt(point, pid);
     const auto owner = window && window->pid ? window->pid : pid;
     if (!window || !owner || !bus_.connect()) {
         return std::nullopt;
     }
     const Token kept = cache_.keep();
-    const RootSpace space = windows_.rootSpace();
-    const Point at = space.toRoot(point);
-    window->bounds = space.toRoot(window->bounds);
-    window->client = space.toRoot(window->client);
+    const Point at = windows_.rootSpace().toRoot(point);
     lastClient_ = window->client;
     auto object = objectIn(*window, *owner, at, deadline);
     if (!object) {
@@ -93,7 +90,7 @@ std::optional<ObjectReference> HitTest::objectIn(const DesktopWindow& window, pi
         }
         // What was remembered of the window is gone; a popup comes back as another object.
         topLevels_.forget(window.id);
-        cache_.forget(topLevel->object);
+        cache_.forget(topLevel->object.name);
         if (again && descent.outcome == Outcome::refused) {
             return topLevel->object;
         }
@@ -107,6 +104,11 @@ void HitTest::askWhatTellsRole(PointQueries& queries, const ObjectReference& obj
                                const Habits& habits) {
     const auto role = queries.get<Question::role>(object).value_or(-1);
     std::vector<Question> questions = questionsForRole(role, habits);
+    // A text is measured as a part of what it labels.
+    const bool isText = axRole(role) == "AXStaticText";
+    if (isText) {
+        questions.push_back(Question::parent);
+    }
     bool known = true;
     for (const Question question : questions) {
         known = known && queries.isKnown({object, question});
@@ -117,10 +119,11 @@ void HitTest::askWhatTellsRole(PointQueries& queries, const ObjectReference& obj
                                            Question::value, Question::children});
         cache_.ask(object, questions, queries.deadline());
     }
-    const auto parent =
-        dependsOnParentsRole(role, habits) ? queries.get<Question::parent>(object) : std::nullopt;
+    const auto parent = isText || dependsOnParentsRole(role, habits)
+                            ? queries.get<Question::parent>(object)
+                            : std::nullopt;
     if (parent) {
-        queries.use(*parent, {Question::role});
+        queries.use(*parent, {Question::role, Question::interfaces});
     }
 }
 

@@ -23,7 +23,7 @@ namespace lumetry::atspi {
 firstShowingBelow(Bus& bus, const Toolkits& toolkits, std::vector<ObjectReference> starts,
                   const std::function<bool(const IntRect&)>& fits, Deadline deadline);
 
-/// GTK's popovers are further children of the window's object that lie over its contents. Query for
+/// GTK's popovers are further children of the window's object that lie over its contents. Asked for
 /// a point, GTK answers with the first child there, even where a popover covers it.
 class Popovers {
 public:

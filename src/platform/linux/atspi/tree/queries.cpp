@@ -120,8 +120,9 @@ const Reply& Replies::reply(const Query& query) const {
     return found == replies_.end() ? silence : found->second;
 }
 
-void Replies::erase(const ObjectReference& object) {
-    std::erase_if(replies_, [&](const auto& entry) { return entry.first.object == object; });
+void Replies::erase(const std::string& application) {
+    std::erase_if(replies_,
+                  [&](const auto& entry) { return entry.first.object.name == application; });
 }
 
 void exchange(Bus& bus, const Toolkits& toolkits, std::span<const Query> queries, Deadline deadline,
@@ -137,9 +138,9 @@ void exchange(Bus& bus, const Toolkits& toolkits, std::span<const Query> queries
                                           : query,
                                       habits.coordinates));
     }
-    auto answers = bus.exchange(std::move(requests), deadline);
+    auto answered = bus.exchange(std::move(requests), deadline);
     for (std::size_t place = 0; place < queries.size(); ++place) {
-        replies.insert(queries[place], std::move(answers[place]));
+        replies.insert(queries[place], std::move(answered[place]));
     }
 }
 

@@ -9,6 +9,7 @@
 #include <map>
 #include <optional>
 #include <span>
+#include <string>
 #include <tuple>
 #include <utility>
 
@@ -111,8 +112,8 @@ public:
         replies_.insert_or_assign(std::move(query), std::move(reply));
     }
     void clear() { replies_.clear(); }
-    /// Whatever that object has said.
-    void erase(const ObjectReference& object);
+    /// Whatever objects of that application have said.
+    void erase(const std::string& application);
 
 private:
     std::map<Query, Reply> replies_;

@@ -3,6 +3,7 @@
 #include "platform/linux/atspi/tree/tables.h"
 
 #include <algorithm>
+#include <cassert>
 #include <iterator>
 #include <set>
 
@@ -20,6 +21,7 @@ Token ReplyCache::keep() {
 }
 
 void ReplyCache::ask(std::span<const Query> queries, Deadline deadline) {
+    assert(keeps());
     for (auto next = unanswered(queries); !next.empty(); next = unanswered(queries)) {
         exchange(bus_, toolkits_, next, deadline, replies_);
     }

@@ -10,6 +10,7 @@
 #include <initializer_list>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace lumetry::atspi {
@@ -59,8 +60,8 @@ public:
         return get<question>(object, first, second);
     }
 
-    /// Whatever that object has said.
-    void forget(const ObjectReference& object) { replies_.erase(object); }
+    /// Whatever objects of that application have said.
+    void forget(const std::string& application) { replies_.erase(application); }
 
 private:
     [[nodiscard]] std::vector<Query> unanswered(std::span<const Query> queries) const;

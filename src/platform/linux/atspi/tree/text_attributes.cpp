@@ -10,7 +10,6 @@
 #include <optional>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 namespace lumetry::atspi {
 namespace {

@@ -32,7 +32,7 @@ struct Habits {
         withoutPlace, ///< those of which no place is told
         any,          ///< also those that keep a place
     } unseenChildren = Unseen::any;
-    /// Query for more text than there is they give what there is, without a word in their logs.
+    /// Asked for more text than there is they give what there is, without a word in their logs.
     bool clipsText = false;
     /// Takes the points of hit tests in pixels, whatever units it reports places in.
     bool hitsInPixels = false;

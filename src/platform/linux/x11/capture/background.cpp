@@ -180,7 +180,7 @@ void CaptureBackdrop::clipToBareScreen() {
 
 /// @return whether anything is known
 bool CaptureBackdrop::fillTheRest() {
-    constexpr PixelSize samples = {64, 64};
+    constexpr IntSize samples = {64, 64};
     const ScreenLayout& layout = windows_.layout();
     const auto grid = CaptureGrid::of(layout.root, samples, Interpolation::none);
     if (!grid) {

@@ -34,7 +34,7 @@ std::optional<CaptureGrid> CaptureGrid::of(const Rect& area) {
     return of(whole, *size, Interpolation::none);
 }
 
-std::optional<CaptureGrid> CaptureGrid::of(const Rect& area, PixelSize size,
+std::optional<CaptureGrid> CaptureGrid::of(const Rect& area, IntSize size,
                                            Interpolation interpolation) {
     const auto fits = [](double start, double length, int count) {
         return std::abs(start) <= farthestPlace && length > 0 && count >= 1 &&

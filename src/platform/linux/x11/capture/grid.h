@@ -16,10 +16,10 @@ public:
     /// @param area root coordinates
     [[nodiscard]] static std::optional<CaptureGrid> of(const Rect& area);
     /// The area drawn at another size.
-    [[nodiscard]] static std::optional<CaptureGrid> of(const Rect& area, PixelSize size,
+    [[nodiscard]] static std::optional<CaptureGrid> of(const Rect& area, IntSize size,
                                                        Interpolation interpolation);
 
-    [[nodiscard]] PixelSize size() const { return size_; }
+    [[nodiscard]] IntSize size() const { return size_; }
     [[nodiscard]] Interpolation interpolation() const { return interpolation_; }
     /// From one pixel to the next, in pixels of the root window.
     [[nodiscard]] Size step() const;
@@ -32,11 +32,11 @@ public:
     [[nodiscard]] IntRect pixelsIn(const Rect& onRoot) const;
 
 private:
-    CaptureGrid(const Rect& area, PixelSize size, Interpolation interpolation)
+    CaptureGrid(const Rect& area, IntSize size, Interpolation interpolation)
         : area_(area), size_(size), interpolation_(interpolation) {}
 
     Rect area_;
-    PixelSize size_;
+    IntSize size_;
     Interpolation interpolation_;
 };
 

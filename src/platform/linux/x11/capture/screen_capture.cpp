@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <span>
-#include <utility>
 
 namespace lumetry::x11 {
 namespace {
@@ -88,7 +87,7 @@ std::optional<Bitmap> X11ScreenCapture::captureBelow(const Rect& area, std::uint
 }
 
 std::optional<Bitmap> X11ScreenCapture::captureBelow(const Rect& area, std::uint32_t windowNumber,
-                                                     PixelSize size, Interpolation interpolation) {
+                                                     IntSize size, Interpolation interpolation) {
     const auto grid = CaptureGrid::of(onRoot(area), size, interpolation);
     if (!grid) {
         return std::nullopt;
@@ -178,7 +177,7 @@ std::vector<CaptureLayer> X11ScreenCapture::layersBelow(std::uint32_t windowNumb
 bool X11ScreenCapture::captureBand(const Wanted& wanted, const IntRect& band,
                                    std::vector<CaptureLayer>& topmostFirst, Bitmap& bitmap) {
     auto& [redirection, target, background, composer] = *workshop_;
-    const PixelSize size = {band.width, band.height};
+    const IntSize size = {band.width, band.height};
     const bool isSwapped = hasOtherByteOrder(connection_);
     target.reserve(size);
     const CaptureComposer::Canvas canvas = {wanted.grid, band, target.picture()};

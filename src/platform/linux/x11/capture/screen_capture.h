@@ -37,7 +37,7 @@ public:
     [[nodiscard]] std::optional<Bitmap> captureBelow(const Rect& area,
                                                      std::uint32_t windowNumber) override;
     [[nodiscard]] std::optional<Bitmap> captureBelow(const Rect& area, std::uint32_t windowNumber,
-                                                     PixelSize size,
+                                                     IntSize size,
                                                      Interpolation interpolation) override;
 
 private:

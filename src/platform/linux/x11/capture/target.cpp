@@ -129,7 +129,7 @@ bool CaptureSegment::reserve(std::size_t bytes) {
     return true;
 }
 
-std::span<const std::uint32_t> CaptureSegment::read(xcb_pixmap_t pixmap, PixelSize size) {
+std::span<const std::uint32_t> CaptureSegment::read(xcb_pixmap_t pixmap, IntSize size) {
     const std::size_t count =
         static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height);
     if (!reserve(count * sizeof(std::uint32_t))) {
@@ -165,14 +165,14 @@ CaptureTarget::~CaptureTarget() {
 }
 
 void CaptureTarget::free() {
-    if (size_ != PixelSize{}) {
+    if (size_ != IntSize{}) {
         xcb_render_free_picture(connection_.get(), picture_);
         xcb_free_pixmap(connection_.get(), pixmap_);
         size_ = {};
     }
 }
 
-void CaptureTarget::reserve(PixelSize size) {
+void CaptureTarget::reserve(IntSize size) {
     if (size.width <= size_.width && size.height <= size_.height) {
         return;
     }
@@ -185,7 +185,7 @@ void CaptureTarget::reserve(PixelSize size) {
     xcb_render_create_picture(c, picture_, pixmap_, format_, 0, nullptr);
 }
 
-std::span<const std::uint32_t> CaptureTarget::fetch(PixelSize size) {
+std::span<const std::uint32_t> CaptureTarget::fetch(IntSize size) {
     const std::size_t count =
         static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height);
     if (const auto words = segment_.read(pixmap_, size); !words.empty()) {

@@ -56,7 +56,7 @@ public:
 
     /// Reads the top-left part of a pixmap of depth 32. Valid until the next call. Empty when
     /// memory cannot be shared with the server, or when there is no such pixmap.
-    [[nodiscard]] std::span<const std::uint32_t> read(xcb_pixmap_t pixmap, PixelSize size);
+    [[nodiscard]] std::span<const std::uint32_t> read(xcb_pixmap_t pixmap, IntSize size);
 
 private:
     [[nodiscard]] bool reserve(std::size_t bytes);
@@ -86,14 +86,14 @@ public:
     ~CaptureTarget();
 
     /// Makes room for that many pixels, whose contents are undefined.
-    void reserve(PixelSize size);
+    void reserve(IntSize size);
     /// Of what reserve has made room for, from the top-left corner on.
     [[nodiscard]] xcb_render_picture_t picture() const { return picture_; }
 
     /// Calls the function with each row's words, in the server's byte order, from the top. False
     /// when the pixels cannot be read.
     template<class Function>
-    [[nodiscard]] bool read(PixelSize size, Function function) {
+    [[nodiscard]] bool read(IntSize size, Function function) {
         const auto words = fetch(size);
         const auto width = static_cast<std::size_t>(size.width);
         for (std::size_t row = 0; row * width < words.size(); ++row) {
@@ -103,12 +103,12 @@ public:
     }
 
 private:
-    [[nodiscard]] std::span<const std::uint32_t> fetch(PixelSize size);
+    [[nodiscard]] std::span<const std::uint32_t> fetch(IntSize size);
     void free();
 
     Connection& connection_;
     xcb_render_pictformat_t format_;
-    PixelSize size_; ///< of the pixmap; nothing before there is one
+    IntSize size_; ///< of the pixmap; nothing before there is one
     xcb_pixmap_t pixmap_;
     xcb_render_picture_t picture_;
     CaptureSegment segment_;

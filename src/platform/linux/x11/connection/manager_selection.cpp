@@ -4,7 +4,9 @@
 
 #include <xcb/xfixes.h>
 
+#include <array>
 #include <string>
+#include <string_view>
 
 namespace lumetry::x11 {
 
@@ -13,7 +15,7 @@ ManagerSelection::ManagerSelection(Connection& connection, std::string_view sele
       events_(connection.onEvent([this](const auto& event) { handle(event); })) {
     auto* const c = connection.get();
     const std::string name = std::string(selection) + std::to_string(connection.screenNumber());
-    const std::string_view names[] = {name};
+    const std::array<std::string_view, 1> names = {name};
     selection_ = connection.intern(names).front();
     if (selection_ == XCB_ATOM_NONE) {
         return;

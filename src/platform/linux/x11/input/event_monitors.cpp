@@ -6,7 +6,6 @@
 
 #include <unistd.h>
 
-#include <array>
 #include <memory>
 #include <utility>
 

@@ -9,7 +9,6 @@
 
 #include <array>
 #include <bitset>
-#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>

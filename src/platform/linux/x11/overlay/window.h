@@ -12,7 +12,6 @@
 #include "platform/overlay_window.h"
 #include "platform/rasterizer.h"
 
-#include <memory>
 #include <optional>
 #include <vector>
 

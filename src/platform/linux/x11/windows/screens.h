@@ -7,7 +7,6 @@
 #include "platform/linux/x11/windows/record.h"
 #include "platform/window_server.h"
 
-#include <cstddef>
 #include <functional>
 #include <optional>
 #include <span>

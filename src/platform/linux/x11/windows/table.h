@@ -5,8 +5,6 @@
 #include "platform/linux/x11/windows/record.h"
 
 #include <cstddef>
-#include <optional>
-#include <span>
 #include <unordered_map>
 #include <vector>
 

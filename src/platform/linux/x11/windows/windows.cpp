@@ -105,13 +105,13 @@ void X11Windows::getShareableContent(std::function<void()> completion) {
 }
 
 std::optional<DesktopWindow> X11Windows::windowAt(Point point, std::optional<pid_t> pid) {
-    const RootSpace space = rootSpace();
+    const Point at = rootSpace().toRoot(point);
     for (const WindowRecord* const window : onScreen()) {
-        const Rect bounds = space.toAccessibility(boundsOf(*window));
-        if (!isOwn(*window) && (!pid || window->pid == pid) && bounds.contains(point)) {
+        const Rect bounds = boundsOf(*window);
+        if (!isOwn(*window) && (!pid || window->pid == pid) && bounds.contains(at)) {
             return DesktopWindow{window->client.value_or(window->id), window->pid, bounds,
                                  traits_.kindOf(*window) == WindowKind::popup,
-                                 space.toAccessibility(clientBoundsOf(*window))};
+                                 clientBoundsOf(*window)};
         }
     }
     return std::nullopt;

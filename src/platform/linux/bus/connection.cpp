@@ -1,4 +1,4 @@
-#include "platform/linux/system/bus_addresses.h"
+#include "platform/linux/bus/connection.h"
 
 #include "platform/linux/system/environment.h"
 
@@ -17,6 +17,18 @@ std::string sessionBusAddress() {
 
 std::string systemBusAddress() {
     return environmentText("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/var/run/dbus/system_bus_socket");
+}
+
+BusConnection openBus(const std::string& address) {
+    BusConnection bus(address.empty() ? nullptr
+                                      : dbus_connection_open_private(address.c_str(), nullptr));
+    if (bus && dbus_bus_register(bus.get(), nullptr) == FALSE) {
+        bus.reset();
+    }
+    if (bus) {
+        dbus_connection_set_exit_on_disconnect(bus.get(), FALSE);
+    }
+    return bus;
 }
 
 } // namespace lumetry

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "platform/linux/system/bus_addresses.h"
-
 #include <dbus/dbus.h>
 
 #include <memory>
@@ -16,11 +14,17 @@ struct CloseBus {
         dbus_connection_unref(connection);
     }
 };
-using Bus = std::unique_ptr<DBusConnection, CloseBus>;
+using BusConnection = std::unique_ptr<DBusConnection, CloseBus>;
+
+/// Where the session bus is; empty when nothing says so. Without an address libdbus would start a
+/// bus of its own, which no application is on.
+[[nodiscard]] std::string sessionBusAddress();
+/// Where the system bus is, if there is one.
+[[nodiscard]] std::string systemBusAddress();
 
 /// Connects to a bus; null when there is none, or it lets nobody in. That the bus goes away does
 /// not end this process.
 /// @param address such as sessionBusAddress or systemBusAddress; empty when there is no bus
-[[nodiscard]] Bus openBus(const std::string& address);
+[[nodiscard]] BusConnection openBus(const std::string& address);
 
 } // namespace lumetry
