@@ -5,9 +5,6 @@
 #include <xcb/composite.h>
 #include <xcb/shape.h>
 
-#include <algorithm>
-#include <array>
-#include <cstdlib>
 #include <stdexcept>
 
 namespace lumetry::desktop {
@@ -116,15 +113,6 @@ void CaptureRig::stopCompositor() {
     loop.requireUntil("its end",
                       [&] { return desktop.server().selectionOwner("_NET_WM_CM_S0") == XCB_NONE; });
     loop.settle();
-}
-
-bool isNear(std::uint32_t a, std::uint32_t b, int tolerance) {
-    constexpr std::array shifts = {0U, 8U, 16U, 24U};
-    return std::ranges::all_of(shifts, [=](unsigned shift) {
-        const int difference =
-            static_cast<int>((a >> shift) & 0xFF) - static_cast<int>((b >> shift) & 0xFF);
-        return std::abs(difference) <= tolerance;
-    });
 }
 
 } // namespace lumetry::desktop

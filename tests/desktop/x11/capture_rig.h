@@ -11,6 +11,10 @@
 
 namespace lumetry::desktop {
 
+constexpr std::uint32_t red = 0xFFCC2020;
+constexpr std::uint32_t green = 0xFF20AA30;
+constexpr std::uint32_t blue = 0xFF2040CC;
+
 /// A desktop with the windows of another process, and captures of it.
 class CaptureRig : public X11Rig {
 public:
@@ -48,8 +52,5 @@ private:
 
     std::optional<ChildProcess> compositor_;
 };
-
-/// Whether each component of two colours is the same but for that much.
-[[nodiscard]] bool isNear(std::uint32_t a, std::uint32_t b, int tolerance = 1);
 
 } // namespace lumetry::desktop

@@ -13,10 +13,6 @@
 namespace lumetry::desktop {
 namespace {
 
-constexpr std::uint32_t red = 0xFFCC2020;
-constexpr std::uint32_t green = 0xFF20AA30;
-constexpr std::uint32_t blue = 0xFF2040CC;
-
 TEST(X11ScreenCapture, IsAbsentForAreasThatAreNone) {
     CaptureRig rig;
     constexpr double infinity = std::numeric_limits<double>::infinity();

@@ -1,5 +1,5 @@
-#include "block_rasterizer.h"
 #include "capture_rig.h"
+#include "counting_rasterizer.h"
 
 #include "platform/overlay_window.h"
 #include "rig/desktop_windows.h"
@@ -14,9 +14,6 @@
 namespace lumetry::desktop {
 namespace {
 
-constexpr std::uint32_t red = 0xFFCC2020;
-constexpr std::uint32_t green = 0xFF20AA30;
-constexpr std::uint32_t blue = 0xFF2040CC;
 constexpr std::uint32_t transparent = 0;
 /// What the compositing manager shows where there is nothing.
 constexpr std::uint32_t managersGrey = 0xFF808080;
@@ -146,7 +143,7 @@ class TextView final : public ContentView {
 public:
     void draw(Canvas& canvas, const Rect& windowFrame) override {
         canvas.fillRoundedRect({0, 0, windowFrame.width, windowFrame.height}, 0, accentPink);
-        canvas.drawText("drawn", {0, 0}, {}, white);
+        canvas.drawText("drawn", {0, 0}, {FontFamily::system, 13}, white);
     }
 };
 
@@ -162,7 +159,7 @@ TEST_P(X11Capture, NeverShowsTheOverlay) {
     rig.fill(window, {0, 0, 400, 500}, blue);
     const auto& server = rig.desktop.server();
     for (const bool again : {false, true}) {
-        BlockRasterizer rasterizer;
+        CountingRasterizer rasterizer;
         TextView view;
         const auto overlay = rig.x11().overlayWindows(rasterizer).makeWindow({0, 0, 800, 600}, {});
         overlay->setContentView(view);
@@ -205,7 +202,7 @@ TEST_P(X11Capture, ShowsAnApplicationAsTheScreenDid) {
     ASSERT_GT(std::set(before->pixels.begin(), before->pixels.end()).size(), 50U)
         << "the application has drawn itself";
 
-    BlockRasterizer rasterizer;
+    CountingRasterizer rasterizer;
     TextView view;
     const auto overlay = rig.x11().overlayWindows(rasterizer).makeWindow({0, 0, 800, 600}, {});
     overlay->setContentView(view);

@@ -1,4 +1,4 @@
-#include "block_rasterizer.h"
+#include "counting_rasterizer.h"
 #include "x11_rig.h"
 
 #include "platform/overlay_window.h"
@@ -139,7 +139,7 @@ TEST(X11Desktop, EndsQuietlyWithTheServer) {
     ASSERT_TRUE(x11) << problem;
     int lost = 0;
     x11->onConnectionLost([&] { ++lost; });
-    BlockRasterizer rasterizer;
+    CountingRasterizer rasterizer;
     EmptyView view;
     const auto window = x11->overlayWindows(rasterizer).makeWindow({0, 0, 100, 100}, {});
     window->setContentView(view);
@@ -169,7 +169,7 @@ TEST(X11Desktop, EndsQuietlyWithTheServer) {
 
 TEST(X11Desktop, SleepsWhileNothingHappens) {
     X11Rig rig;
-    BlockRasterizer rasterizer;
+    CountingRasterizer rasterizer;
     EmptyView view;
     const auto window = rig.x11().overlayWindows(rasterizer).makeWindow({0, 0, 800, 600}, {});
     window->setContentView(view);

@@ -1,4 +1,4 @@
-#include "block_rasterizer.h"
+#include "counting_rasterizer.h"
 #include "x11_rig.h"
 
 #include "platform/linux/x11/connection/reply.h"
@@ -8,9 +8,6 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
-#include <array>
-#include <cstdlib>
 #include <map>
 #include <string>
 
@@ -23,15 +20,7 @@ constexpr Color faintPink = accentPink.withAlpha(0.07);
 /// The faint pink over the background, a unit more or less.
 constexpr std::uint32_t tinted = 0xFF416398;
 
-bool nearlyEqual(std::uint32_t a, std::uint32_t b) {
-    constexpr std::array<unsigned, 3> components = {0, 8, 16};
-    return std::ranges::all_of(components, [&](unsigned shift) {
-        return std::abs(static_cast<int>((a >> shift) & 0xFF) -
-                        static_cast<int>((b >> shift) & 0xFF)) <= 1;
-    });
-}
-
-/// Shows a list of commands.
+/// Shows an outline, and a text with a mark before it on a plate.
 class ListView final : public ContentView {
 public:
     void draw(Canvas& canvas, const Rect& windowFrame) override {
@@ -43,7 +32,8 @@ public:
         }
         if (!text.empty()) {
             canvas.fillRoundedRect({20, 20, 200, 40}, 9, white);
-            canvas.drawText(text, {30, 30}, {}, accentPink);
+            canvas.fillRoundedRect({30, 30, 10, 20}, 0, accentPink);
+            canvas.drawText(text, {50, 30}, {FontFamily::system, 13}, accentPink);
         }
     }
 
@@ -67,7 +57,7 @@ struct OverlayRig : X11Rig {
     }
     /// Runs until the pixel of the screen is that colour, but for a unit of each component.
     [[nodiscard]] bool showsAt(double x, double y, std::uint32_t color) {
-        return loop.runUntil([&] { return nearlyEqual(pixel(x, y), color); });
+        return loop.runUntil([&] { return isNear(pixel(x, y), color); });
     }
     [[nodiscard]] std::optional<std::string> texts() const {
         return desktop.server().textProperty(window->windowNumber(), "_LUMETRY_TEXT");
@@ -77,7 +67,7 @@ struct OverlayRig : X11Rig {
         loop.requireUntil("a drawing", [&] { return texts().has_value(); });
     }
 
-    BlockRasterizer rasterizer;
+    CountingRasterizer rasterizer;
     ListView view;
     std::unique_ptr<OverlayWindow> window;
 };
@@ -236,7 +226,7 @@ TEST(X11OverlayWindow, FollowsItsFrame) {
                 .compositor = false,
                 .screens = {{300, 0, 500, 400}, {0, 0, 300, 600}},
                 .serverArguments = {}});
-    BlockRasterizer rasterizer;
+    CountingRasterizer rasterizer;
     ListView view;
     // Screen space begins at the lower left of the primary screen, which is at (300, 400).
     const Rect whole = {-300, -200, 800, 600};

@@ -82,4 +82,7 @@ private:
     std::unique_ptr<X11Desktop> x11_;
 };
 
+/// Whether each component of two colours is the same but for that much.
+[[nodiscard]] bool isNear(std::uint32_t a, std::uint32_t b, int tolerance = 1);
+
 } // namespace lumetry::desktop
