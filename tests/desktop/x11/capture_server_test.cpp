@@ -1,6 +1,7 @@
 #include "capture_rig.h"
 
 #include "rig/screenshot.h"
+#include "support/pictures/pictures.h"
 
 #include <gmock/gmock.h>
 

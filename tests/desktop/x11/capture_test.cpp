@@ -4,6 +4,7 @@
 #include "platform/overlay_window.h"
 #include "rig/desktop_windows.h"
 #include "rig/screenshot.h"
+#include "support/pictures/pictures.h"
 
 #include <gmock/gmock.h>
 

@@ -5,6 +5,7 @@
 #include "platform/overlay_window.h"
 #include "rig/monitors.h"
 #include "rig/screenshot.h"
+#include "support/pictures/pictures.h"
 
 #include <gmock/gmock.h>
 

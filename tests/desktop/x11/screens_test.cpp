@@ -1,20 +1,14 @@
 #include "x11_rig.h"
 
 #include "rig/monitors.h"
+#include "support/printing/printing.h"
 
 #include <gmock/gmock.h>
 
 #include <cstdint>
-#include <ostream>
 #include <string>
 
 namespace lumetry::desktop {
-
-// NOLINTNEXTLINE(readability-identifier-naming): GoogleTest's name
-void PrintTo(const Rect& rect, std::ostream* out) {
-    *out << rect.x << ',' << rect.y << ' ' << rect.width << 'x' << rect.height;
-}
-
 namespace {
 
 using testing::ElementsAre;

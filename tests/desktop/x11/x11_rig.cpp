@@ -3,7 +3,6 @@
 #include <xcb/res.h>
 #include <xcb/shape.h>
 
-#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <sstream>
@@ -184,15 +183,6 @@ std::vector<WindowInfo> X11Rig::waitForList(std::size_t count) {
         return list.size() == count;
     });
     return list;
-}
-
-bool isNear(std::uint32_t a, std::uint32_t b, int tolerance) {
-    constexpr std::array shifts = {0U, 8U, 16U, 24U};
-    return std::ranges::all_of(shifts, [=](unsigned shift) {
-        const int difference =
-            static_cast<int>((a >> shift) & 0xFF) - static_cast<int>((b >> shift) & 0xFF);
-        return std::abs(difference) <= tolerance;
-    });
 }
 
 } // namespace lumetry::desktop

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/linux/x11/desktop.h"
-#include "poll_loop.h"
 #include "rig/private_desktop.h"
+#include "support/fake_linux/poll_loop.h"
 
 #include <xcb/xcb.h>
 
@@ -14,6 +14,8 @@
 #include <vector>
 
 namespace lumetry::desktop {
+
+using test::PollLoop;
 
 struct WindowOptions {
     bool overrideRedirect = false;
@@ -81,8 +83,5 @@ private:
     std::size_t madeWindows_ = 0;
     std::unique_ptr<X11Desktop> x11_;
 };
-
-/// Whether each component of two colours is the same but for that much.
-[[nodiscard]] bool isNear(std::uint32_t a, std::uint32_t b, int tolerance = 1);
 
 } // namespace lumetry::desktop

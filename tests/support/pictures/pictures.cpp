@@ -1,8 +1,10 @@
 #include "support/pictures/pictures.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstdlib>
 #include <random>
 
 namespace lumetry {
@@ -22,6 +24,15 @@ double outside(int at, int length, int radius) {
 }
 
 } // namespace
+
+bool isNear(std::uint32_t a, std::uint32_t b, int tolerance) {
+    constexpr std::array shifts = {0U, 8U, 16U, 24U};
+    return std::ranges::all_of(shifts, [=](unsigned shift) {
+        const int difference =
+            static_cast<int>((a >> shift) & 0xFF) - static_cast<int>((b >> shift) & 0xFF);
+        return std::abs(difference) <= tolerance;
+    });
+}
 
 Bitmap evenBitmap(int width, int height, std::uint32_t rgb) {
     Bitmap bitmap(width, height);

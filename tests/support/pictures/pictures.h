@@ -11,6 +11,9 @@ constexpr std::uint32_t opaque(std::uint32_t rgb) {
     return 0xFF000000U | rgb;
 }
 
+/// Whether each component of two colours, 0xAARRGGBB, is the same but for that much.
+[[nodiscard]] bool isNear(std::uint32_t a, std::uint32_t b, int tolerance = 1);
+
 /// A rectangle of pixels.
 struct PixelRect {
     int x = 0;

@@ -3,6 +3,7 @@
 #include "linux_tree.h"
 #include "platform/linux/system/file_system.h"
 #include "probe/electron.h"
+#include "support/fake_linux/fixed_windows.h"
 #include "support/fake_platform/fake_desktop.h"
 
 #include <gtest/gtest.h>
@@ -20,7 +21,7 @@ protected:
     }
 
     LinuxTree tree;
-    SaidWindows windows;
+    FixedWindows windows;
     LinuxApplications applications{windows, tree.places()};
 };
 
@@ -243,7 +244,7 @@ TEST_F(RunningApplications, AreIdentifiedByWhatIsSurest) {
         FakeProcess process;
         each.install(process);
         tree.process(process);
-        windows.windows[100].classes = each.windowClasses;
+        windows.processes[100].classes = each.windowClasses;
         LinuxApplications fresh(windows, tree.places());
         const auto application = fresh.runningApplication(100);
         ASSERT_TRUE(application) << each.name;
@@ -303,7 +304,7 @@ TEST_F(RunningApplications, HaveANameAndAPlace) {
 TEST_F(RunningApplications, ShowThemselvesAsTheirWindowsDo) {
     tree.process({100, "/bin/x"});
     const auto policy = [&](ProcessWindows said) {
-        windows.windows[100] = std::move(said);
+        windows.processes[100] = std::move(said);
         return applications.runningApplication(100)->activationPolicy;
     };
     EXPECT_EQ(policy({true, true, {}}), ActivationPolicy::regular);
@@ -320,7 +321,7 @@ TEST_F(RunningApplications, AreRememberedUntilSomethingChanges) {
 
     tree.entry("paint", "Exec=paint");
     EXPECT_EQ(identify(), "none") << "the process is known already";
-    windows.windows[100].classes = {"paint"};
+    windows.processes[100].classes = {"paint"};
     EXPECT_EQ(identify(), "paint") << "it has opened a window since";
 
     tree.process({100, tree.program("lib/other"), {}, {}, "x.scope", 1, "6000"});

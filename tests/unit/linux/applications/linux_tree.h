@@ -1,12 +1,10 @@
 #pragma once
 
 #include "platform/linux/system/environment.h"
-#include "platform/linux/windows/desktop_windows.h"
 
 #include <sys/types.h>
 
 #include <filesystem>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -49,19 +47,6 @@ public:
 
 private:
     std::filesystem::path root_;
-};
-
-/// What windows say of processes.
-class SaidWindows final : public DesktopWindows {
-public:
-    std::map<pid_t, ProcessWindows> windows;
-
-    [[nodiscard]] RootSpace rootSpace() override { return {}; }
-    [[nodiscard]] std::optional<DesktopWindow> windowAt(Point /*point*/,
-                                                        std::optional<pid_t> /*pid*/) override {
-        return std::nullopt;
-    }
-    [[nodiscard]] ProcessWindows windowsOf(pid_t pid) override { return windows[pid]; }
 };
 
 } // namespace lumetry::test

@@ -4,14 +4,11 @@
 
 #include "platform/ax_value.h"
 #include "platform/linux/atspi/accessibility.h"
-#include "platform/linux/loop/file_descriptor_watcher.h"
-#include "platform/linux/windows/desktop_windows.h"
+#include "support/fake_linux/fixed_windows.h"
+#include "support/fake_linux/poll_loop.h"
 
 #include <gtest/gtest.h>
-#include <poll.h>
 
-#include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -19,63 +16,6 @@
 #include <vector>
 
 namespace lumetry::test {
-
-/// Windows where a test puts them in accessibility space, the topmost first.
-class FixedWindows final : public DesktopWindows {
-public:
-    std::vector<DesktopWindow> windows;
-    RootSpace space;
-
-    [[nodiscard]] RootSpace rootSpace() override { return space; }
-    [[nodiscard]] std::optional<DesktopWindow> windowAt(Point point,
-                                                        std::optional<pid_t> pid) override {
-        for (const DesktopWindow& window : windows) {
-            if (window.bounds.contains(point) && (!pid || window.pid == pid)) {
-                DesktopWindow found = window;
-                found.bounds = space.toRoot(window.bounds);
-                found.client = space.toRoot(window.client);
-                return found;
-            }
-        }
-        return std::nullopt;
-    }
-    [[nodiscard]] ProcessWindows windowsOf(pid_t /*pid*/) override { return {}; }
-};
-
-/// A main loop that turns when it is told to.
-class HandTurnedLoop final : public FileDescriptorWatcher {
-public:
-    [[nodiscard]] Token watchReadable(int fileDescriptor, std::function<void()> handler) override {
-        const int number = ++last_;
-        watched_[number] = {fileDescriptor, std::move(handler)};
-        return Token([this, number] { watched_.erase(number); });
-    }
-
-    [[nodiscard]] bool watches() const { return !watched_.empty(); }
-    /// Calls the handlers of what is readable, until nothing is watched any more; whether that came
-    /// about within a generous time.
-    bool turnUntilNothingIsWatched() {
-        return desktop::waitUntil([this] {
-            turn();
-            return !watches();
-        });
-    }
-
-private:
-    void turn() {
-        std::vector<std::pair<int, std::pair<int, std::function<void()>>>> watched(watched_.begin(),
-                                                                                   watched_.end());
-        for (const auto& [number, watch] : watched) {
-            pollfd readable{watch.first, POLLIN, 0};
-            if (watched_.contains(number) && poll(&readable, 1, 0) > 0) {
-                watch.second();
-            }
-        }
-    }
-
-    int last_ = 0;
-    std::map<int, std::pair<int, std::function<void()>>> watched_;
-};
 
 /// One or more scripted applications on a bus, and the backend under test.
 class AtspiTest : public ::testing::Test {
@@ -126,7 +66,7 @@ protected:
     std::vector<std::unique_ptr<ScriptedApplication>> applications;
     std::unique_ptr<ScriptedApplication> registry;
     FixedWindows windows;
-    HandTurnedLoop loop;
+    PollLoop loop;
     std::unique_ptr<AtspiAccessibility> accessibility =
         std::make_unique<AtspiAccessibility>(windows, loop);
 };

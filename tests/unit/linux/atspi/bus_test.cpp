@@ -141,20 +141,20 @@ TEST_F(Bus, ContinuesWithoutBlockingAndWatchesOnlyMeanwhile) {
                   });
     EXPECT_TRUE(got.empty());
     EXPECT_TRUE(loop.watches());
-    EXPECT_TRUE(loop.turnUntilNothingIsWatched());
+    EXPECT_TRUE(loop.runUntil([&] { return !loop.watches(); }));
     EXPECT_EQ(got, (std::vector<std::string>{"x", "x"}));
 
     application.freeze();
     requests.send(requestFor({at(application, "/x"), Question::name}), note);
     application.end();
-    EXPECT_TRUE(loop.turnUntilNothingIsWatched()) << "the bus says that it is gone";
+    EXPECT_TRUE(loop.runUntil([&] { return !loop.watches(); })) << "the bus says that it is gone";
     EXPECT_EQ(got.size(), 3);
 
     auto& next = start(tree);
     next.freeze();
     requests.send(requestFor({at(next, "/x"), Question::name}), note);
     bus.daemon().terminate();
-    EXPECT_TRUE(loop.turnUntilNothingIsWatched()) << "the bus itself is gone";
+    EXPECT_TRUE(loop.runUntil([&] { return !loop.watches(); })) << "the bus itself is gone";
     EXPECT_EQ(got.size(), 4);
     EXPECT_EQ(got.back(), "nothing");
 }

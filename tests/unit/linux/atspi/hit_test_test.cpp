@@ -449,7 +449,7 @@ TEST_F(Hits, WakeAnApplicationWithoutWaiting) {
     EXPECT_EQ(accessibility->waits(), 0);
     EXPECT_TRUE(loop.watches());
     application.thaw();
-    EXPECT_TRUE(loop.turnUntilNothingIsWatched());
+    EXPECT_TRUE(loop.runUntil([&] { return !loop.watches(); }));
     EXPECT_EQ(accessibility->waits(), 0);
     // The registry's list, its process and the registry's, the windows, and the window's
     // attributes.

@@ -1,5 +1,6 @@
 #include "platform/linux/x11/overlay/tiles.h"
 #include "platform/qt/painter_rasterizer.h"
+#include "support/pictures/pictures.h"
 
 #include <QGuiApplication>
 #include <gmock/gmock.h>
@@ -28,14 +29,6 @@ int areaOf(const std::vector<IntRect>& rects) {
 
 /// Where shapes are cut off for a tile their smoothing may differ by a shade.
 constexpr int shade = 8;
-
-bool alike(std::uint32_t a, std::uint32_t b) {
-    constexpr std::array<unsigned, 4> components = {0, 8, 16, 24};
-    return std::ranges::all_of(components, [&](unsigned shift) {
-        return std::abs(static_cast<int>((a >> shift) & 0xFF) -
-                        static_cast<int>((b >> shift) & 0xFF)) <= shade;
-    });
-}
 
 /// Such a pixel may be there or not where there is nothing in between.
 bool isHalfCovered(std::uint32_t pixel) {
@@ -171,7 +164,8 @@ TEST_F(OverlayTiles, MakeTheSamePictureAsDrawingItWhole) {
             std::size_t wrong = 0;
             for (std::size_t j = 0; j < expected.pixels.size(); ++j) {
                 const bool either = edges == Edges::hard && isHalfCovered(smooth.pixels[j]);
-                wrong += !either && !alike(expected.pixels[j], picture.bitmap.pixels[j]) ? 1 : 0;
+                wrong +=
+                    !either && !isNear(expected.pixels[j], picture.bitmap.pixels[j], shade) ? 1 : 0;
             }
             ASSERT_EQ(wrong, 0U) << "drawing " << i;
             before = after;

@@ -13,7 +13,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace lumetry::desktop {
+namespace lumetry::test {
 
 /// A main loop on poll(), in the hands of the test.
 class PollLoop final : public RunLoop, public FileDescriptorWatcher {
@@ -24,6 +24,7 @@ public:
     [[nodiscard]] Token every(double seconds, std::function<void()> task) override;
     [[nodiscard]] Token watchReadable(int fileDescriptor, std::function<void()> handler) override;
 
+    [[nodiscard]] bool watches() const { return !watches_.empty(); }
     /// Lets that much time seem to have passed.
     void skip(double seconds) { skipped_ += seconds; }
     /// Waits for something to do, at most that long, and does it. False when nothing came.
@@ -34,7 +35,7 @@ public:
     /// Runs until the condition is true; false when it is not at the deadline.
     template<class Condition>
     [[nodiscard]] bool runUntil(Condition condition) {
-        const auto end = std::chrono::steady_clock::now() + generousDeadline;
+        const auto end = std::chrono::steady_clock::now() + desktop::generousDeadline;
         while (!condition()) {
             if (std::chrono::steady_clock::now() > end) {
                 return false;
@@ -66,4 +67,4 @@ private:
     std::size_t nextWatch_ = 0;
 };
 
-} // namespace lumetry::desktop
+} // namespace lumetry::test

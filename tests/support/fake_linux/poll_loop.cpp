@@ -1,4 +1,4 @@
-#include "poll_loop.h"
+#include "support/fake_linux/poll_loop.h"
 
 #include <poll.h>
 
@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-namespace lumetry::desktop {
+namespace lumetry::test {
 
 double PollLoop::now() {
     return skipped_ +
@@ -55,19 +55,19 @@ bool PollLoop::turn(std::chrono::milliseconds longest) {
         wait = std::min(wait, static_cast<int>(std::ceil(left * 1000)));
     }
     std::vector<pollfd> descriptors;
-    std::vector<std::shared_ptr<Watch>> watches;
+    std::vector<std::weak_ptr<Watch>> watches;
     for (const auto& [number, watch] : watches_) {
         descriptors.push_back({watch->fileDescriptor, POLLIN, 0});
-        watches.push_back(watch);
+        watches.emplace_back(watch);
     }
-    bool something = poll(descriptors.data(), descriptors.size(), wait) > 0;
+    const bool something = poll(descriptors.data(), descriptors.size(), wait) > 0;
     for (std::size_t i = 0; something && i < descriptors.size(); ++i) {
-        if (descriptors[i].revents != 0) {
-            watches[i]->handler();
+        const auto watch = watches[i].lock(); // a handler may end other watches
+        if (watch && descriptors[i].revents != 0) {
+            watch->handler();
         }
     }
-    something = runDueTasks() || something;
-    return something;
+    return runDueTasks() || something;
 }
 
 std::size_t PollLoop::settle(std::chrono::milliseconds rest) {
@@ -78,4 +78,4 @@ std::size_t PollLoop::settle(std::chrono::milliseconds rest) {
     return turns;
 }
 
-} // namespace lumetry::desktop
+} // namespace lumetry::test
