@@ -172,7 +172,8 @@ void PrivateDesktop::startServerAndBus(const DesktopOptions& options) {
                                           "-screen",
                                           "0",
                                           std::to_string(options.width) + 'x' +
-                                              std::to_string(options.height) + "x24",
+                                              std::to_string(options.height) + 'x' +
+                                              std::to_string(options.depth),
                                           "-dpi",
                                           "96",
                                           "-noreset",

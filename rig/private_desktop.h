@@ -24,6 +24,7 @@ struct DesktopOptions {
     /// Of the root window, in pixels.
     int width = 1280;
     int height = 800;
+    int depth = 24; ///< bits of a colour
     /// The screens it is made of, in pixels of the root window with y downwards; the first is the
     /// primary one. Empty: one screen of the whole size.
     std::vector<Rect> screens;
@@ -82,8 +83,8 @@ public:
 
     /// Ends the session bus, and with it whatever cannot do without.
     void stopSessionBus();
-    /// Ends the X server, and with it whatever cannot do without. Nothing of this object that has to
-    /// do with the server is of use after that.
+    /// Ends the X server, and with it whatever cannot do without. Nothing of this object that has
+    /// to do with the server is of use after that.
     void stopServer();
 
     /// Has this very program take part in the desktop, for tests that use the backends in process:

@@ -7,12 +7,6 @@
 #include <utility>
 
 namespace lumetry::desktop {
-namespace {
-
-constexpr std::uint32_t opaque = 0xFF000000U;
-
-} // namespace
-
 Bitmap screenshot(const XConnection& server, const Rect& area) {
     Bitmap bitmap(static_cast<int>(area.width), static_cast<int>(area.height));
     const auto request = xcb_get_image(
@@ -20,14 +14,18 @@ Bitmap screenshot(const XConnection& server, const Rect& area) {
         static_cast<std::int16_t>(area.y), static_cast<std::uint16_t>(bitmap.width),
         static_cast<std::uint16_t>(bitmap.height), ~std::uint32_t{0});
     const Reply<xcb_get_image_reply_t> reply(xcb_get_image_reply(server.get(), request, nullptr));
-    const auto size = bitmap.pixels.size() * sizeof(bitmap.pixels.front());
-    if (!reply || static_cast<std::size_t>(xcb_get_image_data_length(reply.get())) != size) {
-        throw std::runtime_error("the X server gives out no picture of that area with 32 bits to "
-                                 "the pixel");
+    const std::size_t pixelSize = server.screen().root_depth > 16 ? 4 : 2;
+    const auto width = static_cast<std::size_t>(bitmap.width);
+    const std::size_t rowSize = (width * pixelSize + 3) / 4 * 4;
+    if (!reply || static_cast<std::size_t>(xcb_get_image_data_length(reply.get())) !=
+                      rowSize * static_cast<std::size_t>(bitmap.height)) {
+        throw std::runtime_error("the X server gives out no picture of that area");
     }
-    std::memcpy(bitmap.pixels.data(), xcb_get_image_data(reply.get()), size);
-    for (auto& pixel : bitmap.pixels) {
-        pixel |= opaque;
+    const std::uint8_t* const data = xcb_get_image_data(reply.get());
+    for (std::size_t i = 0; i < bitmap.pixels.size(); ++i) {
+        std::uint32_t pixel = 0;
+        std::memcpy(&pixel, data + i / width * rowSize + i % width * pixelSize, pixelSize);
+        bitmap.pixels[i] = server.colorOf(pixel);
     }
     return bitmap;
 }

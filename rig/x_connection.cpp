@@ -1,5 +1,7 @@
 #include "rig/x_connection.h"
 
+#include <array>
+#include <bit>
 #include <stdexcept>
 
 namespace lumetry::desktop {
@@ -13,6 +15,30 @@ Reply<xcb_get_property_reply_t> property(const XConnection& server, xcb_window_t
     Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(server.get(), request, nullptr));
     return reply && reply->type != XCB_ATOM_NONE ? std::move(reply) : nullptr;
 }
+
+xcb_visualtype_t rootVisualOf(const xcb_screen_t& screen) {
+    auto depths = xcb_screen_allowed_depths_iterator(&screen);
+    for (; depths.rem > 0; xcb_depth_next(&depths)) {
+        auto visuals = xcb_depth_visuals_iterator(depths.data);
+        for (; visuals.rem > 0; xcb_visualtype_next(&visuals)) {
+            if (visuals.data->visual_id == screen.root_visual) {
+                return *visuals.data;
+            }
+        }
+    }
+    return {};
+}
+
+struct Component {
+    std::uint32_t mask; ///< in a pixel of the root window
+    unsigned shift;     ///< in a colour
+};
+
+std::array<Component, 3> componentsOf(const xcb_visualtype_t& visual) {
+    return {{{visual.red_mask, 16}, {visual.green_mask, 8}, {visual.blue_mask, 0}}};
+}
+
+constexpr std::uint32_t strongest = 0xFF; ///< component of a colour
 
 } // namespace
 
@@ -28,10 +54,35 @@ XConnection::XConnection(const std::string& display) {
         xcb_screen_next(&screens);
     }
     screen_ = screens.data;
+    visual_ = rootVisualOf(*screen_);
 }
 
 XConnection::~XConnection() {
     xcb_disconnect(connection_);
+}
+
+std::uint32_t XConnection::pixelOf(std::uint32_t color) const {
+    std::uint32_t pixel = 0;
+    for (const auto& [mask, shift] : componentsOf(visual_)) {
+        const std::uint32_t most = mask >> std::countr_zero(mask);
+        const std::uint32_t component = (color >> shift) & strongest;
+        pixel |= (component * most + strongest / 2) / strongest << std::countr_zero(mask);
+    }
+    return pixel;
+}
+
+std::uint32_t XConnection::colorOf(std::uint32_t pixel) const {
+    constexpr std::uint32_t opaque = 0xFF000000;
+    if (visual_.blue_mask == strongest) {
+        return pixel | opaque; // as in a colour
+    }
+    std::uint32_t color = opaque;
+    for (const auto& [mask, shift] : componentsOf(visual_)) {
+        const std::uint32_t most = mask >> std::countr_zero(mask);
+        const std::uint32_t component = (pixel & mask) >> std::countr_zero(mask);
+        color |= (component * strongest + most / 2) / most << shift;
+    }
+    return color;
 }
 
 xcb_atom_t XConnection::atom(std::string_view name) const {

@@ -2,6 +2,7 @@
 
 #include <xcb/xcb.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <optional>
@@ -32,6 +33,11 @@ public:
     [[nodiscard]] xcb_window_t root() const { return screen_->root; }
     [[nodiscard]] const xcb_screen_t& screen() const { return *screen_; }
 
+    /// A pixel of the root window's depth in a colour (0xRRGGBB; what stands before is left out).
+    [[nodiscard]] std::uint32_t pixelOf(std::uint32_t color) const;
+    /// The colour of such a pixel, as 0xFFRRGGBB.
+    [[nodiscard]] std::uint32_t colorOf(std::uint32_t pixel) const;
+
     [[nodiscard]] xcb_atom_t atom(std::string_view name) const;
     /// The bytes of a property; absent when the window or the property does not exist.
     [[nodiscard]] std::optional<std::string> textProperty(xcb_window_t window,
@@ -47,6 +53,7 @@ public:
 private:
     xcb_connection_t* connection_ = nullptr;
     xcb_screen_t* screen_ = nullptr;
+    xcb_visualtype_t visual_{}; ///< of the root window
 };
 
 } // namespace lumetry::desktop

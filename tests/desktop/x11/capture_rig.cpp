@@ -68,7 +68,8 @@ xcb_window_t CaptureRig::show(const Rect& rect, std::uint32_t color, WindowOptio
 void CaptureRig::fill(xcb_drawable_t drawable, const Rect& rect, std::uint32_t color) const {
     const auto context = xcb_generate_id(xcb());
     const auto rectangle = rectangleOf(rect);
-    xcb_create_gc(xcb(), context, drawable, XCB_GC_FOREGROUND, &color);
+    const std::uint32_t pixel = desktop.server().pixelOf(color);
+    xcb_create_gc(xcb(), context, drawable, XCB_GC_FOREGROUND, &pixel);
     xcb_poly_fill_rectangle(xcb(), drawable, context, 1, &rectangle);
     xcb_free_gc(xcb(), context);
     desktop.server().sync();
@@ -87,7 +88,8 @@ void CaptureRig::shape(xcb_window_t window, const std::vector<Rect>& rects) cons
 
 void CaptureRig::setRootBackground(std::uint32_t color) const {
     const auto root = desktop.server().root();
-    xcb_change_window_attributes(xcb(), root, XCB_CW_BACK_PIXEL, &color);
+    const std::uint32_t pixel = desktop.server().pixelOf(color);
+    xcb_change_window_attributes(xcb(), root, XCB_CW_BACK_PIXEL, &pixel);
     xcb_clear_area(xcb(), 0, root, 0, 0, 0, 0);
     desktop.server().sync();
 }

@@ -34,7 +34,7 @@ public:
 
     /// A window of the other process that is shown above all others.
     xcb_window_t show(const Rect& rect, std::uint32_t color, WindowOptions options = {});
-    /// Draws into a window of any process.
+    /// Draws into a window of any process that has no alpha channel, or a pixmap.
     void fill(xcb_drawable_t drawable, const Rect& rect, std::uint32_t color) const;
     /// Leaves of the window only these rectangles.
     void shape(xcb_window_t window, const std::vector<Rect>& rects) const;

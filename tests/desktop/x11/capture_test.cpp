@@ -20,7 +20,7 @@ constexpr std::uint32_t transparent = 0;
 constexpr std::uint32_t managersGrey = 0xFF808080;
 
 X11Rig::Options with(bool compositor) {
-    return {.compositor = compositor, .screens = {}, .serverArguments = {}};
+    return {.compositor = compositor};
 }
 
 struct Expected {

@@ -31,10 +31,7 @@ struct CountedWatch {
 };
 
 TEST(X11Lock, IsAWindowThatHidesAScreenAndTakesThePointer) {
-    X11Rig rig({.windowManager = false,
-                .compositor = false,
-                .screens = {{400, 0, 400, 600}, {0, 0, 400, 600}},
-                .serverArguments = {}});
+    X11Rig rig({.screens = {{400, 0, 400, 600}, {0, 0, 400, 600}}});
     const struct {
         const char* name;
         Rect rect;

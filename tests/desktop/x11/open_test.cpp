@@ -55,16 +55,13 @@ TEST(X11Desktop, SaysWhatToDoWithoutADisplay) {
 }
 
 TEST(X11Desktop, SaysWhyItCannotUseAServer) {
-    const std::vector<std::pair<std::vector<std::string>, const char*>> cases = {
-        {{"-extension", "XFIXES"}, "XFIXES"},
-        {{"-screen", "0", "800x600x8"}, "24-bit colours"},
+    const std::vector<std::pair<X11Rig::Options, const char*>> cases = {
+        {{.serverArguments = {"-extension", "XFIXES"}}, "XFIXES"},
+        {{.depth = 8}, "8-bit colours from a palette: start the X server with 24-bit colours."},
     };
-    for (const auto& [arguments, said] : cases) {
+    for (const auto& [options, said] : cases) {
         try {
-            const X11Rig rig({.windowManager = false,
-                              .compositor = false,
-                              .screens = {},
-                              .serverArguments = arguments});
+            const X11Rig rig(options);
             ADD_FAILURE() << "connected in spite of " << said;
         } catch (const std::runtime_error& error) {
             EXPECT_THAT(error.what(), HasSubstr(said));
@@ -96,10 +93,7 @@ TEST(X11Desktop, IsNotTheXServerOfAWaylandSession) {
 }
 
 TEST(X11Desktop, DoesWithoutTheExtensionsThatItCanDoWithout) {
-    X11Rig rig({.windowManager = false,
-                .compositor = false,
-                .screens = {},
-                .serverArguments = {"-extension", "RANDR", "-extension", "X-Resource", "-extension",
+    X11Rig rig({.serverArguments = {"-extension", "RANDR", "-extension", "X-Resource", "-extension",
                                     "Composite"}});
     auto& server = rig.x11().windowServer();
     EXPECT_EQ(server.screens().size(), 1U);

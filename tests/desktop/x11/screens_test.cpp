@@ -15,10 +15,7 @@ using testing::ElementsAre;
 
 TEST(X11Screens, StandAroundThePrimaryOne) {
     // The primary screen is the right one and hangs lower.
-    X11Rig rig({.windowManager = false,
-                .compositor = false,
-                .screens = {{300, 200, 500, 400}, {0, 0, 300, 300}},
-                .serverArguments = {}});
+    X11Rig rig({.screens = {{300, 200, 500, 400}, {0, 0, 300, 300}}});
     auto& server = rig.x11().windowServer();
     const Screen primary = {{0, 0, 500, 400}, {0, 0, 500, 400}};
     const Screen left = {{-300, 300, 300, 300}, {-300, 300, 300, 300}};

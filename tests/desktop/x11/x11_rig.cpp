@@ -1,11 +1,14 @@
 #include "x11_rig.h"
 
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <xcb/res.h>
 #include <xcb/shape.h>
 
 #include <array>
 #include <cstdlib>
-#include <sstream>
+#include <optional>
 #include <stdexcept>
 
 namespace lumetry::desktop {
@@ -15,6 +18,7 @@ DesktopOptions desktopOptions(const X11Rig::Options& options) {
     DesktopOptions desktop;
     desktop.width = 800;
     desktop.height = 600;
+    desktop.depth = options.depth;
     desktop.screens = options.screens;
     desktop.windowManager = options.windowManager;
     desktop.compositor = options.compositor;
@@ -23,13 +27,104 @@ DesktopOptions desktopOptions(const X11Rig::Options& options) {
     return desktop;
 }
 
+xcb_visualid_t visualOf(const xcb_screen_t& screen, std::uint8_t depth) {
+    auto depths = xcb_screen_allowed_depths_iterator(&screen);
+    for (; depths.rem > 0; xcb_depth_next(&depths)) {
+        if (depths.data->depth == depth && depths.data->visuals_len > 0) {
+            return xcb_depth_visuals(depths.data)->visual_id;
+        }
+    }
+    return 0;
+}
+
+/// A window that the server has once this returns.
+xcb_window_t createWindow(const XConnection& server, const Rect& rect,
+                          const WindowOptions& options) {
+    constexpr std::uint8_t translucentDepth = 32;
+    auto* const c = server.get();
+    const xcb_screen_t& screen = server.screen();
+    xcb_create_window_value_list_t values{};
+    values.background_pixel = options.translucent ? options.color : server.pixelOf(options.color);
+    values.override_redirect = options.overrideRedirect ? 1 : 0;
+    std::uint32_t given = XCB_CW_OVERRIDE_REDIRECT;
+    if (!options.inputOnly) {
+        given |= std::uint32_t{XCB_CW_BACK_PIXEL} | XCB_CW_BORDER_PIXEL;
+    }
+    std::uint8_t depth = options.inputOnly ? std::uint8_t{0} : screen.root_depth;
+    xcb_visualid_t visual = screen.root_visual;
+    if (options.translucent) {
+        depth = translucentDepth;
+        visual = visualOf(screen, depth);
+        values.colormap = xcb_generate_id(c);
+        given |= XCB_CW_COLORMAP;
+        xcb_create_colormap(c, XCB_COLORMAP_ALLOC_NONE, values.colormap, screen.root, visual);
+    }
+    const xcb_window_t window = xcb_generate_id(c);
+    xcb_create_window_aux(
+        c, depth, window, options.parent != XCB_NONE ? options.parent : screen.root,
+        static_cast<std::int16_t>(rect.x), static_cast<std::int16_t>(rect.y),
+        static_cast<std::uint16_t>(rect.width), static_cast<std::uint16_t>(rect.height),
+        static_cast<std::uint16_t>(options.border),
+        options.inputOnly ? XCB_WINDOW_CLASS_INPUT_ONLY : XCB_WINDOW_CLASS_INPUT_OUTPUT, visual,
+        given, &values);
+    server.sync();
+    return window;
+}
+
+/// What the other process is asked for, over a socket between copies of one program.
+struct Order {
+    std::array<char, 16> display{};
+    Rect rect;
+    WindowOptions options;
+};
+
+/// The other process: ends with whoever gives the orders.
+[[noreturn]] void carryOut(int orders) {
+    std::optional<XConnection> server;
+    for (Order order; read(orders, &order, sizeof order) == sizeof order;) {
+        if (!server) {
+            server.emplace(order.display.data());
+        }
+        const xcb_window_t window = createWindow(*server, order.rect, order.options);
+        static_cast<void>(write(orders, &window, sizeof window));
+    }
+    _exit(0);
+}
+
 } // namespace
 
-X11Rig::X11Rig(const Options& options) : desktop(desktopOptions(options)), orders_(makePipe()) {
-    ProcessOptions process;
-    process.environment = desktop.environment();
-    process.standardInput = orders_.readEnd.get();
-    maker_.emplace(std::vector<std::string>{LUMETRY_WINDOW_MAKER}, process);
+OtherProcess::OtherProcess() {
+    std::array<int, 2> ends{};
+    if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) {
+        throw std::runtime_error("no socket can be made");
+    }
+    orders_ = FileDescriptor(ends[0]);
+    FileDescriptor other(ends[1]);
+    pid_ = fork();
+    if (pid_ == 0) {
+        orders_.reset();
+        carryOut(other.get());
+    }
+}
+
+OtherProcess::~OtherProcess() {
+    orders_.reset();
+    waitpid(pid_, nullptr, 0);
+}
+
+xcb_window_t OtherProcess::makeWindow(const std::string& display, const Rect& rect,
+                                      const WindowOptions& options) const {
+    Order order{{}, rect, options};
+    display.copy(order.display.data(), order.display.size() - 1);
+    xcb_window_t window = XCB_NONE;
+    if (write(orders_.get(), &order, sizeof order) != sizeof order ||
+        read(orders_.get(), &window, sizeof window) != sizeof window) {
+        throw std::runtime_error("the other process makes no window");
+    }
+    return window;
+}
+
+X11Rig::X11Rig(const Options& options) : desktop(desktopOptions(options)) {
     openX11();
 }
 
@@ -42,44 +137,12 @@ void X11Rig::openX11() {
     }
 }
 
-xcb_window_t X11Rig::foreignWindow(const Rect& rect, const WindowOptions& options) {
-    std::ostringstream order;
-    order << rect.x << ' ' << rect.y << ' ' << rect.width << ' ' << rect.height << ' '
-          << options.overrideRedirect << ' ' << options.inputOnly << ' ' << options.color << ' '
-          << options.parent << ' ' << options.border << ' ' << options.translucent << '\n';
-    const std::string line = order.str();
-    if (write(orders_.writeEnd.get(), line.data(), line.size()) !=
-        static_cast<ssize_t>(line.size())) {
-        throw std::runtime_error("the window maker does not listen");
-    }
-    ++madeWindows_;
-    return requireUntil("a window of another process",
-                        [this]() -> std::optional<xcb_window_t> {
-                            std::istringstream lines(maker_->standardOutput());
-                            xcb_window_t window = XCB_NONE;
-                            for (std::size_t i = 0; i < madeWindows_; ++i) {
-                                if (!(lines >> window) || lines.peek() != '\n') {
-                                    return std::nullopt;
-                                }
-                            }
-                            return window;
-                        })
-        .value();
+xcb_window_t X11Rig::foreignWindow(const Rect& rect, const WindowOptions& options) const {
+    return other_.makeWindow(desktop.display(), rect, options);
 }
 
 xcb_window_t X11Rig::ownWindow(const Rect& rect, const WindowOptions& options) const {
-    const xcb_window_t window = xcb_generate_id(xcb());
-    xcb_create_window_value_list_t values{};
-    values.background_pixel = options.color;
-    values.override_redirect = options.overrideRedirect ? 1 : 0;
-    xcb_create_window_aux(xcb(), XCB_COPY_FROM_PARENT, window, desktop.server().root(),
-                          static_cast<std::int16_t>(rect.x), static_cast<std::int16_t>(rect.y),
-                          static_cast<std::uint16_t>(rect.width),
-                          static_cast<std::uint16_t>(rect.height), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
-                          desktop.server().screen().root_visual,
-                          XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, &values);
-    desktop.server().sync();
-    return window;
+    return createWindow(desktop.server(), rect, options);
 }
 
 void X11Rig::map(xcb_window_t window) const {

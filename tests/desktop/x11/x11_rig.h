@@ -2,6 +2,7 @@
 
 #include "platform/linux/x11/desktop.h"
 #include "rig/private_desktop.h"
+#include "rig/processes/file_descriptor.h"
 #include "support/fake_linux/poll_loop.h"
 
 #include <xcb/xcb.h>
@@ -9,7 +10,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -20,10 +21,27 @@ using test::PollLoop;
 struct WindowOptions {
     bool overrideRedirect = false;
     bool inputOnly = false;
-    std::uint32_t color = 0x336699;
+    std::uint32_t color = 0x336699; ///< 0xRRGGBB
     xcb_window_t parent = XCB_NONE; ///< none: the root window
     int border = 0;                 ///< in pixels, black
-    bool translucent = false;       ///< the colour has an alpha channel
+    bool translucent = false;       ///< the colour is 0xAARRGGBB, premultiplied
+};
+
+/// Another process that has windows: whose a window is shows from the connection that made it.
+class OtherProcess {
+public:
+    OtherProcess();
+    ~OtherProcess();
+    OtherProcess(const OtherProcess&) = delete;
+    OtherProcess& operator=(const OtherProcess&) = delete;
+
+    [[nodiscard]] xcb_window_t makeWindow(const std::string& display, const Rect& rect,
+                                          const WindowOptions& options) const;
+    [[nodiscard]] pid_t pid() const { return pid_; }
+
+private:
+    FileDescriptor orders_;
+    pid_t pid_ = -1;
 };
 
 /// A private X server with the backend under test connected to it, and another process that has
@@ -33,8 +51,9 @@ public:
     struct Options {
         bool windowManager = false;
         bool compositor = false;
-        std::vector<Rect> screens;
-        std::vector<std::string> serverArguments;
+        std::vector<Rect> screens = {};
+        std::vector<std::string> serverArguments = {};
+        int depth = 24;
     };
 
     X11Rig() : X11Rig(Options{}) {}
@@ -46,10 +65,11 @@ public:
     void openX11();
 
     /// Another process's window; not mapped.
-    [[nodiscard]] xcb_window_t foreignWindow(const Rect& rect, const WindowOptions& options = {});
+    [[nodiscard]] xcb_window_t foreignWindow(const Rect& rect,
+                                             const WindowOptions& options = {}) const;
     /// A window of this very process; not mapped.
     [[nodiscard]] xcb_window_t ownWindow(const Rect& rect, const WindowOptions& options = {}) const;
-    [[nodiscard]] pid_t foreignPid() const { return maker_->pid(); }
+    [[nodiscard]] pid_t foreignPid() const { return other_.pid(); }
 
     void map(xcb_window_t window) const;
     void unmap(xcb_window_t window) const;
@@ -74,13 +94,14 @@ public:
     /// Runs until that many of the other process's windows are on the screen, and lists them.
     [[nodiscard]] std::vector<WindowInfo> waitForList(std::size_t count);
 
+private:
+    OtherProcess other_; // before this one has threads
+
+public:
     PollLoop loop;
     PrivateDesktop desktop;
 
 private:
-    Pipe orders_;
-    std::optional<ChildProcess> maker_;
-    std::size_t madeWindows_ = 0;
     std::unique_ptr<X11Desktop> x11_;
 };
 
