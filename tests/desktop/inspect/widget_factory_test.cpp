@@ -22,6 +22,16 @@ DesktopOptions optionsWith(bool compositor) {
     return options;
 }
 
+/// Whether what is there, in pixels, is outlined, or comes to be: the compositing manager shows
+/// what was painted a moment later.
+testing::AssertionResult outlines(const InspectedDesktop& inspected, const Rect& place) {
+    const auto problem = [&] {
+        return outlineProblem(screenshot(inspected.desktop.server()), place);
+    };
+    return waitUntil([&] { return problem().empty(); }) ? testing::AssertionSuccess()
+                                                        : testing::AssertionFailure() << problem();
+}
+
 /// With a compositing manager the overlay is translucent, without one it is shaped.
 class OverWidgetFactory : public testing::TestWithParam<bool> {
 protected:
@@ -33,6 +43,12 @@ protected:
 
     [[nodiscard]] Accessible element(const std::string& role, const std::string& name) const {
         return inspected.tree.waitFor(factory, role, name);
+    }
+    void click(const Accessible& element) {
+        const Rect place = element.extents().value_or(Rect());
+        desktop().input().glidePointer(static_cast<int>(place.midX()),
+                                       static_cast<int>(place.midY()));
+        desktop().input().click();
     }
 };
 
@@ -54,15 +70,10 @@ TEST_P(OverWidgetFactory, OutlinesWhatIsUnderThePointerAndNamesIt) {
         SCOPED_TRACE(header);
         const auto hovered = element(role, name);
         const auto readout = inspected.hover(hovered, header);
-        const auto extents = hovered.extents();
-        ASSERT_TRUE(extents);
-        EXPECT_EQ(readout.value("size"), sizeText(*extents));
+        const Rect place = hovered.extents().value_or(Rect());
+        EXPECT_EQ(readout.value("size"), sizeText(place));
         EXPECT_TRUE(readout.exitTag);
-        const auto problem = [&] {
-            return outlineProblem(screenshot(desktop().server()), *extents);
-        };
-        // The compositing manager shows what was painted a moment later.
-        EXPECT_TRUE(waitUntil([&] { return problem().empty(); })) << problem();
+        EXPECT_TRUE(outlines(inspected, place));
     }
 }
 
@@ -74,22 +85,29 @@ TEST_P(OverWidgetFactory, LetsAClickThroughToTheApplication) {
     EXPECT_TRUE(lumetry.running());
 }
 
+TEST_P(OverWidgetFactory, FollowsADragWithAButtonHeld) {
+    inspected.hover(element("check box", "checkbutton"), "CheckBox · checkbutton");
+    desktop().input().pressButton(MouseButton::left);
+    const auto next = element("push button", "link button");
+    inspected.hover(next, "Button · link button");
+    EXPECT_TRUE(outlines(inspected, next.extents().value_or(Rect())));
+    desktop().input().releaseButton(MouseButton::left);
+}
+
+TEST_P(OverWidgetFactory, MeasuresWhatLiesOverTheWindow) {
+    // A popover is drawn into the window, over elements that would answer, too.
+    click(element("toggle button", "Menu"));
+    inspected.hover(element("check box", "Dark Theme"), "CheckBox · Dark Theme");
+}
+
 TEST_P(OverWidgetFactory, EscapeEndsItAndStillReachesTheApplication) {
-    // An open drop-down list is closed by Escape.
-    const auto combo = element("combo box", "Left");
-    const auto extents = combo.extents();
-    ASSERT_TRUE(extents);
-    desktop().input().glidePointer(static_cast<int>(extents->midX()),
-                                   static_cast<int>(extents->midY()));
-    desktop().input().click();
-    const auto menuIsOpen = [&] {
-        const auto item = combo.find("menu item", "Middle");
-        return item && item->showing();
-    };
-    ASSERT_TRUE(waitUntil(menuIsOpen));
+    // An open drop-down list, a window of its own, is closed by Escape.
+    click(element("combo box", "Left"));
+    const auto item = element("menu item", "Middle");
+    inspected.hover(item, "MenuItem · Middle");
     desktop().input().typeKey(XK_Escape);
     EXPECT_TRUE(waitUntil([&] { return !inspected.overlay.window(); }));
-    EXPECT_TRUE(waitUntil([&] { return !menuIsOpen(); }));
+    EXPECT_TRUE(waitUntil([&] { return !item.showing(); }));
     EXPECT_TRUE(lumetry.running());
     EXPECT_EQ(lumetry.standardError(), "");
 }
@@ -155,10 +173,22 @@ TEST(OverADenseScreen, OutlinesInPixelsWhatItMeasuresInPoints) {
                                            static_cast<int>(pixels.midY()));
     const auto readout = inspected.overlay.waitForHeader("CheckBox · checkbutton");
     EXPECT_EQ(readout.value("size"), sizeText(*points));
-    const auto problem = [&] {
-        return outlineProblem(screenshot(inspected.desktop.server()), pixels);
-    };
-    EXPECT_TRUE(waitUntil([&] { return problem().empty(); })) << problem();
+    EXPECT_TRUE(outlines(inspected, pixels));
+}
+
+TEST(OverAnotherDepth, OutlinesAndNamesAsEver) {
+    for (const int depth : {16, 30}) {
+        SCOPED_TRACE(depth);
+        DesktopOptions options = optionsWith(true);
+        options.depth = depth;
+        options.windowManager = false; // the window stays where it is
+        InspectedDesktop inspected(options);
+        const auto application = inspected.desktop.start({factory});
+        const auto lumetry = inspected.startLumetry();
+        const auto button = inspected.tree.waitFor(factory, "push button", "link button");
+        inspected.hover(button, "Button · link button");
+        EXPECT_TRUE(outlines(inspected, button.extents().value_or(Rect())));
+    }
 }
 
 } // namespace
