@@ -19,8 +19,6 @@ class PrivateFile : public testing::Test {
 protected:
     PrivateFile() { std::filesystem::create_directory(folder); }
     ~PrivateFile() override { std::filesystem::remove_all(folder); }
-    PrivateFile(const PrivateFile&) = delete;
-    PrivateFile& operator=(const PrivateFile&) = delete;
 
     void append(const char* text) { LinuxFileSystem().appendPrivately(file, text); }
     static std::string contents(const std::filesystem::path& path) {

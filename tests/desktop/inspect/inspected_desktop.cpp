@@ -49,13 +49,27 @@ ChildProcess InspectedDesktop::startLumetry() {
 }
 
 OverlayReadout InspectedDesktop::hover(const Accessible& element, const std::string& header) {
-    const auto extents = element.extents();
-    if (!extents) {
+    std::optional<Rect> place;
+    // Applications may still move what they have just shown.
+    const auto follow = [&] {
+        const auto now = element.extents();
+        if (now && now != place) {
+            place = now;
+            desktop.input().glidePointer(static_cast<int>(now->midX()),
+                                         static_cast<int>(now->midY()));
+        }
+    };
+    follow();
+    if (!place) {
         throw std::runtime_error("the element has no place on screen");
     }
-    desktop.input().glidePointer(static_cast<int>(extents->midX()),
-                                 static_cast<int>(extents->midY()));
-    return overlay.waitForHeader(header);
+    return overlay.waitFor(header, [&](const OverlayReadout& shown) {
+        if (shown.header == header) {
+            return true;
+        }
+        follow();
+        return false;
+    });
 }
 
 std::string outlineProblem(const Bitmap& screen, const Rect& element) {

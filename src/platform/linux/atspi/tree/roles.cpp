@@ -188,8 +188,8 @@ bool holdsEntry(ReplyCache& cache, const ObjectReference& comboBox, Deadline dea
     }
     cache.ask(queries, deadline);
     return std::ranges::any_of(*inside, [&](const ObjectReference& child) {
-        const auto role = cache.get<Question::role>(child);
-        return role == ATSPI_ROLE_TEXT || role == ATSPI_ROLE_ENTRY;
+        constexpr std::array entries = {ATSPI_ROLE_TEXT, ATSPI_ROLE_ENTRY};
+        return std::ranges::find(entries, cache.get<Question::role>(child)) != entries.end();
     });
 }
 

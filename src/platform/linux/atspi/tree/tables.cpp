@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <iterator>
 #include <limits>
 #include <set>
@@ -173,8 +174,10 @@ std::vector<ObjectReference> cellsOf(ReplyCache& cache, const ObjectReference& t
                                      std::int32_t row, Deadline deadline) {
     constexpr std::int32_t mostColumns = 60;
     const auto columns = usable(cache.ask<Question::columnCount>(table, deadline)).value_or(0);
+    const std::int32_t count = std::min(columns, mostColumns);
     std::vector<Query> queries;
-    for (std::int32_t column = 0; column < std::min(columns, mostColumns); ++column) {
+    queries.reserve(static_cast<std::size_t>(count));
+    for (std::int32_t column = 0; column < count; ++column) {
         queries.push_back({table, Question::cell, row, column});
     }
     cache.ask(queries, deadline);

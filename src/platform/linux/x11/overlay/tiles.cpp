@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
@@ -210,7 +209,10 @@ private:
         int length; ///< likewise
         std::vector<std::size_t> commands;
 
-        auto operator<=>(const Stripes&) const = default;
+        friend bool operator<(const Stripes& a, const Stripes& b) {
+            return std::tie(a.upright, a.start, a.length, a.commands) <
+                   std::tie(b.upright, b.start, b.length, b.commands);
+        }
     };
 
     void addUneven(const IntRect& tile, const TileContent& content) {

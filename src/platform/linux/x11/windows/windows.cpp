@@ -25,13 +25,13 @@ const std::vector<const WindowRecord*>& X11Windows::onScreen() {
     table_.refresh();
     if (!visible_ || visible_->version != table_.version()) {
         visible_ = {table_.version(), {}};
-        const auto& stacking = table_.stacking();
-        for (auto id = stacking.rbegin(); id != stacking.rend(); ++id) {
-            const WindowRecord* const window = table_.find(*id);
+        for (const xcb_window_t id : table_.stacking()) {
+            const WindowRecord* const window = table_.find(id);
             if (window != nullptr && isOnScreen(*window)) {
                 visible_->windows.push_back(window);
             }
         }
+        std::ranges::reverse(visible_->windows);
     }
     return visible_->windows;
 }
