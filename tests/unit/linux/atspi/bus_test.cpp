@@ -16,7 +16,6 @@ using atspi::deadlineIn;
 using atspi::Message;
 using atspi::ObjectReference;
 using atspi::Outcome;
-using atspi::Query;
 using atspi::Question;
 using atspi::requestFor;
 

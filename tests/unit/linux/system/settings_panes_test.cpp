@@ -38,12 +38,12 @@ TEST(SettingsPanes, AreWhatTheDesktopHasForTheAddress) {
          {}},
         {"https://lumetry.app?Privacy_Accessibility", "GNOME", {"gnome-control-center"}, {}},
     };
-    for (const auto& [address, desktops, installed, command] : cases) {
-        const auto isInstalled = [&](const std::string& program) {
-            return std::ranges::find(installed, program) != installed.end();
+    for (const Case& each : cases) {
+        const auto isInstalled = [&each](const std::string& program) {
+            return std::ranges::find(each.installed, program) != each.installed.end();
         };
-        EXPECT_EQ(settingsPaneCommand(address, desktops, isInstalled), command)
-            << address << " on " << desktops;
+        EXPECT_EQ(settingsPaneCommand(each.address, each.desktops, isInstalled), each.command)
+            << each.address << " on " << each.desktops;
     }
 }
 
