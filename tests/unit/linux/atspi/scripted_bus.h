@@ -77,7 +77,7 @@ struct ScriptedObject {
     /// The path of the child at a point, empty for none; by default the first child there.
     std::function<std::string(int x, int y)> childAt;
     std::map<std::string, Answer> answers; ///< by method or property, instead of the above
-    std::set<std::string> silent;        ///< methods and properties never answered
+    std::set<std::string> silent;          ///< methods and properties never answered
 
     static constexpr std::uint64_t showing = std::uint64_t{1} << 25U;
 };
