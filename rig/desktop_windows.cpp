@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <chrono>
 #include <cmath>
+#include <optional>
 #include <utility>
 
 namespace lumetry::desktop {
@@ -130,17 +132,28 @@ DesktopWindow waitForWindow(const XConnection& server, const WindowPredicate& pr
 DesktopWindow placeWindow(const XConnection& server, xcb_window_t window, const Rect& bounds) {
     const std::array<std::uint32_t, 4> values = {asNumber(bounds.x), asNumber(bounds.y),
                                                  asNumber(bounds.width), asNumber(bounds.height)};
-    if (server.numbersProperty(server.root(), "_NET_SUPPORTING_WM_CHECK").empty()) {
-        xcb_configure_window(server.get(), window,
-                             XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
-                                 XCB_CONFIG_WINDOW_HEIGHT,
-                             values.data());
-    } else {
-        askWindowManager(server, window, values);
-    }
+    const bool managed = !server.numbersProperty(server.root(), "_NET_SUPPORTING_WM_CHECK").empty();
+    // An application that is still starting may lay its window out once more after the first time.
+    constexpr auto betweenTimes = std::chrono::milliseconds(500);
+    std::optional<std::chrono::steady_clock::time_point> asked;
     return *requireUntil("a window to take its place", [&]() -> std::optional<DesktopWindow> {
         auto placed = mappedWindow(server, window);
-        return placed && placed->bounds == bounds ? placed : std::nullopt;
+        if (placed && placed->bounds == bounds) {
+            return placed;
+        }
+        const auto now = std::chrono::steady_clock::now();
+        if (!asked || now - *asked >= betweenTimes) {
+            asked = now;
+            if (managed) {
+                askWindowManager(server, window, values);
+            } else {
+                xcb_configure_window(server.get(), window,
+                                     XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y |
+                                         XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
+                                     values.data());
+            }
+        }
+        return std::nullopt;
     });
 }
 
