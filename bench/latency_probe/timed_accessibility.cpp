@@ -53,6 +53,9 @@ public:
         const auto* element = dynamic_cast<const TimedElement*>(&other);
         return element != nullptr && element->inner_ == inner_;
     }
+    [[nodiscard]] std::size_t hash() const override {
+        return std::hash<AXUIElement>()(inner_);
+    }
 
 private:
     AXUIElement inner_;

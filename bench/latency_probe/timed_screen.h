@@ -43,6 +43,12 @@ public:
         const Stopwatch::Lap lap(watch_);
         return inner_.onScreenWindows();
     }
+    [[nodiscard]] std::optional<std::uint32_t> activeWindow() override {
+        return inner_.activeWindow();
+    }
+    [[nodiscard]] std::optional<std::string> windowName(std::uint32_t number) override {
+        return inner_.windowName(number);
+    }
     [[nodiscard]] std::vector<Screen> screens() override {
         const Stopwatch::Lap lap(watch_);
         return inner_.screens();

@@ -2,6 +2,8 @@
 
 #include <sys/types.h>
 
+#include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -32,6 +34,8 @@ public:
     [[nodiscard]] virtual std::optional<pid_t> getPid() const = 0;
     /// Whether the other backend, of any desktop, stands for the same element.
     [[nodiscard]] virtual bool isSameElement(const AXUIElementBackend& other) const = 0;
+    /// The same number for the same element (CFHash).
+    [[nodiscard]] virtual std::size_t hash() const = 0;
 };
 
 /// A reference-counted handle of one accessibility element of some process (AXUIElementRef). Two
@@ -65,3 +69,10 @@ private:
 };
 
 } // namespace lumetry
+
+template<>
+struct std::hash<lumetry::AXUIElement> {
+    std::size_t operator()(const lumetry::AXUIElement& element) const {
+        return element.backend().hash();
+    }
+};

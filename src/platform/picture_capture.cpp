@@ -61,7 +61,20 @@ std::optional<IntSize> pixelSizeOf(const Rect& area) {
 }
 
 Rect PictureCapture::pixelsOf(const Rect& area) const {
-    return {area.x * scale_, area.y * scale_, area.width * scale_, area.height * scale_};
+    return {(area.x - origin_.x) * scale_, (area.y - origin_.y) * scale_, area.width * scale_,
+            area.height * scale_};
+}
+
+IntRect PictureCapture::pixelsIn(const Rect& area) const {
+    const Rect pixels = intersect(pixelsOf(area), {0, 0, static_cast<double>(picture_.width),
+                                                   static_cast<double>(picture_.height)});
+    if (pixels.isEmpty()) {
+        return {};
+    }
+    const auto left = static_cast<int>(std::floor(pixels.minX()));
+    const auto top = static_cast<int>(std::floor(pixels.minY()));
+    return {left, top, static_cast<int>(std::floor(pixels.maxX())) - left,
+            static_cast<int>(std::floor(pixels.maxY())) - top};
 }
 
 std::optional<Bitmap> PictureCapture::captureBelow(const Rect& area,

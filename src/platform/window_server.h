@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace lumetry {
@@ -12,10 +13,11 @@ namespace lumetry {
 /// One entry of the window list; a field that the window does not have, or that is not of its
 /// kind, is absent.
 struct WindowInfo {
-    std::optional<std::int32_t> ownerPID; ///< kCGWindowOwnerPID
-    std::optional<double> alpha;          ///< kCGWindowAlpha, 0 to 1
-    std::optional<int> layer;             ///< kCGWindowLayer, 0 for normal application windows
-    std::optional<Rect> bounds;           ///< kCGWindowBounds, accessibility space
+    std::optional<std::int32_t> ownerPID;     ///< kCGWindowOwnerPID
+    std::optional<double> alpha;              ///< kCGWindowAlpha, 0 to 1
+    std::optional<int> layer;                 ///< kCGWindowLayer, 0 for normal application windows
+    std::optional<Rect> bounds;               ///< kCGWindowBounds, accessibility space
+    std::optional<std::uint32_t> number = {}; ///< kCGWindowNumber
 };
 
 /// One screen, in screen space. The primary display's frame has the origin (0, 0).
@@ -39,6 +41,11 @@ public:
     /// (CGWindowListCopyWindowInfo with kCGWindowListOptionOnScreenOnly and
     /// kCGWindowListExcludeDesktopElements). Absent when the list cannot be read.
     [[nodiscard]] virtual std::optional<std::vector<WindowInfo>> onScreenWindows() = 0;
+
+    /// The number of the window that keys go to. Absent when that is none in the list.
+    [[nodiscard]] virtual std::optional<std::uint32_t> activeWindow() = 0;
+    /// The title of a window in the list, UTF-8 (kCGWindowName). Absent when it has none.
+    [[nodiscard]] virtual std::optional<std::string> windowName(std::uint32_t number) = 0;
 
     /// All screens, in the platform's order (NSScreen.screens). Empty when there are none.
     [[nodiscard]] virtual std::vector<Screen> screens() = 0;

@@ -56,18 +56,19 @@ public:
         rows_.push_back(sizeRow(frame.size()));
     }
 
-    [[nodiscard]] std::vector<GlanceRow> rows(const std::string& role) {
+    void write(const std::string& role) {
         switch (resolved_.bucket) {
         case Bucket::collection:
             addCollection();
-            return std::move(rows_);
+            return;
         case Bucket::container:
-            return std::move(rows_);
+            return;
         case Bucket::graphic:
             addGraphic(role);
             break;
         case Bucket::text:
-            addTypography("color", surface());
+            readSurface();
+            addTypography("color");
             break;
         case Bucket::control:
         case Bucket::input:
@@ -80,27 +81,30 @@ public:
         if (!mayCapture_) {
             add("colors", "needs Screen Recording");
         }
-        return std::move(rows_);
     }
+
+    [[nodiscard]] std::vector<GlanceRow> takeRows() { return std::move(rows_); }
+    [[nodiscard]] Measures takeMeasures() { return std::move(measures_); }
 
 private:
     void add(std::string label, std::string value, std::optional<Color> swatch = std::nullopt) {
         rows_.push_back({std::move(label), std::move(value), swatch});
     }
 
-    [[nodiscard]] SurfaceInfo surface() const {
-        return mayCapture_ ? analyzeSurface(platform_.screenCapture, windowNumber_, frame_)
-                           : SurfaceInfo();
+    void readSurface() {
+        if (mayCapture_) {
+            measures_.surface = analyzeSurface(platform_.screenCapture, windowNumber_, frame_);
+        }
     }
 
-    [[nodiscard]] std::optional<CollectionGap> collectionSpacing() const {
-        return collectionGap(platform_.accessibility, resolved_.component,
-                             frameRounding(platform_.windowServer));
+    void readSpacing() {
+        measures_.spacing = collectionGap(platform_.accessibility, resolved_.component,
+                                          frameRounding(platform_.windowServer));
     }
 
     void addCollection() {
-        const auto spacing = collectionSpacing();
-        if (spacing) {
+        readSpacing();
+        if (const auto& spacing = measures_.spacing) {
             add("gap", pixels(spacing->gap));
             add(spacing->vertical ? "row height" : "item width", pixels(spacing->item));
             add("items", std::to_string(spacing->count));
@@ -114,42 +118,46 @@ private:
         if (auto ratio = aspectString(frame_.size())) {
             add("ratio", std::move(*ratio));
         }
+        readSurface();
         // The fill of a picture says little.
-        SurfaceInfo corners;
-        corners.radius = surface().radius;
-        addSurfaceRows(rows_, corners);
+        measures_.surface.fill.reset();
+        measures_.surface.ink.reset();
+        addSurfaceRows(rows_, measures_.surface);
     }
 
     void addControl() {
-        const SurfaceInfo info = surface();
-        addSurfaceRows(rows_, info);
+        readSurface();
+        addSurfaceRows(rows_, measures_.surface);
         addPadding(false);
-        addTypography("text", info);
+        addTypography("text");
     }
 
     void addGeneric() {
         constexpr std::size_t fewestItems = 3;
-        const SurfaceInfo info = surface();
-        addSurfaceRows(rows_, info);
+        readSurface();
+        addSurfaceRows(rows_, measures_.surface);
         addPadding(true);
-        const auto spacing = collectionSpacing();
-        if (spacing && spacing->count >= fewestItems) {
-            add("gap", pixels(spacing->gap));
+        readSpacing();
+        if (measures_.spacing && measures_.spacing->count >= fewestItems) {
+            add("gap", pixels(measures_.spacing->gap));
         }
     }
 
     void addPadding(bool guarded) {
-        if (auto padding =
-                axPadding(platform_.accessibility, resolved_.component, frame_, guarded)) {
-            add("padding", std::move(*padding));
+        measures_.padding =
+            axPadding(platform_.accessibility, resolved_.component, frame_, guarded);
+        if (measures_.padding) {
+            add("padding", *measures_.padding);
         }
     }
 
     /// Font, text colour under the given label, and its contrast to the fill.
-    void addTypography(std::string colorLabel, const SurfaceInfo& info) {
-        TextInfo text = axTextInfoDeep(platform_.accessibility, resolved_.textSource);
+    void addTypography(std::string colorLabel) {
+        measures_.text = axTextInfoDeep(platform_.accessibility, resolved_.textSource);
+        const TextInfo& text = measures_.text;
+        const SurfaceInfo& info = measures_.surface;
         if (text.font) {
-            add("font", std::move(*text.font));
+            add("font", *text.font);
         }
         const auto foreground = text.color ? text.color : info.ink;
         if (!foreground) {
@@ -168,6 +176,7 @@ private:
     std::uint32_t windowNumber_;
     bool mayCapture_;
     std::vector<GlanceRow> rows_;
+    Measures measures_;
 };
 
 } // namespace
@@ -184,8 +193,10 @@ Glance deriveGlance(const Platform& platform, const ResolvedComponent& resolved,
     platform.accessibility.prefetch(std::array{resolved.component, resolved.textSource}, shown);
     const std::string role = axString(resolved.component, "AXRole").value_or("AXUnknown");
     std::string header = headerFor(role, resolved);
-    return {std::move(header), RowWriter(platform, resolved, frame, windowNumber).rows(role),
-            resolved.bucket == Bucket::graphic};
+    RowWriter writer(platform, resolved, frame, windowNumber);
+    writer.write(role);
+    return {std::move(header), writer.takeRows(), resolved.bucket == Bucket::graphic,
+            writer.takeMeasures()};
 }
 
 GlanceRow sizeRow(const Size& size) {

@@ -5,19 +5,31 @@
 #include "pixels/surface.h"
 #include "platform/platform.h"
 #include "probe/role_bucket.h"
+#include "probe/spacing.h"
+#include "probe/typography.h"
 #include "render/glance_row.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace lumetry {
+
+/// What the rows of a component were made from; absent, or empty, what its class does not show.
+struct Measures {
+    SurfaceInfo surface;
+    TextInfo text;
+    std::optional<std::string> padding; ///< as axPadding says it
+    std::optional<CollectionGap> spacing;
+};
 
 /// What the panel says of a component.
 struct Glance {
     std::string header;
     std::vector<GlanceRow> rows;
     bool liveColor = false; ///< whether the colour under the pointer is wanted as a last row
+    Measures measures = {};
 };
 
 /// The readout of a component. Reads the application's element tree, and the screen once at most.

@@ -2,25 +2,19 @@
 #include "measurement.h"
 #include "report.h"
 
-#include "base/number_text.h"
 #include "platform/accessibility.h"
 #include "platform/input.h"
-#include "platform/run_loop.h"
-#include "platform/screen_lock.h"
-#include "platform/window_server.h"
 #include "probe/ax_access.h"
 #include "probe/electron.h"
+#include "shared/readable_desktop.h"
 
 #include <CLI/CLI.hpp>
 
 #include <unistd.h>
 
-#include <algorithm>
-#include <cstdlib>
 #include <iostream>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace {
@@ -30,9 +24,6 @@ using namespace lumetry;
 constexpr int measured = 0;
 constexpr int nothingThere = 1;
 constexpr int cannotMeasure = 2;
-
-constexpr std::string_view lockedProblem =
-    "The screen is locked or its screen saver is on: unlock it, and measure again.";
 
 int refuse(const std::string& problem) {
     std::cerr << "lumetry-measure: " << problem << '\n';
@@ -46,23 +37,6 @@ struct Request {
     std::string image;           ///< a PNG instead of the screen, or empty
     std::optional<double> scale; ///< of the picture, in pixels for each point
 };
-
-/// The first of the points that lies on no screen, in words; empty when all do.
-std::string offScreenProblem(WindowServer& windowServer, const std::vector<Point>& points) {
-    const double height = primaryDisplayHeight(windowServer);
-    const auto screens = windowServer.screens();
-    for (const Point& point : points) {
-        const bool onScreen = std::ranges::any_of(screens, [&](const Screen& screen) {
-            return flipped(screen.frame, height).contains(point);
-        });
-        if (!onScreen) {
-            return "the point " + wholeNumber(point.x) + " " + wholeNumber(point.y) +
-                   " is on no screen; give X and Y in points from the top-left corner of the "
-                   "primary screen.";
-        }
-    }
-    return "";
-}
 
 bool found(const Measurement& measurement) {
     return measurement.outcome.box || !measurement.outcome.rows.empty();
@@ -94,18 +68,12 @@ ScreenReport reportOn(NativeDesktop& desktop, const Request& request,
 
 int measureScreen(const Request& request, int& argc, char** argv) {
     std::string problem;
-    const auto desktop = NativeDesktop::open(argc, argv, problem);
-    if (!desktop) {
+    const ReadableDesktop opened = openReadableDesktop(argc, argv, problem);
+    if (!opened.desktop) {
         return refuse(problem);
     }
-    const Platform& platform = desktop->platform();
-    if (!platform.accessibility.isProcessTrusted()) {
-        return refuse(desktop->trustProblem());
-    }
-    const Token lockWatch = platform.screenLock.onChange([] {});
-    if (platform.screenLock.isLocked()) {
-        return refuse(std::string(lockedProblem));
-    }
+    NativeDesktop& desktop = *opened.desktop;
+    const Platform& platform = desktop.platform();
     platform.accessibility.createSystemWide().setMessagingTimeout(messagingTimeoutSeconds);
     const Point at = request.point.empty() ? flipped(platform.pointer.location(),
                                                      primaryDisplayHeight(platform.windowServer))
@@ -119,12 +87,10 @@ int measureScreen(const Request& request, int& argc, char** argv) {
         std::cerr << "lumetry-measure: " << problem << '\n';
         return nothingThere;
     }
-    const ScreenReport report = reportOn(*desktop, request, points);
-    // Hears what has happened meanwhile.
-    platform.runLoop.async([&desktop] { desktop->quit(EXIT_SUCCESS); });
-    static_cast<void>(desktop->run());
-    if (platform.screenLock.isLocked()) {
-        return refuse(std::string(lockedProblem));
+    const ScreenReport report = reportOn(desktop, request, points);
+    problem = lockProblem(desktop);
+    if (!problem.empty()) {
+        return refuse(problem);
     }
     std::cout << report.text;
     return report.status;

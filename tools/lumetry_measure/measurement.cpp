@@ -4,9 +4,8 @@
 #include "platform/run_loop.h"
 #include "platform/window_server.h"
 #include "probe/ax_access.h"
-#include "probe/electron.h"
-
-#include <cstdlib>
+#include "probe/hit_test.h"
+#include "shared/readable_desktop.h"
 
 namespace lumetry {
 namespace {
@@ -33,34 +32,12 @@ Measurement measureOnce(NativeDesktop& desktop, ProbeState& state, Point at) {
     return measurement;
 }
 
-/// Waits for a page's tree where its application knows nothing finer than its window yet. Those
-/// that bundle Chromium build it once they are asked; Gecko, which nothing tells beforehand, only
-/// gathers where things are.
-void awaitTree(NativeDesktop& desktop, ProbeState& state, Point at) {
-    constexpr double longestBuildSeconds = 2.5;
-    constexpr double longestGatheringSeconds = 0.3;
-    constexpr double pauseSeconds = 0.1;
-    const Platform& platform = desktop.platform();
-    const double start = platform.runLoop.now();
-    while (const auto window = topWindowInfo(platform, state, at)) {
-        const bool chromium = isElectronApp(platform, state, window->pid);
-        const auto element = axElementAt(platform, state, at, window);
-        const bool onlyTheWindow =
-            element ? axString(*element, "AXRole").value_or("AXWindow") == "AXWindow" : chromium;
-        const double waited = platform.runLoop.now() - start;
-        if (!onlyTheWindow ||
-            waited >= (chromium ? longestBuildSeconds : longestGatheringSeconds)) {
-            return;
-        }
-        platform.runLoop.after(pauseSeconds, [&desktop] { desktop.quit(EXIT_SUCCESS); });
-        (void)desktop.run();
-    }
-}
-
 } // namespace
 
 Measurement measurePoint(NativeDesktop& desktop, ProbeState& state, Point at) {
-    awaitTree(desktop, state, at);
+    constexpr double longestBuildSeconds = 2.5;
+    constexpr double longestGatheringSeconds = 0.3;
+    awaitTree(desktop, state, at, longestBuildSeconds, longestGatheringSeconds);
     return measureOnce(desktop, state, at);
 }
 

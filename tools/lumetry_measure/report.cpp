@@ -2,44 +2,16 @@
 
 #include "base/color_metrics.h"
 #include "base/number_text.h"
-
-#include <nlohmann/json.hpp>
+#include "shared/json.h"
 
 #include <algorithm>
-#include <cmath>
 #include <sstream>
 
 namespace lumetry {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-/// Whole numbers as such, and null for what JSON cannot hold.
-Json jsonNumber(double value) {
-    constexpr double largestWhole = 1e15;
-    if (!std::isfinite(value)) {
-        return nullptr;
-    }
-    if (value == std::round(value) && std::abs(value) < largestWhole) {
-        return static_cast<long long>(value);
-    }
-    return value;
-}
-
-Json jsonRect(const std::optional<Rect>& rect) {
-    if (!rect) {
-        return nullptr;
-    }
-    return Json::array({jsonNumber(rect->x), jsonNumber(rect->y), jsonNumber(rect->width),
-                        jsonNumber(rect->height)});
-}
-
 Json jsonDistance(const std::optional<double>& distance) {
     return distance ? jsonNumber(*distance) : Json(nullptr);
-}
-
-std::string dumped(const Json& json) {
-    return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
 std::string rectText(const std::optional<Rect>& rect) {

@@ -39,6 +39,9 @@ public:
         const auto* handle = dynamic_cast<const FakeElementHandle*>(&other);
         return handle != nullptr && &handle->element_ == &element_;
     }
+    [[nodiscard]] std::size_t hash() const override {
+        return std::hash<const FakeElement*>()(&element_);
+    }
 
 private:
     FakeElement& element_;

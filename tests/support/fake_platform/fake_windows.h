@@ -6,9 +6,12 @@
 #include "platform/window_server.h"
 #include "support/printing/printing.h"
 
+#include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -18,6 +21,11 @@ class FakeWindowServer final : public WindowServer {
 public:
     [[nodiscard]] std::optional<std::vector<WindowInfo>> onScreenWindows() override {
         return windows;
+    }
+    [[nodiscard]] std::optional<std::uint32_t> activeWindow() override { return active; }
+    [[nodiscard]] std::optional<std::string> windowName(std::uint32_t number) override {
+        const auto name = names.find(number);
+        return name != names.end() ? std::optional(name->second) : std::nullopt;
     }
     [[nodiscard]] std::vector<Screen> screens() override { return allScreens; }
     [[nodiscard]] std::optional<Screen> mainScreen() override { return main; }
@@ -31,6 +39,8 @@ public:
     }
 
     std::optional<std::vector<WindowInfo>> windows = std::vector<WindowInfo>();
+    std::optional<std::uint32_t> active;
+    std::map<std::uint32_t, std::string> names; ///< by the windows' numbers
     std::vector<Screen> allScreens;
     std::optional<Screen> main;
     bool captureAllowed = true;

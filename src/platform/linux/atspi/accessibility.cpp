@@ -45,6 +45,9 @@ Token AtspiAccessibility::keepReplies() {
     return Token(lifetime_.guard([this] {
         context_->cache.endKeeping();
         context_->processes.endSample();
+        if (!context_->cache.keeps()) {
+            context_->hitTest.askAhead();
+        }
     }));
 }
 
@@ -60,6 +63,13 @@ void AtspiAccessibility::prefetch(std::span<const AXUIElement> elements,
             continue;
         }
         for (const std::string_view attribute : attributes) {
+            // Of a text that is known to have characters, how the first one is set.
+            if (attribute == "AXAttributedStringForRange" &&
+                context_->cache.get<atspi::Question::characterCount>(object->object())
+                        .value_or(0) > 0) {
+                queries.push_back({object->object(), atspi::Question::textPart, 0, 1});
+                queries.push_back({object->object(), atspi::Question::attributeRun, 0, 1});
+            }
             for (const atspi::Question question : atspi::ObjectElement::questionsFor(attribute)) {
                 queries.push_back({object->object(), question});
             }

@@ -109,6 +109,23 @@ private:
     bool some_ = false;
 };
 
+std::optional<std::vector<ObjectReference>> referencesIn(Values list) {
+    if (list.type() != DBUS_TYPE_ARRAY) {
+        return std::nullopt;
+    }
+    std::vector<ObjectReference> references;
+    Values item = list.inside();
+    for (; item.type() == DBUS_TYPE_STRUCT; item.next()) {
+        if (auto reference = item.reference()) {
+            references.push_back(std::move(*reference));
+        }
+    }
+    if (item.type() != DBUS_TYPE_INVALID) {
+        return std::nullopt;
+    }
+    return references;
+}
+
 } // namespace
 
 void append(DBusMessage& message, std::int32_t number) {
@@ -189,21 +206,22 @@ std::optional<ObjectReference> referenceOf(const Reply& reply) {
 }
 
 std::optional<std::vector<ObjectReference>> referencesOf(const Reply& reply) {
+    return referencesIn(Values(reply));
+}
+
+std::optional<std::vector<ObjectReference>> labelsOf(const Reply& reply) {
     Values values(reply);
     if (values.type() != DBUS_TYPE_ARRAY) {
         return std::nullopt;
     }
-    std::vector<ObjectReference> references;
-    Values item = values.inside();
-    for (; item.type() == DBUS_TYPE_STRUCT; item.next()) {
-        if (auto reference = item.reference()) {
-            references.push_back(std::move(*reference));
+    for (Values relation = values.inside(); relation.type() == DBUS_TYPE_STRUCT; relation.next()) {
+        Values field = relation.inside();
+        if (field.integer() == ATSPI_RELATION_LABELLED_BY) {
+            field.next();
+            return referencesIn(field);
         }
     }
-    if (item.type() != DBUS_TYPE_INVALID) {
-        return std::nullopt;
-    }
-    return references;
+    return std::vector<ObjectReference>();
 }
 
 std::optional<IntRect> extentsOf(const Reply& reply) {

@@ -102,6 +102,8 @@ private:
 [[nodiscard]] std::optional<ObjectReference> referenceOf(const Reply& reply);
 /// References to nothing are left out.
 [[nodiscard]] std::optional<std::vector<ObjectReference>> referencesOf(const Reply& reply);
+/// Of an object's relations to others, those that label it.
+[[nodiscard]] std::optional<std::vector<ObjectReference>> labelsOf(const Reply& reply);
 /// A place in the application's own units; as one structure or as four numbers.
 [[nodiscard]] std::optional<IntRect> extentsOf(const Reply& reply);
 /// Names to values, of which the last one of a name counts.

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <string>
@@ -66,6 +67,9 @@ const ObjectElement::Attribute* ObjectElement::attributeNamed(std::string_view n
         {"AXSize", {Q::extents, Q::extents}, &ObjectElement::size},
         {"AXParent", {Q::parent, Q::parent}, &ObjectElement::parent},
         {"AXChildren", {Q::children, Q::role}, &ObjectElement::children},
+        {"AXEnabled", {Q::states, Q::states}, &ObjectElement::enabled},
+        {"AXHidden", {Q::states, Q::extents}, &ObjectElement::hidden},
+        {"AXTitleUIElement", {Q::labels, Q::labels}, &ObjectElement::titleElement},
     });
     const auto* const found = std::ranges::find(attributes, name, &Attribute::name);
     return found == attributes.end() ? nullptr : found;
@@ -258,6 +262,29 @@ std::optional<AXValue> ObjectElement::children() const {
     return elements;
 }
 
+std::optional<AXValue> ObjectElement::enabled() const {
+    const auto states = context().cache.get<Question::states>(object_);
+    return states ? std::optional<AXValue>(hasState(*states, ATSPI_STATE_ENABLED) ||
+                                           hasState(*states, ATSPI_STATE_SENSITIVE))
+                  : std::nullopt;
+}
+
+std::optional<AXValue> ObjectElement::hidden() const {
+    const auto states = context().cache.get<Question::states>(object_);
+    const auto extents = context().cache.get<Question::extents>(object_);
+    if (!states) {
+        return std::nullopt;
+    }
+    return !hasState(*states, context().toolkits.habitsFor(object_).shown) ||
+           (extents && !isSomewhere(*extents));
+}
+
+std::optional<AXValue> ObjectElement::titleElement() const {
+    const auto labels = context().cache.get<Question::labels>(object_);
+    return labels && !labels->empty() ? std::optional<AXValue>(relative(labels->front()))
+                                      : std::nullopt;
+}
+
 std::optional<AXValue> ObjectElement::rows() const {
     const auto rows = rowsSeenOf(context().cache, object_, deadline());
     if (!rows) {
@@ -305,6 +332,10 @@ std::optional<pid_t> ObjectElement::getPid() const {
 bool ObjectElement::isSameElement(const AXUIElementBackend& other) const {
     const auto* element = dynamic_cast<const ObjectElement*>(&other);
     return element != nullptr && element->object_ == object_;
+}
+
+std::size_t ObjectElement::hash() const {
+    return std::hash<std::string>()(object_.path);
 }
 
 std::optional<Rect> TextElement::frame() const {
@@ -396,9 +427,17 @@ std::optional<AXValue> RowElement::copyAttributeValue(std::string_view attribute
     return cells;
 }
 
+std::size_t TextElement::hash() const {
+    return owner_->hash() + static_cast<std::size_t>(text_.start) + 1;
+}
+
 bool RowElement::isSameElement(const AXUIElementBackend& other) const {
     const auto* row = dynamic_cast<const RowElement*>(&other);
     return row != nullptr && row->table_->isSameElement(*table_) && row->row_.row == row_.row;
+}
+
+std::size_t RowElement::hash() const {
+    return table_->hash() + static_cast<std::size_t>(row_.row) + 1;
 }
 
 std::optional<AXValue> ApplicationElement::copyAttributeValue(std::string_view attribute) const {
@@ -435,6 +474,10 @@ bool ApplicationElement::isSameElement(const AXUIElementBackend& other) const {
     return element != nullptr && element->pid_ == pid_;
 }
 
+std::size_t ApplicationElement::hash() const {
+    return std::hash<pid_t>()(pid_);
+}
+
 std::optional<AXValue> SystemWideElement::copyAttributeValue(std::string_view attribute) const {
     return attribute == "AXRole" ? std::optional<AXValue>("AXSystemWide") : std::nullopt;
 }
@@ -449,6 +492,10 @@ void SystemWideElement::setMessagingTimeout(float seconds) const {
 
 bool SystemWideElement::isSameElement(const AXUIElementBackend& other) const {
     return dynamic_cast<const SystemWideElement*>(&other) != nullptr;
+}
+
+std::size_t SystemWideElement::hash() const {
+    return 0;
 }
 
 } // namespace lumetry::atspi

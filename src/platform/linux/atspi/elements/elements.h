@@ -13,6 +13,7 @@
 
 #include <sys/types.h>
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <span>
@@ -70,6 +71,7 @@ public:
                                     const AXValue& parameter) const override;
     [[nodiscard]] std::optional<pid_t> getPid() const override;
     [[nodiscard]] bool isSameElement(const AXUIElementBackend& other) const override;
+    [[nodiscard]] std::size_t hash() const override;
 
 private:
     struct Attribute;
@@ -84,6 +86,9 @@ private:
     [[nodiscard]] std::optional<AXValue> size() const;
     [[nodiscard]] std::optional<AXValue> parent() const;
     [[nodiscard]] std::optional<AXValue> children() const;
+    [[nodiscard]] std::optional<AXValue> enabled() const;
+    [[nodiscard]] std::optional<AXValue> hidden() const;
+    [[nodiscard]] std::optional<AXValue> titleElement() const;
     /// @}
     [[nodiscard]] std::optional<AXValue> rows() const;
     [[nodiscard]] std::optional<Rect> frame() const;
@@ -111,6 +116,7 @@ public:
     [[nodiscard]] std::optional<pid_t> getPid() const override { return owner_->getPid(); }
     void setMessagingTimeout(float seconds) const override;
     [[nodiscard]] bool isSameElement(const AXUIElementBackend& other) const override;
+    [[nodiscard]] std::size_t hash() const override;
 
 private:
     [[nodiscard]] std::optional<Rect> frame() const;
@@ -131,6 +137,7 @@ public:
     copyAttributeValue(std::string_view attribute) const override;
     [[nodiscard]] std::optional<pid_t> getPid() const override { return table_->getPid(); }
     [[nodiscard]] bool isSameElement(const AXUIElementBackend& other) const override;
+    [[nodiscard]] std::size_t hash() const override;
 
 private:
     std::shared_ptr<ObjectElement> table_;
@@ -148,6 +155,7 @@ public:
     [[nodiscard]] std::optional<AXUIElement> copyElementAtPosition(float x, float y) const override;
     [[nodiscard]] std::optional<pid_t> getPid() const override { return pid_; }
     [[nodiscard]] bool isSameElement(const AXUIElementBackend& other) const override;
+    [[nodiscard]] std::size_t hash() const override;
 
 private:
     pid_t pid_;
@@ -164,6 +172,7 @@ public:
     void setMessagingTimeout(float seconds) const override;
     [[nodiscard]] std::optional<pid_t> getPid() const override { return std::nullopt; }
     [[nodiscard]] bool isSameElement(const AXUIElementBackend& other) const override;
+    [[nodiscard]] std::size_t hash() const override;
 };
 
 } // namespace lumetry::atspi

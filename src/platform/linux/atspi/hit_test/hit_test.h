@@ -43,6 +43,9 @@ public:
     [[nodiscard]] std::optional<Hit> objectAt(Point point, std::optional<pid_t> pid,
                                               Deadline deadline);
 
+    /// Asks for what the next hit test is likely to need, without waiting.
+    void askAhead() { popovers_.refresh(lastTopLevel_); }
+
     /// How the places of that object become pixels of the root window.
     [[nodiscard]] Placement placementOf(const ObjectReference& object) const {
         return topLevels_.placementOf(object);

@@ -6,6 +6,7 @@
 #include <array>
 #include <chrono>
 #include <cstddef>
+#include <memory>
 #include <set>
 #include <utility>
 
@@ -16,6 +17,8 @@ constexpr std::size_t mostObjects = 1000;
 /// A popup hangs from a button or menu, not from one of the rows of a long list.
 constexpr std::size_t mostChildrenEach = 100;
 
+/// How old what is known of popovers is when they are asked for anew, and how old it may become.
+constexpr auto refreshInterval = std::chrono::milliseconds(150);
 constexpr auto longestTrusted = std::chrono::milliseconds(300);
 constexpr std::size_t mostPopovers = 64;
 
@@ -94,7 +97,7 @@ ObjectReference Popovers::covering(const ObjectReference& topLevel, const Object
 
 void Popovers::look(const ObjectReference& topLevel, Deadline deadline) {
     topLevel_ = topLevel;
-    lookedAt_ = Clock::now();
+    askedAt_ = lookedAt_ = Clock::now();
     children_.clear();
     auto children =
         exchange(bus_, toolkits_, std::array{Query{topLevel, Question::children}}, deadline)
@@ -106,6 +109,43 @@ void Popovers::look(const ObjectReference& topLevel, Deadline deadline) {
     for (ObjectReference& child : children) {
         const auto extents = replies.get<Question::extents>(child);
         children_.push_back({std::move(child), extents});
+    }
+}
+
+void Popovers::refresh(const ObjectReference& topLevel) {
+    if (topLevel != topLevel_ || topLevel.name.empty() ||
+        Clock::now() - askedAt_ < refreshInterval) {
+        return;
+    }
+    askedAt_ = Clock::now();
+    bus_.send(requestFor({topLevel, Question::children}),
+              lifetime_.guard([this, topLevel](const Reply& reply) {
+                  auto children = read<Question::children>(reply);
+                  if (children && topLevel == topLevel_) {
+                      askPlaces(topLevel, std::move(*children));
+                  }
+              }));
+}
+
+/// What is known is replaced once the last of them has answered.
+void Popovers::askPlaces(const ObjectReference& topLevel, std::vector<ObjectReference> children) {
+    children.resize(std::min(children.size(), mostPopovers));
+    const AtspiCoordType coordinates = toolkits_.habitsFor(topLevel).coordinates;
+    const auto known = std::make_shared<Children>();
+    known->reserve(children.size());
+    for (const ObjectReference& child : children) {
+        known->push_back({child, std::nullopt});
+    }
+    for (std::size_t place = 0; place < children.size(); ++place) {
+        bus_.send(
+            requestFor({children[place], Question::extents}, coordinates),
+            lifetime_.guard([this, topLevel, known, place, asked = askedAt_](const Reply& reply) {
+                (*known)[place].extents = read<Question::extents>(reply);
+                if (place + 1 == known->size() && topLevel == topLevel_) {
+                    children_ = *known;
+                    lookedAt_ = asked;
+                }
+            }));
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/int_geometry.h"
+#include "base/lifetime.h"
 #include "platform/linux/atspi/bus/bus.h"
 #include "platform/linux/atspi/bus/deadline.h"
 #include "platform/linux/atspi/bus/message.h"
@@ -30,12 +31,15 @@ public:
     Popovers(Bus& bus, const Toolkits& toolkits) : bus_(bus), toolkits_(toolkits) {}
 
     /// What covers that child of the window's object at the point; the child itself where nothing
-    /// does. Where the children lie is asked now and then only: they are many, and hardly ever
-    /// shown.
+    /// does. Where the children lie is asked only where that is not known from a moment ago: they
+    /// are many, and hardly ever shown.
     /// @param at in the application's own units
     [[nodiscard]] ObjectReference covering(const ObjectReference& topLevel,
                                            const ObjectReference& child, IntPoint at,
                                            Deadline deadline);
+    /// Asks anew where those of that window lie, if it is the one that is known of and that was
+    /// not asked just now. Does not wait.
+    void refresh(const ObjectReference& topLevel);
 
 private:
     struct Child {
@@ -43,13 +47,18 @@ private:
         std::optional<IntRect> extents;
     };
 
+    using Children = std::vector<Child>;
+
     void look(const ObjectReference& topLevel, Deadline deadline);
+    void askPlaces(const ObjectReference& topLevel, std::vector<ObjectReference> children);
 
     Bus& bus_;
     const Toolkits& toolkits_;
     ObjectReference topLevel_;
-    Clock::time_point lookedAt_;
-    std::vector<Child> children_;
+    Clock::time_point lookedAt_; ///< when the places that are known were asked for
+    Clock::time_point askedAt_;  ///< when they were asked for last
+    Children children_;
+    Lifetime lifetime_;
 };
 
 } // namespace lumetry::atspi

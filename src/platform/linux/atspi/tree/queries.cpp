@@ -59,6 +59,7 @@ constexpr std::array forms = std::to_array<Form>({
      Arguments::bothAndCoordinates},
     {Question::toolkitName, {}, application, "ToolkitName", Arguments::property},
     {Question::attributes, {}, accessible, "GetAttributes", Arguments::none},
+    {Question::labels, {}, accessible, "GetRelationSet", Arguments::none},
 });
 
 constexpr bool areInOrder() {
@@ -67,7 +68,7 @@ constexpr bool areInOrder() {
             return false;
         }
     }
-    return forms.back().question == Question::attributes;
+    return forms.back().question == Question::labels;
 }
 static_assert(areInOrder(), "a question is missing or stands in the wrong place");
 

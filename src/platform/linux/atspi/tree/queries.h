@@ -42,6 +42,7 @@ enum class Question : std::uint8_t {
     objectAtPoint, ///< the innermost or some object around it there
     toolkitName,   ///< what an application is built with; of its root
     attributes,    ///< whatever else an object tells of itself
+    labels,        ///< the objects that name it
 };
 
 /// A question to one object.
@@ -82,6 +83,8 @@ template<Question question>
         return referencesOf(reply);
     } else if constexpr (question == extents || question == textPlace) {
         return extentsOf(reply);
+    } else if constexpr (question == labels) {
+        return labelsOf(reply);
     } else if constexpr (question == states) {
         return statesOf(reply);
     } else if constexpr (question == interfaces) {

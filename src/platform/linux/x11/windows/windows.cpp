@@ -1,5 +1,7 @@
 #include "platform/linux/x11/windows/windows.h"
 
+#include "base/text.h"
+#include "platform/linux/x11/connection/property.h"
 #include "platform/linux/x11/windows/reader.h"
 
 #include <unistd.h>
@@ -43,10 +45,50 @@ std::optional<std::vector<WindowInfo>> X11Windows::onScreenWindows() {
         const WindowKind kind = traits_.kindOf(*window);
         if (kind != WindowKind::desktop) {
             list.push_back({window->pid, alphaOf(*window), layerOf(kind),
-                            space.toAccessibility(boundsOf(*window))});
+                            space.toAccessibility(boundsOf(*window)), window->id});
         }
     }
     return table_.valid() ? std::optional(std::move(list)) : std::nullopt;
+}
+
+std::optional<std::uint32_t> X11Windows::activeWindow() {
+    auto window = firstNumber(
+        connection_, requestProperty(connection_, connection_.root(), Atom::netActiveWindow, 1));
+    if (!window || *window == XCB_WINDOW_NONE) {
+        window = focus();
+    }
+    // What has the focus may lie anywhere below a frame.
+    constexpr int deepest = 16;
+    for (int level = 0; window && level < deepest; ++level) {
+        for (const WindowRecord* const record : onScreen()) {
+            if (record->id == *window || record->client == *window) {
+                return isOwn(*record) ? std::nullopt : std::optional(record->id);
+            }
+        }
+        const auto tree =
+            connection_.reply(xcb_query_tree_reply, xcb_query_tree(connection_.get(), *window));
+        window =
+            tree && tree->parent != XCB_WINDOW_NONE ? std::optional(tree->parent) : std::nullopt;
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> X11Windows::windowName(std::uint32_t number) {
+    constexpr std::uint32_t words = 256;
+    table_.refresh();
+    const WindowRecord* const window = table_.find(number);
+    if (window == nullptr) {
+        return std::nullopt;
+    }
+    const xcb_window_t client = window->client.value_or(window->id);
+    const auto modern = requestProperty(connection_, client, Atom::netWmName, words);
+    const auto old = requestProperty(connection_, client, XCB_ATOM_WM_NAME, words);
+    std::string name = text(connection_, modern);
+    const std::string oldName = text(connection_, old);
+    if (name.empty()) {
+        name = oldName;
+    }
+    return name.empty() ? std::nullopt : std::optional(validUtf8(name));
 }
 
 std::vector<Screen> X11Windows::screens() {
@@ -75,13 +117,12 @@ std::optional<Screen> X11Windows::mainScreen() {
 
 std::optional<Point> X11Windows::centreOfFocus() {
     auto* const c = connection_.get();
-    const auto focus = connection_.reply(xcb_get_input_focus_reply, xcb_get_input_focus(c));
-    if (!focus || focus->focus <= XCB_INPUT_FOCUS_POINTER_ROOT ||
-        focus->focus == connection_.root()) {
+    const auto focused = focus();
+    if (!focused) {
         return std::nullopt;
     }
-    const auto translation = xcb_translate_coordinates(c, focus->focus, connection_.root(), 0, 0);
-    const auto geometry = xcb_get_geometry(c, focus->focus);
+    const auto translation = xcb_translate_coordinates(c, *focused, connection_.root(), 0, 0);
+    const auto geometry = xcb_get_geometry(c, *focused);
     const auto origin = connection_.reply(xcb_translate_coordinates_reply, translation);
     const auto size = connection_.reply(xcb_get_geometry_reply, geometry);
     if (!origin || !size) {
@@ -89,6 +130,15 @@ std::optional<Point> X11Windows::centreOfFocus() {
     }
     return screens_.layout().toScreenSpace(
         Point{origin->dst_x + size->width / 2.0, origin->dst_y + size->height / 2.0});
+}
+
+std::optional<xcb_window_t> X11Windows::focus() {
+    const auto reply =
+        connection_.reply(xcb_get_input_focus_reply, xcb_get_input_focus(connection_.get()));
+    return reply && reply->focus > XCB_INPUT_FOCUS_POINTER_ROOT &&
+                   reply->focus != connection_.root()
+               ? std::optional(reply->focus)
+               : std::nullopt;
 }
 
 bool X11Windows::preflightScreenCaptureAccess() {

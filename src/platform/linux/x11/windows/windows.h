@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -22,6 +23,8 @@ public:
     X11Windows(Connection& connection, std::optional<double> chosenScale);
 
     [[nodiscard]] std::optional<std::vector<WindowInfo>> onScreenWindows() override;
+    [[nodiscard]] std::optional<std::uint32_t> activeWindow() override;
+    [[nodiscard]] std::optional<std::string> windowName(std::uint32_t number) override;
     [[nodiscard]] std::vector<Screen> screens() override;
     [[nodiscard]] std::optional<Screen> mainScreen() override;
     [[nodiscard]] bool preflightScreenCaptureAccess() override;
@@ -75,6 +78,8 @@ private:
     /// Those on the screen, from the topmost down. Valid until the next event.
     [[nodiscard]] const std::vector<const WindowRecord*>& onScreen();
     [[nodiscard]] std::optional<Point> centreOfFocus();
+    /// The window that keys go to; absent when that is none or the root.
+    [[nodiscard]] std::optional<xcb_window_t> focus();
 
     Connection& connection_;
     Screens screens_;

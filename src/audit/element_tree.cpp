@@ -1,0 +1,135 @@
+#include "audit/element_tree.h"
+
+#include "base/text.h"
+#include "platform/accessibility.h"
+#include "platform/ax_value.h"
+#include "probe/ax_access.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <utility>
+
+namespace lumetry {
+namespace {
+
+/// How many elements are asked together: few enough to be answered within the messaging time-out.
+constexpr std::size_t batchSize = 64;
+
+/// Whether nothing is to be seen of an element's contents outside of its frame.
+bool clipsContents(std::string_view role) {
+    constexpr std::array<std::string_view, 8> roles = {
+        "AXScrollArea", "AXWebArea", "AXList", "AXOutline",
+        "AXTable",      "AXGrid",    "AXMenu", "AXTextArea",
+    };
+    return std::ranges::find(roles, role) != roles.end();
+}
+
+bool isHidden(const AXUIElement& element) {
+    const auto hidden = element.copyAttributeValue("AXHidden");
+    return hidden && hidden->as<bool>().value_or(false);
+}
+
+} // namespace
+
+TreeReading ElementTree::read(const AXUIElement& root, std::size_t most, const Progress& progress) {
+    nodes_.clear();
+    places_.clear();
+    cutOff_ = false;
+    nodes_.push_back({root, {}, {}, {}, {}, {}, visibility_.window(), Presence::whole});
+    places_.emplace(root, 0);
+    for (std::size_t begin = 0; begin < nodes_.size();) {
+        const std::size_t end = std::min(nodes_.size(), begin + batchSize);
+        if (!readBatch(begin, end)) {
+            return TreeReading::noAnswer;
+        }
+        for (std::size_t place = begin; place < end; ++place) {
+            addChildren(place, most);
+        }
+        begin = end;
+        if (progress) {
+            progress(begin);
+        }
+    }
+    return cutOff_ ? TreeReading::cutOff : TreeReading::complete;
+}
+
+/// Whether any of them answers.
+bool ElementTree::readBatch(std::size_t begin, std::size_t end) {
+    constexpr std::array<std::string_view, 6> asked = {"AXRole",   "AXPosition", "AXTitle",
+                                                       "AXHidden", "AXChildren", "AXParent"};
+    std::vector<AXUIElement> elements;
+    elements.reserve(end - begin);
+    for (std::size_t place = begin; place < end; ++place) {
+        elements.push_back(nodes_[place].element);
+    }
+    platform_.accessibility.prefetch(elements, asked);
+    bool answered = false;
+    for (std::size_t place = begin; place < end; ++place) {
+        describe(nodes_[place]);
+        answered = answered || !nodes_[place].role.empty();
+    }
+    return answered;
+}
+
+void ElementTree::describe(ElementNode& node) const {
+    node.role = axString(node.element, "AXRole").value_or("");
+    node.title = trimmed(axString(node.element, "AXTitle").value_or(""));
+    node.frame = axFrame(node.element);
+    if (node.parent) {
+        node.presence = isHidden(node.element) ? Presence::hidden
+                        : node.frame           ? visibility_.presenceOf(*node.frame, node.clip)
+                                               : Presence::whole;
+    }
+}
+
+void ElementTree::addChildren(std::size_t parent, std::size_t most) {
+    if (isGone(nodes_[parent].presence)) {
+        return;
+    }
+    const auto children = axChildren(nodes_[parent].element);
+    if (!children) {
+        return;
+    }
+    const Rect clip = nodes_[parent].frame && clipsContents(nodes_[parent].role)
+                          ? intersect(nodes_[parent].clip, *nodes_[parent].frame)
+                          : nodes_[parent].clip;
+    for (const AXUIElement& child : *children) {
+        if (nodes_.size() >= most) {
+            cutOff_ = true;
+            return;
+        }
+        // An application may list an element twice, or one of its own parents.
+        if (places_.emplace(child, nodes_.size()).second) {
+            nodes_[parent].children.push_back(nodes_.size());
+            nodes_.push_back({child, parent, {}, {}, {}, {}, clip, Presence::whole});
+        }
+    }
+}
+
+std::optional<std::size_t> ElementTree::find(const AXUIElement& element) const {
+    const auto place = places_.find(element);
+    return place != places_.end() ? std::optional(place->second) : std::nullopt;
+}
+
+std::vector<std::size_t> ElementTree::frontToBack() const {
+    std::vector<std::size_t> order;
+    order.reserve(nodes_.size());
+    // Backwards: parents before their children, earlier children before later ones.
+    std::vector<std::size_t> waiting;
+    if (!nodes_.empty()) {
+        waiting.push_back(0);
+    }
+    while (!waiting.empty()) {
+        const std::size_t place = waiting.back();
+        waiting.pop_back();
+        order.push_back(place);
+        std::vector<std::size_t> children = nodes_[place].children;
+        std::ranges::reverse(children);
+        waiting.insert(waiting.end(), children.begin(), children.end());
+    }
+    std::ranges::reverse(order);
+    return order;
+}
+
+} // namespace lumetry

@@ -1,0 +1,306 @@
+#include "lumetry_audit/reports/baseline.h"
+#include "lumetry_audit/reports/configuration.h"
+#include "lumetry_audit/reports/output_file.h"
+#include "lumetry_audit/reports/report.h"
+#include "progress.h"
+#include "started_command.h"
+#include "target.h"
+
+#include "audit/rules.h"
+#include "platform/accessibility.h"
+#include "probe/electron.h"
+#include "shared/readable_desktop.h"
+
+#include <CLI/CLI.hpp>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <filesystem>
+#include <iostream>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using namespace lumetry;
+
+constexpr int nothingFound = 0;
+constexpr int somethingFound = 1;
+constexpr int cannotRead = 2;
+constexpr int notAudited = 3;
+
+constexpr const char* usualConfiguration = "lumetry-audit.toml";
+
+int refuse(const std::string& problem, int status = cannotRead) {
+    std::cerr << "lumetry-audit: " << problem << '\n';
+    return status;
+}
+
+/// What is asked for on the command line; what is absent there is taken from the configuration.
+struct Request {
+    TargetRequest target;
+    std::vector<double> point; ///< x and y, or empty
+    std::vector<std::string> command;
+    double waitSeconds = 10;
+    std::optional<std::size_t> limit;
+    std::optional<std::string> level;
+    std::optional<std::string> failOn;
+    std::optional<std::string> configuration;
+    std::optional<std::string> baseline;
+    std::optional<std::string> newBaseline;
+    std::optional<std::string> html;
+    bool json = false;
+    bool sarif = false;
+};
+
+std::string sentence(AuditFailure failure) {
+    switch (failure) {
+    case AuditFailure::noTree:
+        return "the window's application tells nothing of its elements: start it with "
+               "accessibility switched on.";
+    case AuditFailure::noAnswer:
+        return "the window's application does not answer any more.";
+    case AuditFailure::ended:
+        return "the window was closed while it was audited.";
+    case AuditFailure::changed:
+        return "windows were moved again and again while it was audited: leave the desktop alone "
+               "meanwhile.";
+    case AuditFailure::nothing:
+    case AuditFailure::none:
+        break;
+    }
+    return "no element of the window shows: bring it onto the screen and in front of others.";
+}
+
+std::optional<Configuration> configurationFor(const Request& request, std::string& problem) {
+    Configuration configuration;
+    const std::string file = request.configuration.value_or(usualConfiguration);
+    if (request.configuration || std::filesystem::exists(file)) {
+        auto read = readConfiguration(file, problem);
+        if (!read) {
+            return std::nullopt;
+        }
+        configuration = std::move(*read);
+    }
+    if (request.level) {
+        configuration.thresholds.enhanced = *request.level == "AAA";
+    }
+    if (request.failOn) {
+        configuration.failOn = failOnNamed(*request.failOn).value_or(configuration.failOn);
+    }
+    configuration.limit = request.limit.value_or(configuration.limit);
+    return configuration;
+}
+
+/// What is found of an audited window, without what is to be ignored.
+AuditReport reportOn(WindowAudit audit, const Configuration& configuration,
+                     const Baseline& baseline) {
+    AuditReport report;
+    report.findings = findingsOf(audit, configuration.thresholds);
+    report.ignored = std::erase_if(report.findings, [&](const Finding& finding) {
+        return std::ranges::any_of(configuration.ignored, [&](const Ignored& ignored) {
+            return ignored.matches(finding);
+        });
+    });
+    apply(baseline, report.findings);
+    report.enhanced = configuration.thresholds.enhanced;
+    report.inventory = inventoryOf(audit.components);
+    report.audit = std::move(audit);
+    return report;
+}
+
+int statusOf(const AuditReport& report, FailOn failOn) {
+    const bool fails = std::ranges::any_of(report.findings, [failOn](const Finding& finding) {
+        return !finding.baseline &&
+               (failOn == FailOn::warning ||
+                (failOn == FailOn::error && finding.severity == Severity::error));
+    });
+    return fails ? somethingFound : nothingFound;
+}
+
+int publish(const Request& request, const AuditReport& report, FailOn failOn) {
+    std::string problem;
+    if (request.html && !writeFile(*request.html, htmlReport(report), problem)) {
+        return refuse(problem);
+    }
+    if (request.newBaseline && !writeBaseline(*request.newBaseline, report.findings, problem)) {
+        return refuse(problem);
+    }
+    std::cout << (request.json ? jsonReport(report)
+                  : request.sarif
+                      ? sarifReport(report, request.command.empty() ? report.audit.app
+                                                                    : request.command.front())
+                      : textReport(report))
+              << std::flush;
+    if (!std::cout) {
+        return refuse("the report cannot be written to standard output.");
+    }
+    return statusOf(report, failOn);
+}
+
+int audit(const Request& request, const Configuration& configuration, const Baseline& baseline,
+          int& argc, char** argv) {
+    std::string problem;
+    const ReadableDesktop opened = openReadableDesktop(argc, argv, problem);
+    if (!opened.desktop) {
+        return refuse(problem);
+    }
+    NativeDesktop& desktop = *opened.desktop;
+    const Platform& platform = desktop.platform();
+    // An audit is in no hurry, and starting programs are slow.
+    constexpr float patienceSeconds = 2;
+    platform.accessibility.createSystemWide().setMessagingTimeout(patienceSeconds);
+    ProbeState state;
+    state.lumetryPID = getpid();
+    std::unique_ptr<StartedCommand> command;
+    std::optional<AuditTarget> target;
+    if (request.command.empty()) {
+        target = findTarget(platform, request.target, problem);
+    } else {
+        command = StartedCommand::start(request.command, problem);
+        if (!command) {
+            return refuse(problem);
+        }
+        target = awaitWindow(desktop, *command, request.waitSeconds, problem);
+    }
+    if (!target) {
+        return refuse(problem, notAudited);
+    }
+    awaitElements(desktop, state, *target, request.waitSeconds);
+    Progress progress;
+    AuditFailure failure = AuditFailure::none;
+    auto result = auditWindow(
+        platform, state, *target,
+        {configuration.limit,
+         [&progress](std::size_t done, std::size_t known) { progress.show(done, known); }},
+        failure);
+    progress.clear();
+    releaseElectronEnhancements(platform, state);
+    problem = lockProblem(desktop);
+    if (!problem.empty()) {
+        return refuse(problem);
+    }
+    if (!result) {
+        return refuse(sentence(failure), notAudited);
+    }
+    return publish(request, reportOn(std::move(*result), configuration, baseline),
+                   configuration.failOn);
+}
+
+void declare(CLI::App& options, Request& request) {
+    options.set_version_flag("--version", LUMETRY_VERSION);
+    options
+        .add_option("point", request.point,
+                    "The window at this place: X and Y in points from the top-left corner of the "
+                    "primary screen")
+        ->expected(2)
+        ->type_name("X Y");
+    options.add_option("--window", request.target.title, "The window with this in its title")
+        ->type_name("TITLE");
+    options.add_option("--pid", request.target.pid, "The frontmost window of this process")
+        ->type_name("PID");
+    options
+        .add_option("--app", request.target.app,
+                    "The frontmost window of the application with this identifier")
+        ->type_name("BUNDLE-ID");
+    options
+        .add_option("--wait", request.waitSeconds,
+                    "How long to wait for a command's window, and for elements; default: 10")
+        ->check(CLI::Range(0.0, 3600.0))
+        ->type_name("SECONDS");
+    options.add_option("--limit", request.limit, "Measure at most that many components")
+        ->check(CLI::Range(std::size_t{1}, std::size_t{1000000}))
+        ->type_name("COUNT");
+    options.add_option("--level", request.level, "Of WCAG, for contrast; default: AA")
+        ->check(CLI::IsMember({"AA", "AAA"}))
+        ->type_name("AA|AAA");
+    options
+        .add_option("--config", request.configuration,
+                    "Thresholds and what to ignore; default: lumetry-audit.toml in this folder, "
+                    "if there is one")
+        ->type_name("FILE");
+    options.add_option("--baseline", request.baseline, "Findings in this file do not fail")
+        ->type_name("FILE");
+    options
+        .add_option("--write-baseline", request.newBaseline,
+                    "Write what is found to this file, for --baseline")
+        ->type_name("FILE");
+    options.add_option("--fail-on", request.failOn, "What makes the status 1; default: error")
+        ->check(CLI::IsMember({"error", "warning", "never"}))
+        ->type_name("error|warning|never");
+    auto* json = options.add_flag("--json", request.json, "Print one JSON object");
+    options.add_flag("--sarif", request.sarif, "Print a SARIF log, for forges")->excludes(json);
+    options
+        .add_option("--html", request.html,
+                    "Write a page with a picture of the window to this file")
+        ->type_name("FILE");
+    options.footer("Behind --, a command: it is started, its first window audited, and it is "
+                   "ended. Without any of these, the active window is audited.\n"
+                   "Exit status: 0 when nothing was found, 1 for findings, 2 for wrong usage or a "
+                   "desktop that cannot be read, 3 when the window could not be audited.");
+}
+
+/// What is behind "--" is the command's own.
+std::vector<std::string> takeCommand(int& argc, char** argv) {
+    const std::vector<std::string> arguments(argv, argv + argc);
+    const auto separator = std::ranges::find(arguments, "--");
+    if (separator == arguments.end()) {
+        return {};
+    }
+    argc = static_cast<int>(separator - arguments.begin());
+    return {separator + 1, arguments.end()};
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    // Whoever reads the report may go away; then it cannot be written.
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+    Request request;
+    const bool hasCommand = std::find(argv, argv + argc, std::string("--")) != argv + argc;
+    request.command = takeCommand(argc, argv);
+    CLI::App options("Measures every element of a window and says what is wrong with it: contrast, "
+                     "target sizes, names, text sizes, inconsistencies.",
+                     "lumetry-audit");
+    declare(options, request);
+    try {
+        options.parse(argc, argv);
+    } catch (const CLI::CallForHelp& help) {
+        return options.exit(help);
+    } catch (const CLI::CallForVersion& version) {
+        return options.exit(version);
+    } catch (const CLI::ParseError& error) {
+        return refuse(std::string(error.what()) + "; see lumetry-audit --help.");
+    }
+    if (!request.point.empty()) {
+        request.target.point = Point{request.point[0], request.point[1]};
+    }
+    const TargetRequest& target = request.target;
+    const int targets = (target.title ? 1 : 0) + (target.pid ? 1 : 0) + (target.app ? 1 : 0) +
+                        (target.point ? 1 : 0) + (hasCommand ? 1 : 0);
+    if (targets > 1) {
+        return refuse("give one of --window, --pid, --app, X Y and -- COMMAND; see "
+                      "lumetry-audit --help.");
+    }
+    if (hasCommand && request.command.empty()) {
+        return refuse("give the command behind --; see lumetry-audit --help.");
+    }
+    std::string problem;
+    const auto configuration = configurationFor(request, problem);
+    if (!configuration) {
+        return refuse(problem);
+    }
+    Baseline baseline;
+    if (request.baseline) {
+        auto read = readBaseline(*request.baseline, problem);
+        if (!read) {
+            return refuse(problem);
+        }
+        baseline = std::move(*read);
+    }
+    return audit(request, *configuration, baseline, argc, argv);
+}

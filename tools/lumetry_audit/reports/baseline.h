@@ -1,0 +1,30 @@
+#pragma once
+
+#include "audit/finding.h"
+
+#include <filesystem>
+#include <optional>
+#include <set>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace lumetry {
+
+/// Findings that are known: by rule and place, whatever their values.
+using Baseline = std::set<std::pair<std::string, std::string>>;
+
+/// @param problem what is wrong with the file, in one sentence; then the baseline is absent
+[[nodiscard]] std::optional<Baseline> readBaseline(const std::filesystem::path& file,
+                                                   std::string& problem);
+
+/// Whether that worked.
+/// @param problem then why not, in one sentence
+[[nodiscard]] bool writeBaseline(const std::filesystem::path& file,
+                                 std::span<const Finding> findings, std::string& problem);
+
+/// Marks the findings that are known.
+void apply(const Baseline& baseline, std::vector<Finding>& findings);
+
+} // namespace lumetry

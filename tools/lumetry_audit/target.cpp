@@ -1,0 +1,158 @@
+#include "target.h"
+
+#include "base/number_text.h"
+#include "base/text.h"
+#include "platform/accessibility.h"
+#include "platform/run_loop.h"
+#include "platform/window_server.h"
+#include "probe/ax_access.h"
+#include "probe/electron.h"
+#include "shared/readable_desktop.h"
+
+#include <algorithm>
+#include <functional>
+#include <vector>
+
+namespace lumetry {
+namespace {
+
+constexpr double pauseSeconds = 0.1;
+
+/// A window that an application shows as one of its own, not a panel, menu or tooltip.
+struct Candidate {
+    AuditTarget target;
+    std::string title;
+};
+
+std::vector<Candidate> candidates(const Platform& platform,
+                                  const std::function<bool(const Candidate&)>& matches) {
+    std::vector<Candidate> found;
+    for (const WindowInfo& window :
+         platform.windowServer.onScreenWindows().value_or(std::vector<WindowInfo>())) {
+        if (window.layer.value_or(0) != 0 || !window.ownerPID || !window.bounds || !window.number) {
+            continue;
+        }
+        Candidate candidate = {{{*window.ownerPID, *window.bounds}, *window.number},
+                               platform.windowServer.windowName(*window.number).value_or("")};
+        if (matches(candidate)) {
+            found.push_back(std::move(candidate));
+        }
+    }
+    return found;
+}
+
+std::string listed(const std::vector<Candidate>& windows) {
+    constexpr std::size_t most = 8;
+    std::string list;
+    for (std::size_t place = 0; place < std::min(windows.size(), most); ++place) {
+        list += (place > 0 ? ", \"" : "\"") + onOneLine(windows[place].title) + "\" (pid " +
+                std::to_string(windows[place].target.window.pid) + ")";
+    }
+    return windows.size() > most ? list + " and more" : list;
+}
+
+/// The one that matches. Of several of one application, the frontmost.
+std::optional<AuditTarget> theOne(const Platform& platform, const std::string& wanted, bool unique,
+                                  const std::function<bool(const Candidate&)>& matches,
+                                  std::string& problem) {
+    auto found = candidates(platform, matches);
+    if (found.empty()) {
+        const auto all = candidates(platform, [](const Candidate&) { return true; });
+        problem = "no window on the screen " + wanted +
+                  (all.empty() ? "; there is none at all." : "; there are " + listed(all) + ".");
+        return std::nullopt;
+    }
+    if (unique && found.size() > 1) {
+        problem = std::to_string(found.size()) + " windows " + wanted + ": " + listed(found) +
+                  "; give more of the title, or --pid.";
+        return std::nullopt;
+    }
+    return found.front().target;
+}
+
+} // namespace
+
+std::optional<AuditTarget> findTarget(const Platform& platform, const TargetRequest& request,
+                                      std::string& problem) {
+    if (request.title) {
+        return theOne(
+            platform, "has \"" + *request.title + "\" in its title", true,
+            [&](const Candidate& one) {
+                return one.title.find(*request.title) != std::string::npos;
+            },
+            problem);
+    }
+    if (request.pid) {
+        return theOne(
+            platform, "belongs to process " + std::to_string(*request.pid), false,
+            [&](const Candidate& one) { return one.target.window.pid == *request.pid; }, problem);
+    }
+    if (request.app) {
+        return theOne(
+            platform, "belongs to \"" + *request.app + "\"", false,
+            [&](const Candidate& one) {
+                return bundleID(platform.applications, one.target.window.pid) == *request.app;
+            },
+            problem);
+    }
+    if (request.point) {
+        problem = offScreenProblem(platform.windowServer, {*request.point});
+        return problem.empty() ? theOne(
+                                     platform,
+                                     "is at " + wholeNumber(request.point->x) + " " +
+                                         wholeNumber(request.point->y),
+                                     false,
+                                     [&](const Candidate& one) {
+                                         return one.target.window.bounds.contains(*request.point);
+                                     },
+                                     problem)
+                               : std::nullopt;
+    }
+    const auto active = platform.windowServer.activeWindow();
+    return theOne(
+        platform, "is the active one", false,
+        [&](const Candidate& one) { return active && one.target.number == *active; }, problem);
+}
+
+std::optional<AuditTarget> awaitWindow(NativeDesktop& desktop, StartedCommand& command,
+                                       double seconds, std::string& problem) {
+    const Platform& platform = desktop.platform();
+    const double end = platform.runLoop.now() + seconds;
+    for (;;) {
+        const auto found = candidates(
+            platform, [&](const Candidate& one) { return command.owns(one.target.window.pid); });
+        if (!found.empty()) {
+            return found.front().target;
+        }
+        if (platform.runLoop.now() >= end) {
+            const std::string ending = command.ending();
+            problem = ending.empty()
+                          ? "the command has shown no window within " + wholeNumber(seconds) +
+                                " seconds; give it longer with --wait."
+                          : "the command " + ending + " and has shown no window.";
+            return std::nullopt;
+        }
+        pause(desktop, pauseSeconds);
+    }
+}
+
+void awaitElements(NativeDesktop& desktop, ProbeState& state, const AuditTarget& target,
+                   double seconds) {
+    const Platform& platform = desktop.platform();
+    const double end = platform.runLoop.now() + seconds;
+    const Rect& bounds = target.window.bounds;
+    const Point centre = {bounds.midX(), bounds.midY()};
+    while (platform.runLoop.now() < end) {
+        const Token kept = platform.accessibility.keepReplies();
+        // An application that bundles Chromium is woken by being asked.
+        static_cast<void>(isElectronApp(platform, state, target.window.pid));
+        const auto element = axElementAt(platform, state, centre, target.window);
+        const auto root = element ? windowElement(platform, state, target.window) : std::nullopt;
+        if (root && !(*element == *root)) {
+            return;
+        }
+        pause(desktop, pauseSeconds);
+    }
+}
+
+} // namespace lumetry

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "audit/window_audit.h"
+#include "base/geometry.h"
+#include "platform/native/native_desktop.h"
+#include "started_command.h"
+
+#include <sys/types.h>
+
+#include <optional>
+#include <string>
+
+namespace lumetry {
+
+/// Which window is meant; nothing given: the one that keys go to.
+struct TargetRequest {
+    std::optional<std::string> title; ///< a part of it
+    std::optional<pid_t> pid;
+    std::optional<std::string> app; ///< bundle identifier
+    std::optional<Point> point;     ///< accessibility space
+};
+
+/// @param problem why there is none, or not one only, and what to do, in one sentence
+[[nodiscard]] std::optional<AuditTarget>
+findTarget(const Platform& platform, const TargetRequest& request, std::string& problem);
+
+/// Waits for the first window of a command, and for its elements.
+/// @param problem why there is none
+[[nodiscard]] std::optional<AuditTarget>
+awaitWindow(NativeDesktop& desktop, StartedCommand& command, double seconds, std::string& problem);
+
+/// Waits until the window's application tells of more than the window, or the time is over.
+void awaitElements(NativeDesktop& desktop, ProbeState& state, const AuditTarget& target,
+                   double seconds);
+
+} // namespace lumetry
