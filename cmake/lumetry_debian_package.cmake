@@ -10,7 +10,8 @@ font, colours, corner radius, padding, gaps and contrast. While Alt is held, it
 measures the distance between two elements.
 .
 The program lumetry lives in the tray; lumetry-measure prints the same
-measurements for scripts. Needs an X11 session with accessibility switched on.")
+measurements for scripts, and lumetry-audit says what is wrong with a whole
+window. Needs an X11 session with accessibility switched on.")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_VERBATIM_VARIABLES ON)
 

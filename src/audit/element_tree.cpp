@@ -107,6 +107,23 @@ void ElementTree::addChildren(std::size_t parent, std::size_t most) {
     }
 }
 
+std::size_t ElementTree::fingerprint() const {
+    constexpr std::size_t prime = 1099511628211U; // of the FNV hash
+    std::size_t sum = 14695981039346656037U;
+    const auto add = [&sum](std::size_t value) { sum = (sum ^ value) * prime; };
+    const auto addNumber = [&add](double value) { add(std::hash<double>()(value)); };
+    for (const ElementNode& node : nodes_) {
+        const Rect frame = node.frame.value_or(Rect());
+        add(std::hash<std::string>()(node.role));
+        add(static_cast<std::size_t>(node.presence));
+        addNumber(frame.x);
+        addNumber(frame.y);
+        addNumber(frame.width);
+        addNumber(frame.height);
+    }
+    return sum;
+}
+
 std::optional<std::size_t> ElementTree::find(const AXUIElement& element) const {
     const auto place = places_.find(element);
     return place != places_.end() ? std::optional(place->second) : std::nullopt;

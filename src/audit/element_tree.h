@@ -50,6 +50,8 @@ public:
 
     /// Parents before their children; the root is the first.
     [[nodiscard]] const std::vector<ElementNode>& nodes() const { return nodes_; }
+    /// Another number when elements have come, gone, moved or become visible.
+    [[nodiscard]] std::size_t fingerprint() const;
     [[nodiscard]] std::optional<std::size_t> find(const AXUIElement& element) const;
     /// All of them, what is drawn last first: children before their parents, later ones before
     /// earlier ones.

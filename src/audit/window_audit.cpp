@@ -417,6 +417,23 @@ std::optional<AXUIElement> windowElement(const Platform& platform, ProbeState& s
     return std::nullopt;
 }
 
+std::optional<std::size_t> treeFingerprint(const Platform& platform, ProbeState& state,
+                                           const AuditTarget& target, std::size_t most) {
+    const auto surroundings = surroundingsOf(platform.windowServer, target);
+    if (!surroundings) {
+        return std::nullopt;
+    }
+    const Token kept = platform.accessibility.keepReplies();
+    const auto root = windowElement(platform, state, {target.window.pid, surroundings->window});
+    if (!root) {
+        return std::nullopt;
+    }
+    const Visibility visibility(surroundings->window, surroundings->above, surroundings->screens);
+    ElementTree tree(platform, visibility);
+    const bool read = tree.read(*root, most, {}) != TreeReading::noAnswer;
+    return read && tree.nodes().size() > 1 ? std::optional(tree.fingerprint()) : std::nullopt;
+}
+
 std::optional<WindowAudit> auditWindow(const Platform& platform, ProbeState& state,
                                        const AuditTarget& target, const AuditOptions& options,
                                        AuditFailure& failure) {

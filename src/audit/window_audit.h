@@ -72,6 +72,13 @@ struct AuditOptions {
                                                      const AuditOptions& options,
                                                      AuditFailure& failure);
 
+/// What the window's elements are and where they lie, as one number, to see whether they have
+/// settled. Absent while its application tells of nothing but the window.
+[[nodiscard]] std::optional<std::size_t> treeFingerprint(const Platform& platform,
+                                                         ProbeState& state,
+                                                         const AuditTarget& target,
+                                                         std::size_t most);
+
 /// The element that stands for the window. Absent when its application tells of none.
 [[nodiscard]] std::optional<AXUIElement> windowElement(const Platform& platform, ProbeState& state,
                                                        const WindowHit& window);

@@ -170,7 +170,7 @@ int audit(const Request& request, const Configuration& configuration, const Base
     if (!target) {
         return refuse(problem, notAudited);
     }
-    awaitElements(desktop, state, *target, request.waitSeconds);
+    awaitElements(desktop, state, *target, command != nullptr, request.waitSeconds);
     Progress progress;
     AuditFailure failure = AuditFailure::none;
     auto result = auditWindow(

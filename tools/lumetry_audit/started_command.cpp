@@ -61,6 +61,11 @@ std::unique_ptr<StartedCommand> StartedCommand::start(const std::vector<std::str
     const pid_t pid = fork();
     if (pid == 0) {
         setsid();
+        // What this program does with signals is no concern of the other's.
+        sigset_t none;
+        sigemptyset(&none);
+        sigprocmask(SIG_SETMASK, &none, nullptr);
+        static_cast<void>(std::signal(SIGPIPE, SIG_DFL));
         dup2(STDERR_FILENO, STDOUT_FILENO);
         execvp(arguments.front(), arguments.data());
         const int error = errno;

@@ -136,22 +136,25 @@ std::optional<AuditTarget> awaitWindow(NativeDesktop& desktop, StartedCommand& c
     }
 }
 
-void awaitElements(NativeDesktop& desktop, ProbeState& state, const AuditTarget& target,
+void awaitElements(NativeDesktop& desktop, ProbeState& state, const AuditTarget& target, bool isNew,
                    double seconds) {
+    constexpr int settledReadings = 3;
+    constexpr double betweenReadings = 0.25;
+    constexpr std::size_t mostElements = 5000;
     const Platform& platform = desktop.platform();
     const double end = platform.runLoop.now() + seconds;
-    const Rect& bounds = target.window.bounds;
-    const Point centre = {bounds.midX(), bounds.midY()};
-    while (platform.runLoop.now() < end) {
-        const Token kept = platform.accessibility.keepReplies();
-        // An application that bundles Chromium is woken by being asked.
-        static_cast<void>(isElectronApp(platform, state, target.window.pid));
-        const auto element = axElementAt(platform, state, centre, target.window);
-        const auto root = element ? windowElement(platform, state, target.window) : std::nullopt;
-        if (root && !(*element == *root)) {
+    // One that bundles Chromium builds its trees once it is asked.
+    const bool settles = isNew || isElectronApp(platform, state, target.window.pid);
+    const int wanted = settles ? settledReadings : 1;
+    std::optional<std::size_t> last;
+    for (int alike = 0;;) {
+        const auto reading = treeFingerprint(platform, state, target, mostElements);
+        alike = !reading ? 0 : reading == last ? alike + 1 : 1;
+        last = reading;
+        if (alike == wanted || platform.runLoop.now() >= end) {
             return;
         }
-        pause(desktop, pauseSeconds);
+        pause(desktop, betweenReadings);
     }
 }
 

@@ -29,8 +29,10 @@ findTarget(const Platform& platform, const TargetRequest& request, std::string& 
 [[nodiscard]] std::optional<AuditTarget>
 awaitWindow(NativeDesktop& desktop, StartedCommand& command, double seconds, std::string& problem);
 
-/// Waits until the window's application tells of more than the window, or the time is over.
-void awaitElements(NativeDesktop& desktop, ProbeState& state, const AuditTarget& target,
+/// Waits until the window's application tells of more than the window and, where it has only just
+/// begun to, until that has settled; or until the time is over.
+/// @param isNew whether the window has only just appeared
+void awaitElements(NativeDesktop& desktop, ProbeState& state, const AuditTarget& target, bool isNew,
                    double seconds);
 
 } // namespace lumetry

@@ -13,15 +13,6 @@
 namespace lumetry {
 namespace {
 
-/// Why there is no display to work on; empty when there is one. Qt ends the process without one, so
-/// that this has to be known before.
-std::string displayProblem() {
-    IdleLoop loop;
-    std::string problem;
-    const auto desktop = X11Desktop::open(loop, loop, problem);
-    return problem;
-}
-
 /// Only fonts, drawing and a few small windows are wanted of Qt: without this it would load a
 /// graphics driver.
 void keepQtSmall() {
@@ -51,8 +42,12 @@ LinuxDesktop::LinuxDesktop(const ApplicationMaker& makeApplication)
 
 std::unique_ptr<LinuxDesktop> LinuxDesktop::open(const ApplicationMaker& makeApplication,
                                                  std::string& problem) {
-    problem = displayProblem();
-    if (!problem.empty()) {
+    // Qt ends the process without a display, so that this has to be known before. A server that
+    // nobody else is connected to may begin anew once the last one leaves: until Qt is there, this
+    // connection stays.
+    IdleLoop idleLoop;
+    const auto first = X11Desktop::open(idleLoop, idleLoop, problem);
+    if (!first) {
         return nullptr;
     }
     keepQtSmall();

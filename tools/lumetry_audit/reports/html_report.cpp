@@ -16,7 +16,7 @@
 #include <iterator>
 #include <map>
 #include <sstream>
-#include <tuple>
+#include <utility>
 
 namespace lumetry {
 namespace {
@@ -54,7 +54,7 @@ std::string pngOf(const Bitmap& bitmap) {
     QByteArray png;
     QBuffer buffer(&png);
     buffer.open(QIODevice::WriteOnly);
-    image.convertToFormat(QImage::Format_RGB32).save(&buffer, "PNG");
+    image.save(&buffer, "PNG");
     return png.toBase64().toStdString();
 }
 
@@ -117,24 +117,31 @@ private:
              << "px\">\n<img alt=\"The window " << escaped(title) << " as it was audited\" width=\""
              << audit_.picture.width << "\" height=\"" << audit_.picture.height
              << "\" src=\"data:image/png;base64," << pngOf(audit_.picture) << "\">\n";
-        // Several may be about one component: their numbers stand side by side.
-        std::map<std::tuple<double, double, double, double>, int> at;
+        // Where several begin at one place, their numbers stand side by side.
+        constexpr int badgeWidth = 26;
+        constexpr int badgeHeight = 18;
+        std::map<std::pair<double, double>, int> at;
         for (std::size_t place = 0; place < report_.findings.size(); ++place) {
             const Finding& finding = report_.findings[place];
             const Rect& box = finding.box;
             if (box == audit_.window) {
                 continue;
             }
-            const int before = at[{box.x, box.y, box.width, box.height}]++;
+            const int before = at[{box.x, box.y}]++;
             const std::size_t number = place + 1;
-            out_ << "<a class=\"mark " << kindOf(finding) << "\" id=\"mark-" << number
-                 << "\" href=\"#finding-" << number << "\" aria-label=\"Finding " << number << ": "
+            const std::string left = percent(box.x - audit_.window.x, audit_.window.width);
+            const std::string top = percent(box.y - audit_.window.y, audit_.window.height);
+            // The number stands on the outline, so that what it is about can be seen.
+            const bool hasRoom = box.y - audit_.window.y >= badgeHeight;
+            out_ << "<a class=\"badge " << (hasRoom ? "" : "inside ") << kindOf(finding)
+                 << "\" id=\"mark-" << number << "\" href=\"#finding-" << number
+                 << "\" aria-label=\"Finding " << number << ": "
                  << describe(finding.rule).identifier << ", " << escaped(finding.header)
-                 << "\" style=\"left:" << percent(box.x - audit_.window.x, audit_.window.width)
-                 << ";top:" << percent(box.y - audit_.window.y, audit_.window.height)
+                 << "\" style=\"left:calc(" << left << " + " << before * badgeWidth
+                 << "px);top:" << top << "\">" << number << "</a><span class=\"outline "
+                 << kindOf(finding) << "\" style=\"left:" << left << ";top:" << top
                  << ";width:" << percent(box.width, audit_.window.width)
-                 << ";height:" << percent(box.height, audit_.window.height)
-                 << ";--before:" << before << "\"><span>" << number << "</span></a>\n";
+                 << ";height:" << percent(box.height, audit_.window.height) << "\"></span>\n";
         }
         out_ << "</div>\n</section>\n";
     }

@@ -26,15 +26,17 @@ section { background: var(--paper); border: 1px solid var(--line); border-radius
   padding: 20px; }
 .picture { position: sticky; top: 16px; }
 .frame { position: relative; max-width: 100%; }
-.frame img { display: block; width: 100%; height: auto; }
-.mark { position: absolute; border: 2px solid var(--kind); box-shadow: 0 0 0 1px #ffffff; }
-.mark span { position: absolute; left: calc(-2px + var(--before) * 26px); top: -2px;
-  min-width: 24px; padding: 0 4px; background: var(--kind); color: #ffffff;
-  font-size: 12px; line-height: 18px; text-align: center; text-decoration: none;
-  border-bottom-right-radius: 4px; opacity: 0.95; }
-.mark:hover, .mark:focus-visible, .mark:target { z-index: 2; outline: 3px solid #ffffff;
-  outline-offset: 1px; box-shadow: 0 0 0 5px var(--kind); }
-.mark { text-decoration: none; }
+.frame img { display: block; width: 100%; height: auto;
+  background: repeating-linear-gradient(45deg, #ececf1 0 8px, #ffffff 8px 16px); }
+.outline { position: absolute; border: 2px solid var(--kind); box-shadow: 0 0 0 1px #ffffff;
+  pointer-events: none; }
+.badge { position: absolute; z-index: 1; min-width: 24px; padding: 0 4px; background: var(--kind);
+  color: #ffffff; font-size: 12px; line-height: 18px; text-align: center; text-decoration: none;
+  border-radius: 4px 4px 0 0; transform: translateY(-100%); }
+.badge.inside { border-radius: 0 0 4px 0; transform: none; }
+.badge:hover, .badge:focus-visible, .badge:target { z-index: 3; outline: 2px solid #ffffff; }
+.badge:hover + .outline, .badge:focus-visible + .outline, .badge:target + .outline { z-index: 2;
+  box-shadow: 0 0 0 2px #ffffff, 0 0 0 6px var(--kind); }
 .error { --kind: var(--error); }
 .warning { --kind: var(--warning); }
 .known { --kind: var(--known); }
