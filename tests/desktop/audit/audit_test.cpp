@@ -167,7 +167,7 @@ TEST(Audit, KnowsItsBaselineAndItsConfiguration) {
     auto application = audited.startWidgetFactory();
     const std::string pid = std::to_string(application.pid());
     const auto baseline = audited.file("known.json");
-    const auto first = audited.audit({"--pid", pid, "--write-baseline", baseline});
+    const auto first = audited.audit({"--write-baseline", baseline}); // the active window
     EXPECT_EQ(first.status.code, 1) << first.error;
     EXPECT_NE(first.output.find("name (WCAG 2.2, 4.1.2): 1"), std::string::npos) << first.output;
     const auto known = audited.audit({"--pid", pid, "--baseline", baseline, "--json"});
@@ -176,7 +176,9 @@ TEST(Audit, KnowsItsBaselineAndItsConfiguration) {
     EXPECT_FALSE(report["findings"].empty());
     EXPECT_TRUE(std::ranges::all_of(report["findings"],
                                     [](const Json& one) { return one["baseline"] == true; }));
-    EXPECT_EQ(audited.audit({"--pid", pid, "--fail-on", "never"}).status.code, 0);
+    const auto app = report["app"].get<std::string>();
+    EXPECT_EQ(audited.audit({"--app", app, "--fail-on", "never"}).status.code, 0);
+    EXPECT_EQ(audited.audit({"20", "20", "--fail-on", "error"}).status.code, 1);
 
     static_cast<void>(audited.file("lumetry-audit.toml", "[name]\nenabled = false\n"
                                                          "[[ignore]]\nrule = \"consistency\"\n"

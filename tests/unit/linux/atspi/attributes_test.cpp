@@ -33,7 +33,14 @@ std::string inWords(const std::optional<AXValue>& value) {
     if (const auto elements = value->as<std::vector<AXUIElement>>()) {
         return std::to_string(elements->size()) + " elements";
     }
+    if (const auto truth = value->as<bool>()) {
+        return *truth ? "true" : "false";
+    }
     return value->as<AXUIElement>() ? "element" : "something else";
+}
+
+constexpr std::uint64_t bit(AtspiStateType state) {
+    return std::uint64_t{1} << static_cast<unsigned>(state);
 }
 
 class Attributes : public AtspiTest {
@@ -116,6 +123,38 @@ TEST_F(Attributes, AreWhatTheObjectAnswers) {
          },
          "2 elements"},
         {"AXChildren", [](auto&) {}, "0 elements"},
+        {"AXEnabled", [](auto& o) { o.states = bit(ATSPI_STATE_SENSITIVE); }, "true"},
+        {"AXEnabled", [](auto& o) { o.states = bit(ATSPI_STATE_SHOWING); }, "false"},
+        {"AXEnabled", [](auto& o) { o.answers["GetState"] = text("enabled"); }, "absent"},
+        {"AXHidden",
+         [](auto& o) {
+             o.extents = {{0, 0, 9, 9}};
+         },
+         "false"},
+        {"AXHidden",
+         [](auto& o) {
+             o.extents = {{0, 0, 9, 9}};
+             o.states = bit(ATSPI_STATE_VISIBLE);
+         },
+         "true"},
+        {"AXHidden",
+         [](auto& o) {
+             o.extents = {{std::numeric_limits<std::int32_t>::min(), 0, 9, 9}};
+         },
+         "true"},
+        {"AXTitleUIElement",
+         [](auto& o) {
+             o.answers["GetRelationSet"] =
+                 relations({{ATSPI_RELATION_CONTROLLED_BY, {"a.b", "/slider"}},
+                            {ATSPI_RELATION_LABELLED_BY, {"a.b", "/label"}}});
+         },
+         "element"},
+        {"AXTitleUIElement",
+         [](auto& o) {
+             o.answers["GetRelationSet"] =
+                 relations({{ATSPI_RELATION_LABEL_FOR, {"a.b", "/field"}}});
+         },
+         "absent"},
         {"AXChildren",
          [](auto& o) {
              o.extents = {{0, 0, 9, 9}};

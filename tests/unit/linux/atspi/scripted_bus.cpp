@@ -392,6 +392,20 @@ Answer references(std::vector<Reference> values) {
     };
 }
 
+Answer relations(std::vector<std::pair<std::uint32_t, Reference>> values) {
+    return [values = std::move(values)](DBusMessageIter& at) {
+        appendArray(at, "(ua(so))", [&](DBusMessageIter& array) {
+            for (const auto& [kind, value] : values) {
+                DBusMessageIter relation;
+                dbus_message_iter_open_container(&array, DBUS_TYPE_STRUCT, nullptr, &relation);
+                dbus_message_iter_append_basic(&relation, DBUS_TYPE_UINT32, &kind);
+                references({value})(relation);
+                dbus_message_iter_close_container(&array, &relation);
+            }
+        });
+    };
+}
+
 Answer numberedReferences(std::string pathPrefix, int count) {
     return [pathPrefix = std::move(pathPrefix), count](DBusMessageIter& at) {
         appendArray(at, "(so)", [&](DBusMessageIter& array) {

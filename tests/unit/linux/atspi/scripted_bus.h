@@ -13,6 +13,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace lumetry::test {
@@ -54,6 +55,8 @@ using Answer = std::function<void(DBusMessageIter&)>;
 [[nodiscard]] Answer numbers(std::vector<std::uint32_t> values);
 [[nodiscard]] Answer reference(Reference value);
 [[nodiscard]] Answer references(std::vector<Reference> values);
+/// Relations to other objects, each with its number in AT-SPI.
+[[nodiscard]] Answer relations(std::vector<std::pair<std::uint32_t, Reference>> values);
 /// @param count how often the references are to be repeated, with a number behind their paths
 [[nodiscard]] Answer numberedReferences(std::string pathPrefix, int count);
 
