@@ -1,9 +1,9 @@
 #include "reports.h"
 
+#include "bench/shared/statistics.h"
+#include "bench/shared/widget_factory.h"
 #include "measured_page.h"
 #include "probes.h"
-#include "statistics.h"
-#include "widget_factory.h"
 
 #include <algorithm>
 #include <array>
@@ -17,6 +17,8 @@
 
 namespace lumetry::latency {
 namespace {
+
+using namespace bench;
 
 constexpr double frameMicroseconds = 1e6 / 60;
 

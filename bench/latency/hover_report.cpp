@@ -1,8 +1,8 @@
 #include "reports.h"
 
+#include "bench/shared/statistics.h"
+#include "bench/shared/widget_factory.h"
 #include "probes.h"
-#include "statistics.h"
-#include "widget_factory.h"
 
 #include <array>
 #include <cstdio>
@@ -11,6 +11,8 @@
 
 namespace lumetry::latency {
 namespace {
+
+using namespace bench;
 
 void printRow(const char* what, const Cost& cost, const Cost& bare, const std::string& counts) {
     std::printf("  %-26s %7.0f us (%.2f)   %7.0f us (%.2f)   %s\n", what, cost.median,

@@ -1,6 +1,6 @@
 #include "reports.h"
 
-#include "widget_factory.h"
+#include "bench/shared/widget_factory.h"
 
 #include "rig/lumetry_settings.h"
 #include "rig/overlay_reader.h"
@@ -18,6 +18,7 @@
 namespace lumetry::latency {
 namespace {
 
+using namespace bench;
 using namespace desktop;
 
 /// Lines of /proc/PID/smaps_rollup that say where the memory is, in kilobytes.

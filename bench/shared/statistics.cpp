@@ -1,10 +1,10 @@
-#include "statistics.h"
+#include "bench/shared/statistics.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <numeric>
 
-namespace lumetry::latency {
+namespace lumetry::bench {
 
 double quantile(std::vector<double> values, double share) {
     if (values.empty()) {
@@ -29,4 +29,4 @@ Cost costOf(const std::vector<double>& microseconds) {
     return {median(microseconds), quantile(microseconds, 0.95)};
 }
 
-} // namespace lumetry::latency
+} // namespace lumetry::bench

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-namespace lumetry::latency {
+namespace lumetry::bench {
 
 /// The value below which that share of the values lies; 0 without values.
 [[nodiscard]] double quantile(std::vector<double> values, double share);
@@ -17,4 +17,4 @@ struct Cost {
 
 [[nodiscard]] Cost costOf(const std::vector<double>& microseconds);
 
-} // namespace lumetry::latency
+} // namespace lumetry::bench

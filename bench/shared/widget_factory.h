@@ -4,7 +4,7 @@
 #include "rig/accessible_tree.h"
 #include "rig/private_desktop.h"
 
-namespace lumetry::latency {
+namespace lumetry::bench {
 
 /// A GTK application with widgets of all kinds, at the top-left of the screen.
 class WidgetFactory {
@@ -23,4 +23,4 @@ public:
     Rect window; ///< pixels of the root window
 };
 
-} // namespace lumetry::latency
+} // namespace lumetry::bench

@@ -1,10 +1,10 @@
-#include "widget_factory.h"
+#include "bench/shared/widget_factory.h"
 
 #include "rig/desktop_windows.h"
 
 #include <string>
 
-namespace lumetry::latency {
+namespace lumetry::bench {
 
 using namespace desktop;
 
@@ -27,4 +27,4 @@ WidgetFactory::WidgetFactory(PrivateDesktop& desktop, int scale)
     (void)tree.waitFor(name, "check box", "checkbutton");
 }
 
-} // namespace lumetry::latency
+} // namespace lumetry::bench
