@@ -53,9 +53,7 @@ public:
         const auto* element = dynamic_cast<const TimedElement*>(&other);
         return element != nullptr && element->inner_ == inner_;
     }
-    [[nodiscard]] std::size_t hash() const override {
-        return std::hash<AXUIElement>()(inner_);
-    }
+    [[nodiscard]] std::size_t hash() const override { return std::hash<AXUIElement>()(inner_); }
 
 private:
     AXUIElement inner_;
@@ -84,6 +82,15 @@ AXUIElement untimed(const AXUIElement& element) {
     return backend ? backend->inner() : element;
 }
 
+std::vector<AXUIElement> untimed(std::span<const AXUIElement> elements) {
+    std::vector<AXUIElement> inner;
+    inner.reserve(elements.size());
+    for (const AXUIElement& element : elements) {
+        inner.push_back(untimed(element));
+    }
+    return inner;
+}
+
 } // namespace
 
 AXUIElement TimedAccessibility::createSystemWide() {
@@ -97,12 +104,12 @@ AXUIElement TimedAccessibility::createApplication(pid_t pid) {
 void TimedAccessibility::prefetch(std::span<const AXUIElement> elements,
                                   std::span<const std::string_view> attributes) {
     const Stopwatch::Lap lap(watch_);
-    std::vector<AXUIElement> inner;
-    inner.reserve(elements.size());
-    for (const AXUIElement& element : elements) {
-        inner.push_back(untimed(element));
-    }
-    inner_.prefetch(inner, attributes);
+    inner_.prefetch(untimed(elements), attributes);
+}
+
+void TimedAccessibility::prefetchChildren(std::span<const AXUIElement> elements) {
+    const Stopwatch::Lap lap(watch_);
+    inner_.prefetchChildren(untimed(elements));
 }
 
 } // namespace lumetry

@@ -22,6 +22,7 @@ public:
     [[nodiscard]] Token keepReplies() override { return inner_.keepReplies(); }
     void prefetch(std::span<const AXUIElement> elements,
                   std::span<const std::string_view> attributes) override;
+    void prefetchChildren(std::span<const AXUIElement> elements) override;
 
 private:
     Accessibility& inner_;

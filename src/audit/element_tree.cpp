@@ -56,8 +56,8 @@ TreeReading ElementTree::read(const AXUIElement& root, std::size_t most, const P
 
 /// Whether any of them answers.
 bool ElementTree::readBatch(std::size_t begin, std::size_t end) {
-    constexpr std::array<std::string_view, 6> asked = {"AXRole",   "AXPosition", "AXTitle",
-                                                       "AXHidden", "AXChildren", "AXParent"};
+    constexpr std::array<std::string_view, 4> asked = {"AXRole", "AXPosition", "AXTitle",
+                                                       "AXHidden"};
     std::vector<AXUIElement> elements;
     elements.reserve(end - begin);
     for (std::size_t place = begin; place < end; ++place) {
@@ -69,7 +69,28 @@ bool ElementTree::readBatch(std::size_t begin, std::size_t end) {
         describe(nodes_[place]);
         answered = answered || !nodes_[place].role.empty();
     }
+    askForRelatives(begin, end);
     return answered;
+}
+
+/// Of what is to be seen: the children, and of what may be a part of a component what it is in.
+void ElementTree::askForRelatives(std::size_t begin, std::size_t end) {
+    constexpr std::array<std::string_view, 1> parent = {"AXParent"};
+    std::vector<AXUIElement> parents;
+    std::vector<AXUIElement> parts;
+    for (std::size_t place = begin; place < end; ++place) {
+        const ElementNode& node = nodes_[place];
+        if (isGone(node.presence)) {
+            continue;
+        }
+        parents.push_back(node.element);
+        const Bucket bucket = bucketFor(node.role);
+        if (bucket == Bucket::text || bucket == Bucket::graphic) {
+            parts.push_back(node.element);
+        }
+    }
+    platform_.accessibility.prefetch(parts, parent);
+    platform_.accessibility.prefetchChildren(parents);
 }
 
 void ElementTree::describe(ElementNode& node) const {

@@ -59,6 +59,7 @@ public:
 
 private:
     [[nodiscard]] bool readBatch(std::size_t begin, std::size_t end);
+    void askForRelatives(std::size_t begin, std::size_t end);
     void describe(ElementNode& node) const;
     void addChildren(std::size_t parent, std::size_t most);
 

@@ -197,6 +197,28 @@ private:
         platform_.accessibility.prefetch(elements, shown);
         constexpr std::array<std::string_view, 1> typography = {"AXAttributedStringForRange"};
         platform_.accessibility.prefetch(texts, typography);
+        prefetchLabels(begin, end);
+    }
+
+    /// Of those that have to have a title, and have none of their own.
+    void prefetchLabels(std::size_t begin, std::size_t end) {
+        constexpr std::array<std::string_view, 1> label = {"AXTitleUIElement"};
+        constexpr std::array<std::string_view, 2> titles = {"AXTitle", "AXValue"};
+        std::vector<AXUIElement> untitled;
+        for (std::size_t place = begin; place < end; ++place) {
+            const Choice& choice = chosen_[place];
+            if (isLabelled(choice.resolved.bucket) && ownTitleOf(choice).empty()) {
+                untitled.push_back(tree_.nodes()[choice.node].element);
+            }
+        }
+        platform_.accessibility.prefetch(untitled, label);
+        std::vector<AXUIElement> labels;
+        for (const AXUIElement& element : untitled) {
+            if (auto found = labelOf(element)) {
+                labels.push_back(std::move(*found));
+            }
+        }
+        platform_.accessibility.prefetch(labels, titles);
     }
 
     [[nodiscard]] Component componentOf(const Choice& choice) {
@@ -211,12 +233,10 @@ private:
         component.parent = tree_.nodes()[choice.node].parent;
         component.path = pathOf(choice.node, component.header);
         component.enabled = isEnabled(resolved.component);
-        const bool hasText =
-            !trimmed(axString(resolved.textSource, "AXValue").value_or("")).empty();
-        const bool isLabelled = !(resolved.component == resolved.textSource);
-        component.title =
-            titleOf(choice.node, isLabelled && hasText ? resolved.textSource : resolved.component);
-        component.showsText = showsText(component, hasText, isLabelled);
+        const bool hasText = !textOf(resolved.textSource).empty();
+        component.title = titleOf(choice);
+        component.showsText =
+            showsText(component, hasText, !(resolved.component == resolved.textSource));
         if (component.measures.text.font) {
             component.typeface = typefaceOf(*component.measures.text.font);
         }
@@ -228,25 +248,41 @@ private:
         return component;
     }
 
-    [[nodiscard]] std::string titleOf(std::size_t node, const AXUIElement& textSource) const {
-        const ElementNode& own = tree_.nodes()[node];
-        if (!own.title.empty()) {
-            return own.title;
+    [[nodiscard]] static std::string textOf(const AXUIElement& element) {
+        return trimmed(axString(element, "AXValue").value_or(""));
+    }
+
+    /// What it is titled itself, or what is written in it; what is in a field is no title.
+    [[nodiscard]] std::string ownTitleOf(const Choice& choice) const {
+        const ElementNode& node = tree_.nodes()[choice.node];
+        const Bucket bucket = choice.resolved.bucket;
+        if (!node.title.empty() || bucket == Bucket::input || bucket == Bucket::graphic) {
+            return node.title;
         }
-        const Bucket bucket = bucketFor(own.role);
-        if (bucket != Bucket::input && bucket != Bucket::graphic) {
-            std::string text = trimmed(axString(textSource, "AXValue").value_or(""));
-            if (!text.empty()) {
-                return text;
-            }
+        std::string text = textOf(choice.resolved.textSource);
+        return text.empty() ? textOf(choice.resolved.component) : text;
+    }
+
+    [[nodiscard]] static std::optional<AXUIElement> labelOf(const AXUIElement& element) {
+        const auto label = element.copyAttributeValue("AXTitleUIElement");
+        return label ? label->as<AXUIElement>() : std::nullopt;
+    }
+
+    /// Whether labels of others say what it is for.
+    [[nodiscard]] static bool isLabelled(Bucket bucket) {
+        return bucket == Bucket::control || bucket == Bucket::input || bucket == Bucket::graphic;
+    }
+
+    [[nodiscard]] std::string titleOf(const Choice& choice) const {
+        std::string own = ownTitleOf(choice);
+        const auto label = own.empty() && isLabelled(choice.resolved.bucket)
+                               ? labelOf(tree_.nodes()[choice.node].element)
+                               : std::nullopt;
+        if (!label) {
+            return own;
         }
-        const auto label = own.element.copyAttributeValue("AXTitleUIElement");
-        const auto labelElement = label ? label->as<AXUIElement>() : std::nullopt;
-        if (!labelElement) {
-            return {};
-        }
-        std::string title = trimmed(axString(*labelElement, "AXTitle").value_or(""));
-        return title.empty() ? trimmed(axString(*labelElement, "AXValue").value_or("")) : title;
+        std::string title = trimmed(axString(*label, "AXTitle").value_or(""));
+        return title.empty() ? textOf(*label) : title;
     }
 
     /// Whether the ink of a component is that of a text. What only has a title and nothing inside

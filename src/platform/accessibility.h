@@ -37,6 +37,10 @@ public:
     /// cannot do it does nothing, and without an open scope nothing is asked.
     virtual void prefetch(std::span<const AXUIElement> elements,
                           std::span<const std::string_view> attributes) = 0;
+    /// The same for the children of several elements, and for all that tells which there are:
+    /// nothing is left to be asked when they are read. Of an element without much to read that is
+    /// more than "AXChildren" asks.
+    virtual void prefetchChildren(std::span<const AXUIElement> elements) = 0;
 };
 
 } // namespace lumetry

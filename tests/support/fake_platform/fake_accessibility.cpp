@@ -1,6 +1,7 @@
 #include "support/fake_platform/fake_accessibility.h"
 
 #include <algorithm>
+#include <array>
 
 namespace lumetry {
 
@@ -134,6 +135,11 @@ void FakeAccessibility::prefetch(std::span<const AXUIElement> elements,
             }
         }
     }
+}
+
+void FakeAccessibility::prefetchChildren(std::span<const AXUIElement> elements) {
+    constexpr std::array<std::string_view, 1> children = {"AXChildren"};
+    prefetch(elements, children);
 }
 
 std::optional<AXValue> FakeAccessibility::answer(FakeElement& element, std::string_view attribute) {

@@ -74,6 +74,7 @@ public:
     [[nodiscard]] Token keepReplies() override;
     void prefetch(std::span<const AXUIElement> elements,
                   std::span<const std::string_view> attributes) override;
+    void prefetchChildren(std::span<const AXUIElement> elements) override;
 
     bool trusted = true;
     int prompts = 0;           ///< how often the user was asked

@@ -58,24 +58,27 @@ void AtspiAccessibility::prefetch(std::span<const AXUIElement> elements,
     }
     std::vector<atspi::Query> queries;
     for (const AXUIElement& element : elements) {
-        const auto* object = dynamic_cast<const atspi::ObjectElement*>(&element.backend());
-        if (object == nullptr) {
-            continue;
-        }
+        const auto* asked = dynamic_cast<const atspi::Element*>(&element.backend());
         for (const std::string_view attribute : attributes) {
-            // Of a text that is known to have characters, how the first one is set.
-            if (attribute == "AXAttributedStringForRange" &&
-                context_->cache.get<atspi::Question::characterCount>(object->object())
-                        .value_or(0) > 0) {
-                queries.push_back({object->object(), atspi::Question::textPart, 0, 1});
-                queries.push_back({object->object(), atspi::Question::attributeRun, 0, 1});
-            }
-            for (const atspi::Question question : atspi::ObjectElement::questionsFor(attribute)) {
-                queries.push_back({object->object(), question});
+            if (asked != nullptr) {
+                asked->addQueries(attribute, queries);
             }
         }
     }
     context_->cache.ask(queries, context_->deadline(std::nullopt));
+}
+
+void AtspiAccessibility::prefetchChildren(std::span<const AXUIElement> elements) {
+    if (!context_->cache.keeps()) {
+        return;
+    }
+    std::vector<atspi::ObjectReference> objects;
+    for (const AXUIElement& element : elements) {
+        if (const auto* object = dynamic_cast<const atspi::ObjectElement*>(&element.backend())) {
+            objects.push_back(object->object());
+        }
+    }
+    atspi::ObjectElement::askForChildren(*context_, objects);
 }
 
 std::string AtspiAccessibility::trustProblem() {

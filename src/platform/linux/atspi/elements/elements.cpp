@@ -26,9 +26,40 @@ std::optional<AXValue> axValue(std::optional<Kind> value) {
 /// Lists that are longer are not measured.
 constexpr std::size_t mostChildrenMeasured = 300;
 
+/// As many of them are looked at as are measured.
+constexpr std::size_t mostFrames = 60;
+
 /// The application's parent, the list of all applications, is no part of its tree.
 bool isDesktop(const ObjectReference& object, const ObjectReference& child) {
     return object.path == ATSPI_DBUS_PATH_ROOT && object.name != child.name;
+}
+
+/// Which of an object's children are looked at to tell whether they are to be seen. Of more
+/// children nothing is measured; and an application may list windows without a place.
+Habits::Unseen unseenChildrenOf(const Context& context, const ObjectReference& object,
+                                std::size_t children) {
+    const auto role = context.cache.get<Question::role>(object);
+    if (children > mostChildrenMeasured || role == ATSPI_ROLE_APPLICATION) {
+        return Habits::Unseen::none;
+    }
+    const Habits::Unseen usual = context.toolkits.habitsFor(object).unseenChildren;
+    // What a combo box would drop down is told to be in it by every toolkit.
+    return role == ATSPI_ROLE_COMBO_BOX && usual == Habits::Unseen::none ? Habits::Unseen::any
+                                                                         : usual;
+}
+
+/// Adds what tells which of those are to be seen, as far as they are among those that are measured.
+void addQueriesForUnseen(std::span<const ObjectReference> objects, Habits::Unseen unseen,
+                         std::vector<Query>& queries) {
+    if (unseen == Habits::Unseen::none) {
+        return;
+    }
+    for (const ObjectReference& object : objects.first(std::min(objects.size(), mostFrames))) {
+        queries.push_back({object, Question::extents});
+        if (unseen == Habits::Unseen::any) {
+            queries.push_back({object, Question::states});
+        }
+    }
 }
 
 /// Asks the windows of the process for their attributes, which has Chromium build its trees.
@@ -78,6 +109,41 @@ const ObjectElement::Attribute* ObjectElement::attributeNamed(std::string_view n
 std::span<const Question> ObjectElement::questionsFor(std::string_view attribute) {
     const Attribute* const known = attributeNamed(attribute);
     return known == nullptr ? std::span<const Question>() : known->questions;
+}
+
+void ObjectElement::askForChildren(Context& context, std::span<const ObjectReference> objects) {
+    ReplyCache& cache = context.cache;
+    const Deadline deadline = context.deadline(std::nullopt);
+    std::vector<Query> queries;
+    for (const ObjectReference& object : objects) {
+        queries.push_back({object, Question::children});
+        queries.push_back({object, Question::role});
+    }
+    context.hitTest.addTextLeafQueries(objects, queries);
+    cache.ask(queries, deadline);
+    queries.clear();
+    for (const ObjectReference& object : objects) {
+        if (const auto children = cache.get<Question::children>(object)) {
+            addQueriesForUnseen(*children, unseenChildrenOf(context, object, children->size()),
+                                queries);
+        }
+    }
+    context.hitTest.addTextPlaceQueries(objects, queries, deadline);
+    cache.ask(queries, deadline);
+}
+
+void Element::addQueries(std::string_view /*attribute*/, std::vector<Query>& /*queries*/) const {}
+
+void ObjectElement::addQueries(std::string_view attribute, std::vector<Query>& queries) const {
+    // Of a text that is known to have characters, how the first one is set.
+    if (attribute == "AXAttributedStringForRange" &&
+        context().cache.get<Question::characterCount>(object_).value_or(0) > 0) {
+        addTextQuery(context().cache, object_, 0, 1, queries);
+        queries.push_back({object_, Question::attributeRun, 0, 1});
+    }
+    for (const Question question : questionsFor(attribute)) {
+        queries.push_back({object_, question});
+    }
 }
 
 std::optional<AXValue>
@@ -141,10 +207,10 @@ ObjectElement::copyParameterizedAttributeValue(std::string_view attribute,
     const auto end = start + static_cast<std::int32_t>(range->length);
     const Token kept = keepReplies();
     ReplyCache& cache = context().cache;
-    cache.ask(
-        {{object_, Question::textPart, start, end}, {object_, Question::attributeRun, start, end}},
-        deadline());
-    auto characters = cache.get<Question::textPart>(object_, start, end);
+    std::vector<Query> queries = {{object_, Question::attributeRun, start, end}};
+    addTextQuery(cache, object_, start, end, queries);
+    cache.ask(queries, deadline());
+    auto characters = textBetween(cache, object_, start, end);
     if (!characters) {
         return std::nullopt;
     }
@@ -236,15 +302,7 @@ std::optional<AXValue> ObjectElement::children() const {
     if (!references) {
         return std::nullopt;
     }
-    const auto role = cache.get<Question::role>(object_);
-    // Of more children nothing is measured; and an application may list windows without a place.
-    if (references->size() <= mostChildrenMeasured && role != ATSPI_ROLE_APPLICATION) {
-        // What a combo box would drop down is told to be in it by every toolkit.
-        const bool dropsDown = role == ATSPI_ROLE_COMBO_BOX;
-        removeUnseen(*references, dropsDown && habits.unseenChildren == Habits::Unseen::none
-                                      ? Habits::Unseen::any
-                                      : habits.unseenChildren);
-    }
+    removeUnseen(*references);
     const auto texts = context().hitTest.textLeavesIn(object_, deadline());
     auto text = texts.begin();
     std::vector<AXUIElement> elements;
@@ -297,24 +355,18 @@ std::optional<AXValue> ObjectElement::rows() const {
     return elements;
 }
 
-/// Takes out those that are not to be seen, as far as they are among those that are measured.
-void ObjectElement::removeUnseen(std::vector<ObjectReference>& objects,
-                                 Habits::Unseen unseen) const {
-    constexpr std::size_t mostFrames = 60;
+/// Takes out those of the children that are not to be seen.
+void ObjectElement::removeUnseen(std::vector<ObjectReference>& objects) const {
+    const Habits::Unseen unseen = unseenChildrenOf(context(), object_, objects.size());
     if (unseen == Habits::Unseen::none) {
         return;
     }
     ReplyCache& cache = context().cache;
+    std::vector<Query> queries;
+    addQueriesForUnseen(objects, unseen, queries);
+    cache.ask(queries, deadline());
     const auto measuredEnd =
         objects.begin() + static_cast<std::ptrdiff_t>(std::min(objects.size(), mostFrames));
-    std::vector<Query> queries;
-    for (auto object = objects.begin(); object != measuredEnd; ++object) {
-        queries.push_back({*object, Question::extents});
-        if (unseen == Habits::Unseen::any) {
-            queries.push_back({*object, Question::states});
-        }
-    }
-    cache.ask(queries, deadline());
     const auto isUnseen = [&](const ObjectReference& object) {
         const auto extents = cache.get<Question::extents>(object);
         const auto states =
@@ -347,15 +399,30 @@ std::optional<Rect> TextElement::frame() const {
     return std::nullopt;
 }
 
+std::int32_t TextElement::endOfBeginning() const {
+    return std::min(text_.end, text_.start + textBeginningCharacters);
+}
+
+void TextElement::addQueries(std::string_view attribute, std::vector<Query>& queries) const {
+    if (attribute == "AXValue") {
+        addTextQuery(context().cache, owner_->object(), text_.start, endOfBeginning(), queries);
+    } else if (attribute == "AXAttributedStringForRange") {
+        addTextQuery(context().cache, owner_->object(), text_.start, text_.start + 1, queries);
+        queries.push_back({owner_->object(), Question::attributeRun, text_.start, text_.start + 1});
+    }
+}
+
 std::optional<AXValue> TextElement::copyAttributeValue(std::string_view attribute) const {
     const Token kept = keepReplies();
     if (attribute == "AXRole") {
         return "AXStaticText";
     }
     if (attribute == "AXValue") {
-        const std::int32_t end = std::min(text_.end, text_.start + textBeginningCharacters);
+        std::vector<Query> queries;
+        addQueries(attribute, queries);
+        context().cache.ask(queries, deadline());
         const auto characters =
-            context().cache.ask<Question::textPart>(owner_->object(), deadline(), text_.start, end);
+            textBetween(context().cache, owner_->object(), text_.start, endOfBeginning());
         return characters ? std::optional<AXValue>(withoutPlaceholders(*characters)) : std::nullopt;
     }
     if (attribute == "AXNumberOfCharacters") {

@@ -36,6 +36,9 @@ public:
     [[nodiscard]] std::optional<AXUIElement> copyElementAtPosition(float x, float y) const override;
     /// 0 goes back to the program's default.
     void setMessagingTimeout(float seconds) const override;
+    /// Adds what has to be asked for an attribute as far as that is known beforehand; of
+    /// "AXAttributedStringForRange" for the one of the first character.
+    virtual void addQueries(std::string_view attribute, std::vector<Query>& queries) const;
 
 protected:
     [[nodiscard]] Context& context() const { return context_; }
@@ -63,7 +66,10 @@ public:
     [[nodiscard]] const ObjectReference& object() const { return object_; }
     /// What has to be asked for an attribute; nothing for one that accessible objects do not have.
     [[nodiscard]] static std::span<const Question> questionsFor(std::string_view attribute);
+    /// Asks for the children of all of them together, and for what tells which there are.
+    static void askForChildren(Context& context, std::span<const ObjectReference> objects);
 
+    void addQueries(std::string_view attribute, std::vector<Query>& queries) const override;
     [[nodiscard]] std::optional<AXValue>
     copyAttributeValue(std::string_view attribute) const override;
     [[nodiscard]] std::optional<AXValue>
@@ -94,7 +100,7 @@ private:
     [[nodiscard]] std::optional<Rect> frame() const;
     [[nodiscard]] std::optional<std::string> shownText() const;
     [[nodiscard]] AXUIElement relative(ObjectReference object) const;
-    void removeUnseen(std::vector<ObjectReference>& objects, Habits::Unseen unseen) const;
+    void removeUnseen(std::vector<ObjectReference>& objects) const;
 
     ObjectReference object_;
     std::optional<pid_t> pid_;
@@ -108,6 +114,7 @@ public:
         : Element(context), owner_(std::make_shared<ObjectElement>(context, object, pid)),
           text_(text) {}
 
+    void addQueries(std::string_view attribute, std::vector<Query>& queries) const override;
     [[nodiscard]] std::optional<AXValue>
     copyAttributeValue(std::string_view attribute) const override;
     [[nodiscard]] std::optional<AXValue>
@@ -120,6 +127,7 @@ public:
 
 private:
     [[nodiscard]] std::optional<Rect> frame() const;
+    [[nodiscard]] std::int32_t endOfBeginning() const;
 
     std::shared_ptr<ObjectElement> owner_;
     TextLeaf text_;

@@ -17,6 +17,7 @@
 #include <sys/types.h>
 
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace lumetry::atspi {
@@ -64,6 +65,16 @@ public:
                                                      Deadline deadline) {
         return textLeaves_.in(object, deadline);
     }
+    /// @{ What TextLeaves asks of several objects together.
+    void addTextLeafQueries(std::span<const ObjectReference> objects,
+                            std::vector<Query>& queries) const {
+        textLeaves_.addQueries(objects, queries);
+    }
+    void addTextPlaceQueries(std::span<const ObjectReference> objects, std::vector<Query>& queries,
+                             Deadline deadline) {
+        textLeaves_.addPlaceQueries(objects, queries, deadline);
+    }
+    /// @}
 
 private:
     [[nodiscard]] std::optional<ObjectReference> objectIn(const DesktopWindow& window, pid_t pid,

@@ -100,6 +100,36 @@ void centre(IntRect& text, const IntRect& around) {
     }
 }
 
+/// Whether it is worth asking first what an object is. In Chromium nearly all objects have a text,
+/// which is read in any case.
+bool asksMayHoldText(Toolkit toolkit) {
+    return habitsOf(toolkit).textLeaves == Habits::TextLeaves::ofLeaves &&
+           toolkit != Toolkit::chromium;
+}
+
+/// The place of that character; the end for the one behind the last. Absent beyond.
+std::optional<std::size_t> byteAt(std::string_view text, std::int32_t character) {
+    constexpr unsigned leadingBits = 0xC0;
+    constexpr unsigned continuation = 0x80;
+    for (std::size_t byte = 0; byte < text.size(); ++byte) {
+        if ((static_cast<unsigned char>(text[byte]) & leadingBits) != continuation &&
+            character-- == 0) {
+            return byte;
+        }
+    }
+    return character == 0 ? std::optional(text.size()) : std::nullopt;
+}
+
+/// Those characters where all of them are among what is known of the beginning of the text.
+std::optional<std::string> partOfBeginning(const ReplyCache& cache, const ObjectReference& object,
+                                           std::int32_t first, std::int32_t second) {
+    const auto beginning = cache.get<Question::text>(object);
+    const auto start = beginning ? byteAt(*beginning, first) : std::nullopt;
+    const auto end = start ? byteAt(*beginning, second) : std::nullopt;
+    return end && *end >= *start ? std::optional(beginning->substr(*start, *end - *start))
+                                 : std::nullopt;
+}
+
 } // namespace
 
 std::string withoutPlaceholders(std::string_view text) {
@@ -107,35 +137,26 @@ std::string withoutPlaceholders(std::string_view text) {
                                zeroWidthNoBreakSpace);
 }
 
+void addTextQuery(const ReplyCache& cache, const ObjectReference& object, std::int32_t first,
+                  std::int32_t second, std::vector<Query>& queries) {
+    if (!partOfBeginning(cache, object, first, second)) {
+        queries.push_back({object, Question::textPart, first, second});
+    }
+}
+
+std::optional<std::string> textBetween(const ReplyCache& cache, const ObjectReference& object,
+                                       std::int32_t first, std::int32_t second) {
+    auto part = partOfBeginning(cache, object, first, second);
+    return part ? std::move(part) : cache.get<Question::textPart>(object, first, second);
+}
+
 std::vector<TextLeaf> TextLeaves::in(const ObjectReference& object, Deadline deadline) {
     const Toolkit toolkit = toolkits_.of(object);
-    const Habits& habits = habitsOf(toolkit);
-    const bool onlyOfLeaves = habits.textLeaves == Habits::TextLeaves::ofLeaves;
-    // In Chromium nearly all objects have a text, which is read in any case.
-    if (onlyOfLeaves && toolkit != Toolkit::chromium && !mayHoldText(object, deadline)) {
-        return {};
+    if (asksMayHoldText(toolkit)) {
+        cache_.ask({{object, Question::role}, {object, Question::interfaces}}, deadline);
     }
-    std::vector<Question> questions = {Question::text, Question::characterCount, Question::states,
-                                       Question::role};
-    if (onlyOfLeaves) {
-        questions.push_back(Question::children);
-    }
-    if (toolkit == Toolkit::chromium) {
-        // The last two are asked along: they are shown of nearly every element.
-        questions.insert(questions.end(), {Question::extents, Question::name, Question::value});
-    }
-    cache_.ask(object, questions, deadline);
-    const auto role = cache_.get<Question::role>(object);
-    if (isField(role, cache_.get<Question::states>(object).value_or(0), habits)) {
-        return {};
-    }
-    if (onlyOfLeaves) {
-        const auto children = cache_.get<Question::children>(object);
-        if (role == ATSPI_ROLE_STATIC || !children || !children->empty()) {
-            return {};
-        }
-    }
-    auto pieces = piecesIn(object, role == ATSPI_ROLE_LIST_ITEM, deadline);
+    cache_.ask(object, questionsFor(object), deadline);
+    auto pieces = piecesOfOwn(object, deadline);
     if (toolkit != Toolkit::chromium || pieces.empty()) {
         return placed(object, std::move(pieces), deadline);
     }
@@ -149,13 +170,72 @@ std::vector<TextLeaf> TextLeaves::in(const ObjectReference& object, Deadline dea
     return pieces;
 }
 
+void TextLeaves::addQueries(std::span<const ObjectReference> objects,
+                            std::vector<Query>& queries) const {
+    for (const ObjectReference& object : objects) {
+        for (const Question question : questionsFor(object)) {
+            queries.push_back({object, question});
+        }
+    }
+}
+
+void TextLeaves::addPlaceQueries(std::span<const ObjectReference> objects,
+                                 std::vector<Query>& queries, Deadline deadline) {
+    for (const ObjectReference& object : objects) {
+        const auto pieces = piecesOfOwn(object, deadline);
+        if (!pieces.empty() && toolkits_.of(object) == Toolkit::chromium) {
+            awaitPlaces(object, pieces.front(), deadline);
+        }
+        for (const TextLeaf& piece : pieces) {
+            queries.push_back({object, Question::textPlace, piece.start, piece.end});
+        }
+    }
+}
+
+/// What tells the pieces of an object's text; nothing of an object that has none for sure.
+std::vector<Question> TextLeaves::questionsFor(const ObjectReference& object) const {
+    const Toolkit toolkit = toolkits_.of(object);
+    if (asksMayHoldText(toolkit) && !mayHoldText(object)) {
+        return {};
+    }
+    std::vector<Question> questions = {Question::text, Question::characterCount, Question::states,
+                                       Question::role};
+    if (habitsOf(toolkit).textLeaves == Habits::TextLeaves::ofLeaves) {
+        questions.push_back(Question::children);
+    }
+    if (toolkit == Toolkit::chromium) {
+        // The last two are asked along: they are shown of nearly every element.
+        questions.insert(questions.end(), {Question::extents, Question::name, Question::value});
+    }
+    return questions;
+}
+
 /// By what is known of the object once it has been hit: most have no text, or are nothing but that.
-bool TextLeaves::mayHoldText(const ObjectReference& object, Deadline deadline) {
-    cache_.ask({{object, Question::role}, {object, Question::interfaces}}, deadline);
+bool TextLeaves::mayHoldText(const ObjectReference& object) const {
     return !isText(cache_.get<Question::role>(object).value_or(-1)) &&
            cache_.get<Question::interfaces>(object)
                .value_or(Interfaces())
                .contains(Interface::text);
+}
+
+/// The pieces that have no objects, without their places yet.
+std::vector<TextLeaf> TextLeaves::piecesOfOwn(const ObjectReference& object, Deadline deadline) {
+    const Toolkit toolkit = toolkits_.of(object);
+    const Habits& habits = habitsOf(toolkit);
+    if (asksMayHoldText(toolkit) && !mayHoldText(object)) {
+        return {};
+    }
+    const auto role = cache_.get<Question::role>(object);
+    if (isField(role, cache_.get<Question::states>(object).value_or(0), habits)) {
+        return {};
+    }
+    if (habits.textLeaves == Habits::TextLeaves::ofLeaves) {
+        const auto children = cache_.get<Question::children>(object);
+        if (role == ATSPI_ROLE_STATIC || !children || !children->empty()) {
+            return {};
+        }
+    }
+    return piecesIn(object, role == ATSPI_ROLE_LIST_ITEM, deadline);
 }
 
 /// Without their places yet; none of a text that is too long.

@@ -9,7 +9,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,6 +21,15 @@ namespace lumetry::atspi {
 /// The text without what stands in it for things that are no text, such as a picture or a paragraph
 /// of its own, and without what Gecko puts behind some characters to make them count twice.
 [[nodiscard]] std::string withoutPlaceholders(std::string_view text);
+
+/// @{ An object's characters from the first to before the second. What is known of the beginning of
+/// its text is not asked for again.
+void addTextQuery(const ReplyCache& cache, const ObjectReference& object, std::int32_t first,
+                  std::int32_t second, std::vector<Query>& queries);
+[[nodiscard]] std::optional<std::string> textBetween(const ReplyCache& cache,
+                                                     const ObjectReference& object,
+                                                     std::int32_t first, std::int32_t second);
+/// @}
 
 /// A piece of an object's text, between whatever else is in the object.
 struct TextLeaf {
@@ -38,9 +49,18 @@ public:
     /// an object without children, such as a button or a cell. None where the text is to be typed
     /// over: the room that belongs to it is larger than what is typed so far.
     [[nodiscard]] std::vector<TextLeaf> in(const ObjectReference& object, Deadline deadline);
+    /// @{ Adds what the same takes of several objects whose roles and interfaces are known, so that
+    /// it can be asked together: first what tells the pieces, then their places.
+    void addQueries(std::span<const ObjectReference> objects, std::vector<Query>& queries) const;
+    void addPlaceQueries(std::span<const ObjectReference> objects, std::vector<Query>& queries,
+                         Deadline deadline);
+    /// @}
 
 private:
-    [[nodiscard]] bool mayHoldText(const ObjectReference& object, Deadline deadline);
+    [[nodiscard]] bool mayHoldText(const ObjectReference& object) const;
+    [[nodiscard]] std::vector<Question> questionsFor(const ObjectReference& object) const;
+    [[nodiscard]] std::vector<TextLeaf> piecesOfOwn(const ObjectReference& object,
+                                                    Deadline deadline);
     [[nodiscard]] std::vector<TextLeaf> piecesIn(const ObjectReference& object, bool isItem,
                                                  Deadline deadline);
     [[nodiscard]] std::vector<TextLeaf> placed(const ObjectReference& object,
