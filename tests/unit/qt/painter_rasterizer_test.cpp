@@ -6,26 +6,22 @@
 #include <algorithm>
 #include <array>
 #include <span>
+#include <string>
 
 namespace lumetry {
 namespace {
 
-const Rasterizer& painter() {
-    static int count = 1;
-    static std::array<char, 5> name = {"test"};
-    static std::array<char*, 2> arguments = {name.data(), nullptr};
-    static const QGuiApplication application(count, arguments.data());
-    static const PainterRasterizer one;
-    return one;
-}
-
-Bitmap drawn(const DisplayList& list, const Rect& area) {
-    return painter().rasterize(list, area, Edges::smooth);
-}
-
 TEST(PainterRasterizer, DrawsTextWithinItsReachAndTheSameInParts) {
+    int argc = 1;
+    std::string name = "test";
+    std::array<char*, 2> argv = {name.data(), nullptr};
+    const QGuiApplication application(argc, argv.data());
+    const PainterRasterizer painter;
+    const auto drawn = [&](const DisplayList& list, const Rect& area) {
+        return painter.rasterize(list, area, Edges::smooth);
+    };
     for (const double size : {11.5, 12.5, 40.0}) {
-        RecordingCanvas canvas(painter());
+        RecordingCanvas canvas(painter);
         canvas.drawText("\u01FA\u1EA8g|\u0E0D\u0E39", {40.5, 60.5},
                         {FontFamily::monospacedSystem, size, FontWeight::medium}, white);
         const DisplayList list = canvas.take();
