@@ -105,7 +105,7 @@ TEST(PixelBox, IsWhatWalkingPixelByPixelFinds) {
     for (int round = 0; round < 1200; ++round) {
         SCOPED_TRACE(round);
         const int side = pictures.oneIn(8) ? 12 + pictures.below(5) : 30 + pictures.below(90);
-        const Bitmap square = pictures.next({side, side}, 45);
+        const Bitmap square = pictures.next({side, side + pictures.below(4)}, 45);
         const auto box = pixelBoxIn(square, at);
         const auto expected = PlainBox(square).around(at);
         ASSERT_EQ(box.has_value(), expected.has_value());
@@ -150,17 +150,24 @@ TEST(PixelBox, HasEightPointsAtLeast) {
     EXPECT_EQ(pixelBoxIn(Bitmap(), at), std::nullopt);
 }
 
-// Of the rows beside the centre's only the upper one is in reach then, and one walk is not enough.
+// Of the rows beside the centre's only one is in reach then, and one walk is not enough.
 TEST(PixelBox, NeedsTwelveRows) {
-    for (const int side : {1, 10, 11, 12}) {
+    struct Case {
+        int side;
+        int other; ///< from the centre's row to the other one that has edges
+        bool found;
+    };
+    for (const auto& [side, other, found] :
+         {Case{1, -5, false}, Case{10, -5, false}, Case{11, -5, false}, Case{12, -5, true},
+          Case{12, 5, false}, Case{13, 5, true}}) {
         Bitmap picture = evenBitmap(side, side, 0x808080);
-        for (const int track : {side / 2 - 5, side / 2}) {
+        for (const int track : {side / 2 + other, side / 2}) {
             for (const int end : {1, side - 2}) {
                 fillRect(picture, {end, track, 1, 1}, 0);
                 fillRect(picture, {track, end, 1, 1}, 0);
             }
         }
-        EXPECT_EQ(pixelBoxIn(picture, at).has_value(), side == 12) << side;
+        EXPECT_EQ(pixelBoxIn(picture, at).has_value(), found) << side << " " << other;
     }
 }
 

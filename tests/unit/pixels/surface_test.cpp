@@ -123,7 +123,7 @@ TEST(Surface, IsWhatCountingPixelByPixelFinds) {
         SCOPED_TRACE(round);
         const int longest = pictures.oneIn(3) ? 120 : 40;
         const IntSize pixels = {8 + pictures.below(longest), 8 + pictures.below(longest)};
-        const double scale = pictures.oneIn(2) ? 1 : 0.3 + pictures.below(70) / 100.0;
+        const double scale = pictures.oneIn(2) ? 1 : 0.02 + pictures.below(98) / 100.0;
         const Size size = {pixels.width / scale, pixels.height / scale};
         const Bitmap picture = pictures.next(pixels, pictures.oneIn(2) ? 0 : 20);
         const SurfaceInfo surface = analyzeSurfaceIn(picture, size, scale);
@@ -146,6 +146,27 @@ TEST(Surface, IsExactInBrightNoise) {
         pixel = 0xFFF8F8F8U | static_cast<std::uint32_t>(random());
     }
     EXPECT_EQ(analyzeSurfaceIn(picture, {400, 400}, 1), plainSurface(picture, {400, 400}, 1));
+}
+
+TEST(Surface, CountsAsFillAndInkFromSoManyPixelsOn) {
+    struct Case {
+        int rows; ///< of 20 pixels
+        int fill;
+        int ink;
+        bool hasFill;
+        bool hasInk;
+    };
+    for (const auto& [rows, fill, ink, hasFill, hasInk] :
+         {Case{20, 180, 120, true, true}, Case{20, 179, 120, false, false},
+          Case{20, 388, 12, true, true}, Case{20, 389, 11, true, false},
+          Case{100, 1960, 40, true, true}, Case{100, 1961, 39, true, false}}) {
+        Bitmap picture = evenBitmap(20, rows, 0x808080);
+        std::fill_n(picture.pixels.begin(), fill + ink, opaque(0xFFFFFF));
+        std::fill_n(picture.pixels.begin(), fill, opaque(0x336699));
+        const SurfaceInfo surface = analyzeSurfaceIn(picture, {20, 20}, 1);
+        EXPECT_EQ(surface.fill.has_value(), hasFill) << fill;
+        EXPECT_EQ(surface.ink.has_value(), hasInk) << ink;
+    }
 }
 
 TEST(Surface, CapturesTheFrameAtMost400PixelsLong) {
