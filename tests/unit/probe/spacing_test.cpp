@@ -120,7 +120,7 @@ TEST(CollectionGap, IsTheTypicalSpaceOfRegularItems) {
              Case{"small and near enough", column({0, 6}, 30), CollectionGap{6, 3, 30, true}},
              Case{"small and not", column({0, 6.1}, 30), std::nullopt},
              Case{"side by side", turned(column({8, 8}, 44)), CollectionGap{8, 3, 44, false}},
-             Case{"in another order", {{0, 104, 9, 44}, {0, 0, 9, 44}, {0, 52, 9, 44}}, tall},
+             Case{"in another order", {{0, 104, 9, 44}, {0, 52, 9, 44}, {0, 0, 9, 44}}, tall},
              Case{"grid", grid(3, 3), CollectionGap{10, 9, 100, true}},
              Case{"wide grid", grid(4, 2), CollectionGap{10, 8, 100, false}},
              Case{"halves away from zero", column({8.5, 8.5}, 30.5), CollectionGap{9, 3, 31, true}},
@@ -138,6 +138,9 @@ TEST(CollectionGap, IsTheTypicalSpaceOfRegularItems) {
              Case{"infinitely wide",
                   {{0, 0, 9, 44}, {0, 52, 9, 44}, {0, 104, infinity, 44}},
                   std::nullopt},
+             Case{"infinitely high",
+                  {{0, 0, 9, 44}, {0, 52, 9, 44}, {0, 104, 9, infinity}},
+                  std::nullopt},
          }) {
         EXPECT_EQ(Family(children).gap(), expected) << name;
     }
@@ -147,7 +150,7 @@ TEST(CollectionGap, TakesWhatOverlapsByOnePixelForTouching) {
     Family rows({{0, 0, 9, 33.6}, {0, 32.8, 9, 33.6}, {0, 65.6, 9, 33.6}});
     EXPECT_EQ(rows.gap(), std::nullopt);
     FakeWindowServer screen;
-    screen.allScreens = {{{0, 0, 800, 600}, {0, 0, 800, 600}, 1.25}};
+    screen.allScreens = {{{0, 0, 800, 600}, {}, 1.25}, {{800, 0, 800, 600}, {}, 1}};
     EXPECT_EQ(collectionGap(rows.accessibility, rows.parent.handle(), frameRounding(screen)),
               (CollectionGap{0, 3, 34, true}));
     screen.allScreens.front().backingScaleFactor = 2;
