@@ -19,9 +19,9 @@ TEST_F(ShellTest, RoutesByPermissionsAndFlag) {
             fresh.setOnboarded();
         }
         fresh.delegate->applicationDidFinishLaunching();
-        fresh.advance(0.14);
+        fresh.advance(0.149);
         EXPECT_FALSE(fresh.onboardingShown() || fresh.inspecting());
-        fresh.advance(0.02);
+        fresh.advance(0.002);
         EXPECT_EQ(fresh.inspecting(), one.step < 0);
         EXPECT_EQ(fresh.onboardingShown(), one.step >= 0);
         if (one.step >= 0) {
@@ -117,6 +117,7 @@ TEST_F(ShellTest, ReopenShowsWhatIsWanted) {
     launch();
     EXPECT_TRUE(delegate->applicationShouldHandleReopen(false));
     EXPECT_TRUE(panel().visible);
+    EXPECT_EQ(shell.application.activations, 1);
     EXPECT_TRUE(inspecting());
     EXPECT_TRUE(delegate->applicationShouldHandleReopen(true));
     EXPECT_EQ(panels.size(), 1U);
@@ -143,8 +144,10 @@ TEST_F(ShellTest, ReopenShowsWhatIsWanted) {
     EXPECT_TRUE(delegate->applicationShouldHandleReopen(false));
     EXPECT_TRUE(onboardingShown());
     const int activations = shell.application.activations;
+    onboarding().inFront = false;
     EXPECT_TRUE(delegate->applicationShouldHandleReopen(true));
     EXPECT_EQ(shell.application.activations, activations + 1);
+    EXPECT_TRUE(onboarding().inFront);
     EXPECT_FALSE(panel().visible);
 
     panel().actions.quitFromPanel();

@@ -77,6 +77,7 @@ TEST_F(OnboardingTest, PrimaryButtonFollowsStepAndPermissions) {
     EXPECT_EQ(controller->step(), 2);
     EXPECT_TRUE(window().animated);
     EXPECT_EQ(window().primary, "Start Inspecting");
+    EXPECT_TRUE(window().primaryEnabled);
 }
 
 TEST_F(OnboardingTest, ReopensOnlyWhileTheGrantIsPending) {
@@ -92,6 +93,7 @@ TEST_F(OnboardingTest, ReopensOnlyWhileTheGrantIsPending) {
     user().backTapped();
     user().backTapped(); // before which there is none
     EXPECT_EQ(controller->step(), 0);
+    EXPECT_TRUE(window().animated);
     user().primaryTapped();
     EXPECT_EQ(reopens, 1);
     EXPECT_EQ(controller->step(), 1);
@@ -105,7 +107,7 @@ TEST_F(OnboardingTest, CompletesOnceHoweverOftenItIsAsked) {
     user().primaryTapped();
     controller->complete();
     key(EventType::flagsChanged, keyCodeUnknown); // lets the keys go, which stay lit
-    EXPECT_TRUE(shell.desktop.defaults.boolForKey(onboardedKey));
+    EXPECT_TRUE(shell.desktop.defaults.boolForKey("lumetry.onboarded"));
     advance(0.49);
     EXPECT_EQ(starts, 0);
     EXPECT_EQ(window().nudge, "here we go!");

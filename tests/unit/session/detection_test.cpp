@@ -1,6 +1,5 @@
 #include "session_test.h"
 
-#include "session/detect_log.h"
 #include "support/pictures/pictures.h"
 
 #include <cstdlib>
@@ -27,7 +26,7 @@ protected:
     }
 
     [[nodiscard]] std::string logged() {
-        return desktop.fileSystem.appended[std::string(DetectLog::url)];
+        return desktop.fileSystem.appended["/tmp/lumetry-detect.log"];
     }
     /// What the log says of what is at the point.
     [[nodiscard]] std::string lineAt(Point at) {
@@ -86,9 +85,9 @@ TEST_F(Detection, LogsEachChangeOnceOnOneLine) {
 }
 
 TEST_F(Detection, IsLoggedElsewhereWhereTheEnvironmentSaysSo) {
-    setenv(DetectLog::urlVariable, "/elsewhere", 1);
+    setenv("LUMETRY_DETECT_LOG", "/elsewhere", 1);
     EXPECT_EQ(lineAt(onField), "");
-    unsetenv(DetectLog::urlVariable);
+    unsetenv("LUMETRY_DETECT_LOG");
     EXPECT_EQ(desktop.fileSystem.appended.count("/elsewhere"), 1U);
 }
 

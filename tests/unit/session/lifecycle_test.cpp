@@ -67,12 +67,15 @@ TEST_F(Lifecycle, MissingPermissionToCaptureIsAskedForAndNoObstacle) {
 
 TEST_F(Lifecycle, NothingIsShownOrReadOverALockedScreen) {
     desktop.screenLock.locked = true;
+    desktop.windowServer.captureAllowed = false;
     overlay->start();
     EXPECT_TRUE(overlay->active());
     EXPECT_FALSE(window().shown);
     EXPECT_EQ(desktop.accessibility.totalReads(), 0);
+    EXPECT_EQ(desktop.windowServer.captureRequests, 0);
     desktop.screenLock.change(false);
     EXPECT_TRUE(window().shown);
+    EXPECT_EQ(desktop.windowServer.captureRequests, 1);
     EXPECT_EQ(view().targetRect, inView(buttonFrame)) << "without waiting for the pointer";
 
     desktop.screenLock.change(true);
