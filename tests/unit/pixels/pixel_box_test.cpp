@@ -150,24 +150,30 @@ TEST(PixelBox, HasEightPointsAtLeast) {
     EXPECT_EQ(pixelBoxIn(Bitmap(), at), std::nullopt);
 }
 
-// Of the rows beside the centre's only one is in reach then, and one walk is not enough.
-TEST(PixelBox, NeedsTwelveRows) {
+// Of what lies beside the centre only one row and one column are in reach then, and one walk is not
+// enough.
+TEST(PixelBox, NeedsTwelveRowsAndColumns) {
     struct Case {
-        int side;
-        int other; ///< from the centre's row to the other one that has edges
+        IntSize size;
+        int row; ///< from the centre to the other one that has edges
+        int column;
         bool found;
     };
-    for (const auto& [side, other, found] :
-         {Case{1, -5, false}, Case{10, -5, false}, Case{11, -5, false}, Case{12, -5, true},
-          Case{12, 5, false}, Case{13, 5, true}}) {
-        Bitmap picture = evenBitmap(side, side, 0x808080);
-        for (const int track : {side / 2 + other, side / 2}) {
-            for (const int end : {1, side - 2}) {
-                fillRect(picture, {end, track, 1, 1}, 0);
-                fillRect(picture, {track, end, 1, 1}, 0);
-            }
+    for (const auto& [size, row, column, found] :
+         {Case{{1, 1}, -5, -5, false}, Case{{10, 10}, -5, -5, false}, Case{{11, 11}, -5, -5, false},
+          Case{{12, 12}, -5, -5, true}, Case{{14, 12}, 5, -5, false}, Case{{12, 14}, -5, 5, false},
+          Case{{13, 13}, 5, 5, true}}) {
+        const auto [width, height] = size;
+        Bitmap picture = evenBitmap(width, height, 0x808080);
+        for (const int x : {1, width - 2}) {
+            fillRect(picture, {x, height / 2 + row, 1, 1}, 0);
+            fillRect(picture, {x, height / 2, 1, 1}, 0);
         }
-        EXPECT_EQ(pixelBoxIn(picture, at).has_value(), found) << side << " " << other;
+        for (const int y : {1, height - 2}) {
+            fillRect(picture, {width / 2 + column, y, 1, 1}, 0);
+            fillRect(picture, {width / 2, y, 1, 1}, 0);
+        }
+        EXPECT_EQ(pixelBoxIn(picture, at).has_value(), found) << width << " x " << height;
     }
 }
 

@@ -209,6 +209,9 @@ TEST(Surface, HasTheSizeOfItsFrame) {
     screen.paint(picture);
     // Of the picture at half the size 9 pixels of each diagonal are corner, each 2 points wide.
     EXPECT_EQ(analyzeSurface(screen, 7, {0, 0, 800, 200}).radius, std::lround(9 * 3.414 * 2));
+    Bitmap small = evenBitmap(400, 100, 0);
+    fillRoundedRect(small, {0, 0, 400, 100}, 30, 0xFFFFFF);
+    EXPECT_EQ(analyzeSurfaceIn(small, {20000, 5000}, 0.02).radius, std::lround(9 * 3.414 * 50));
 }
 
 TEST(ColorSample, IsThePixelAtThePoint) {
