@@ -186,7 +186,8 @@ TEST(OverAnotherDepth, OutlinesAndNamesAsEver) {
         const auto application = inspected.desktop.start({factory});
         const auto lumetry = inspected.startLumetry();
         const auto button = inspected.tree.waitFor(factory, "push button", "link button");
-        inspected.hover(button, "Button · link button");
+        const auto readout = inspected.hover(button, "Button · link button");
+        EXPECT_EQ(readout.value("fill").value_or("").substr(0, 6), "≈ #F");
         EXPECT_TRUE(outlines(inspected, button.extents().value_or(Rect())));
     }
 }
