@@ -50,7 +50,7 @@ TEST(Luminance, IsLinearUpToItsThreshold) {
     constexpr double threshold = 0.03928;
     EXPECT_DOUBLE_EQ(lum({threshold, threshold, threshold, 1}), threshold / 12.92);
     // The curve beyond it does not quite continue the line.
-    EXPECT_NEAR(lum({0.0393, 0.0393, 0.0393, 1}), 0.00304104, 1e-8);
+    EXPECT_NEAR(lum({0.039281, 0.039281, 0.039281, 1}), 0.00303957, 1e-8);
     EXPECT_NEAR(lum({0.04, 0.04, 0.04, 1}), 0.00309550, 1e-8);
 }
 

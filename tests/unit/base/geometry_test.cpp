@@ -1,9 +1,11 @@
 #include "base/geometry.h"
 
+#include "base/int_geometry.h"
 #include "support/printing/printing.h"
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <optional>
 
 namespace lumetry {
@@ -69,6 +71,41 @@ TEST(Rect, InsetUntilNothingIsLeft) {
 TEST(Flip, TurnsTheRectangleNotOnlyItsOrigin) {
     EXPECT_EQ(flipped(Point{100, 300}, 900), (Point{100, 600}));
     EXPECT_EQ(flipped(unit, 900), (Rect{10, 840, 30, 40}));
+}
+
+TEST(IntRect, EndsBeforeItsHighEdges) {
+    constexpr IntRect rect = {10, 20, 30, 40};
+    EXPECT_EQ(rect.size(), (IntSize{30, 40}));
+    EXPECT_EQ(toRect(rect), unit);
+    EXPECT_EQ(flipped(rect, 900), (IntRect{10, 840, 30, 40}));
+    for (const IntPoint inside : {IntPoint{10, 20}, {39, 59}}) {
+        EXPECT_TRUE(rect.contains(inside));
+    }
+    for (const IntPoint outside : {IntPoint{9, 30}, {40, 30}, {20, 19}, {20, 60}}) {
+        EXPECT_FALSE(rect.contains(outside)) << outside.x << "," << outside.y;
+    }
+}
+
+TEST(IntRect, UniteAndIntersectAsFarAsNumbersGo) {
+    constexpr IntRect rect = {10, 20, 30, 40};
+    constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
+    constexpr std::int32_t most = std::numeric_limits<std::int32_t>::max();
+    struct Case {
+        IntRect other;
+        IntRect united;
+        IntRect shared;
+    };
+    for (const auto& [other, united, shared] : {
+             Case{{20, 0, 50, 30}, {10, 0, 60, 60}, {20, 20, 20, 10}},
+             Case{{15, 25, 5, 6}, rect, {15, 25, 5, 6}},
+             Case{{40, 20, 10, 40}, {10, 20, 40, 40}, {40, 20, 0, 0}},
+             Case{{10, 60, 30, 5}, {10, 20, 30, 45}, {10, 60, 0, 0}},
+             Case{{least, least, 5, 6}, {least, least, most, most}, {10, 20, 0, 0}},
+         }) {
+        EXPECT_EQ(unite(rect, other), united) << other.x;
+        EXPECT_EQ(intersect(other, rect), shared) << other.x;
+        EXPECT_EQ(shared.isEmpty(), shared.size() == IntSize());
+    }
 }
 
 } // namespace

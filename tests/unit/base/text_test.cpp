@@ -8,6 +8,7 @@
 #include <limits>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace lumetry {
 namespace {
@@ -23,6 +24,7 @@ TEST(Text, FirstCharactersNeverCutOne) {
     for (const auto& [name, text, count, expected] : {
              Case{"shorter than asked", "ab", 26, "ab"},
              Case{"none", "abc", 0, ""},
+             Case{"byte that forms none", "\xFFx", 1, "\xFF"},
              Case{"combining accents", "e\u0301o\u0308x", 2, "e\u0301o\u0308"},
              Case{"joined emoji", family + family + "x", 2, family + family},
              Case{"flags come in pairs of letters", "🇩🇪🇫🇷🇮🇹", 2, "🇩🇪🇫🇷"},
@@ -38,6 +40,7 @@ TEST(Text, TrimsWhiteSpaceOfEveryScript) {
              Case{" \t\r\n a b \n", "a b"},
              Case{"\u00A0\u3000\u2028x\u2029\u0085", "x"},
              Case{" \u2003 ", ""},
+             Case{" \bx\x0E \xFF ", "\bx\x0E \xFF"},
          }) {
         EXPECT_EQ(trimmed(text), expected);
     }
@@ -63,6 +66,11 @@ TEST(Text, RemovesOccurrencesFromLeftToRight) {
     EXPECT_EQ(removingOccurrences("AXMAXAX", "AX"), "M");
     EXPECT_EQ(removingOccurrences("AAXX", "AX"), "AX") << "what closes up is not removed again";
     EXPECT_EQ(removingOccurrences("ab", ""), "ab");
+}
+
+TEST(Text, IsSplitAtEachSeparator) {
+    EXPECT_EQ(split(":a::b:", ':'), (std::vector<std::string>{"", "a", "", "b"}));
+    EXPECT_EQ(nonEmptyParts(":a::b:", ':'), (std::vector<std::string>{"a", "b"}));
 }
 
 TEST(Text, StandsOnOneLineWithEveryControlCharacterEscaped) {
@@ -112,7 +120,8 @@ TEST(AspectString, KeepsTermsUpTo32) {
              Case{{0.49, 100}, ""},
              Case{{100, 0.49}, ""},
              Case{{std::nan(""), 5}, ""},
-             Case{{1e300, 1e299}, "10.00:1"},
+             Case{{1e19, 1}, "10000000000000000000.00:1"},
+             Case{{1, 1e19}, "0.00:1"},
          }) {
         EXPECT_EQ(aspectString(size).value_or(""), expected) << size.width << " x " << size.height;
     }

@@ -47,17 +47,6 @@ DisplayList outline() {
     return list;
 }
 
-TEST(OverlayView, OutlinesTheElement) {
-    FakeWindowServer server;
-    OverlayView view(server);
-    view.targetRect = element;
-    EXPECT_EQ(drawn(view), outline());
-    for (const Rect& empty : {Rect{100, 200, 0, 30}, Rect{100, 200, 50, 0}, Rect::null()}) {
-        view.targetRect = empty;
-        EXPECT_TRUE(drawn(view).empty());
-    }
-}
-
 TEST(OverlayView, DrawsTheExitTagBeneathEverythingElse) {
     FakeWindowServer server;
     server.allScreens = {{{0, 0, 800, 600}, {0, 40, 790, 540}}};
