@@ -23,6 +23,7 @@ public:
     void prefetch(std::span<const AXUIElement> elements,
                   std::span<const std::string_view> attributes) override;
     void prefetchChildren(std::span<const AXUIElement> elements) override;
+    [[nodiscard]] std::size_t unanswered() const override { return inner_.unanswered(); }
 
 private:
     Accessibility& inner_;

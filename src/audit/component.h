@@ -37,13 +37,11 @@ struct Component {
     bool showsText = false;
     std::optional<Typeface> typeface;
     Measures measures;
-    bool evenFill = false; ///< its fill is one colour, and no gradient
-
-    /// What its text is drawn in: as the application says, else as estimated.
-    [[nodiscard]] std::optional<Color> textColor() const {
-        return measures.text.color ? measures.text.color : measures.surface.ink;
-    }
-    [[nodiscard]] bool textColorIsEstimated() const { return !measures.text.color; }
+    bool evenFill = false; ///< its fill is one colour, and no gradient or picture
+    /// Of a text that it shows: as the application tells it where the pixels bear that out, else as
+    /// the pixels show it. Absent where neither tells.
+    std::optional<Color> textColor;
+    bool textColorIsEstimated = false;
 };
 
 } // namespace lumetry

@@ -25,9 +25,9 @@ bool clipsContents(std::string_view role) {
     return std::ranges::find(roles, role) != roles.end();
 }
 
-bool isHidden(const AXUIElement& element) {
-    const auto hidden = element.copyAttributeValue("AXHidden");
-    return hidden && hidden->as<bool>().value_or(false);
+bool isTrue(const AXUIElement& element, std::string_view attribute) {
+    const auto value = element.copyAttributeValue(attribute);
+    return value && value->as<bool>().value_or(false);
 }
 
 } // namespace
@@ -35,14 +35,12 @@ bool isHidden(const AXUIElement& element) {
 TreeReading ElementTree::read(const AXUIElement& root, std::size_t most, const Progress& progress) {
     nodes_.clear();
     places_.clear();
-    cutOff_ = false;
+    cutOff_ = busy_ = false;
     nodes_.push_back({root, {}, {}, {}, {}, {}, visibility_.window(), Presence::whole});
     places_.emplace(root, 0);
     for (std::size_t begin = 0; begin < nodes_.size();) {
         const std::size_t end = std::min(nodes_.size(), begin + batchSize);
-        if (!readBatch(begin, end)) {
-            return TreeReading::noAnswer;
-        }
+        readBatch(begin, end);
         for (std::size_t place = begin; place < end; ++place) {
             addChildren(place, most);
         }
@@ -54,8 +52,7 @@ TreeReading ElementTree::read(const AXUIElement& root, std::size_t most, const P
     return cutOff_ ? TreeReading::cutOff : TreeReading::complete;
 }
 
-/// Whether any of them answers.
-bool ElementTree::readBatch(std::size_t begin, std::size_t end) {
+void ElementTree::readBatch(std::size_t begin, std::size_t end) {
     constexpr std::array<std::string_view, 4> asked = {"AXRole", "AXPosition", "AXTitle",
                                                        "AXHidden"};
     std::vector<AXUIElement> elements;
@@ -64,13 +61,10 @@ bool ElementTree::readBatch(std::size_t begin, std::size_t end) {
         elements.push_back(nodes_[place].element);
     }
     platform_.accessibility.prefetch(elements, asked);
-    bool answered = false;
     for (std::size_t place = begin; place < end; ++place) {
         describe(nodes_[place]);
-        answered = answered || !nodes_[place].role.empty();
     }
     askForRelatives(begin, end);
-    return answered;
 }
 
 /// Of what is to be seen: the children, and of what may be a part of a component what it is in.
@@ -93,15 +87,16 @@ void ElementTree::askForRelatives(std::size_t begin, std::size_t end) {
     platform_.accessibility.prefetchChildren(parents);
 }
 
-void ElementTree::describe(ElementNode& node) const {
+void ElementTree::describe(ElementNode& node) {
     node.role = axString(node.element, "AXRole").value_or("");
     node.title = trimmed(axString(node.element, "AXTitle").value_or(""));
     node.frame = axFrame(node.element);
     if (node.parent) {
-        node.presence = isHidden(node.element) ? Presence::hidden
-                        : node.frame           ? visibility_.presenceOf(*node.frame, node.clip)
-                                               : Presence::whole;
+        node.presence = isTrue(node.element, "AXHidden") ? Presence::hidden
+                        : node.frame ? visibility_.presenceOf(*node.frame, node.clip)
+                                     : Presence::whole;
     }
+    busy_ = busy_ || (!isGone(node.presence) && isTrue(node.element, "AXElementBusy"));
 }
 
 void ElementTree::addChildren(std::size_t parent, std::size_t most) {

@@ -30,8 +30,7 @@ struct ElementNode {
 /// How the reading of a tree ended.
 enum class TreeReading {
     complete,
-    cutOff,   ///< there are more elements than were wanted
-    noAnswer, ///< the application has stopped answering
+    cutOff, ///< there are more elements than were wanted
 };
 
 /// The elements of a window, read level by level so that many are asked together. What lies in an
@@ -50,6 +49,8 @@ public:
 
     /// Parents before their children; the root is the first.
     [[nodiscard]] const std::vector<ElementNode>& nodes() const { return nodes_; }
+    /// Whether an element that shows says that its contents are still loading.
+    [[nodiscard]] bool isBusy() const { return busy_; }
     /// Another number when elements have come, gone, moved or become visible.
     [[nodiscard]] std::size_t fingerprint() const;
     [[nodiscard]] std::optional<std::size_t> find(const AXUIElement& element) const;
@@ -58,9 +59,9 @@ public:
     [[nodiscard]] std::vector<std::size_t> frontToBack() const;
 
 private:
-    [[nodiscard]] bool readBatch(std::size_t begin, std::size_t end);
+    void readBatch(std::size_t begin, std::size_t end);
     void askForRelatives(std::size_t begin, std::size_t end);
-    void describe(ElementNode& node) const;
+    void describe(ElementNode& node);
     void addChildren(std::size_t parent, std::size_t most);
 
     const Platform& platform_;
@@ -68,6 +69,7 @@ private:
     std::vector<ElementNode> nodes_;
     std::unordered_map<AXUIElement, std::size_t> places_;
     bool cutOff_ = false;
+    bool busy_ = false;
 };
 
 } // namespace lumetry

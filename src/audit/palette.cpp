@@ -52,8 +52,8 @@ std::vector<PaletteColor> paletteOf(std::span<const Component> components) {
         if (component.measures.surface.fill) {
             add(*component.measures.surface.fill, true, !component.evenFill);
         }
-        if (const auto text = component.textColor(); text && component.showsText) {
-            add(*text, false, component.textColorIsEstimated());
+        if (component.textColor && component.showsText) {
+            add(*component.textColor, false, component.textColorIsEstimated);
         }
     }
     std::vector<PaletteColor> palette;

@@ -31,8 +31,10 @@ constexpr std::array descriptions = std::to_array<RuleDescription>({
      "Colours, sizes and gaps that are meant to be equal are equal.", ""},
 });
 
+/// What is switched off is none.
 bool isTarget(const Component& component) {
-    return component.bucket == Bucket::control || component.bucket == Bucket::input;
+    return component.enabled &&
+           (component.bucket == Bucket::control || component.bucket == Bucket::input);
 }
 
 Finding findingOf(Rule rule, Severity severity, const Component& component) {
@@ -76,10 +78,6 @@ bool circleMeets(Point centre, double radius, const Rect& frame) {
     return std::hypot(dx, dy) < radius;
 }
 
-bool encloses(const Rect& outer, const Rect& inner) {
-    return intersect(outer, inner) == inner;
-}
-
 } // namespace
 
 const RuleDescription& describe(Rule rule, bool enhanced) {
@@ -92,7 +90,7 @@ std::vector<Finding> contrastFindings(std::span<const Component> components,
     constexpr double roundingError = 1e-9;
     std::vector<Finding> findings;
     for (const Component& component : components) {
-        const auto color = component.textColor();
+        const auto& color = component.textColor;
         const auto& fill = component.measures.surface.fill;
         if (!component.showsText || !component.enabled || !color || !fill) {
             continue;
@@ -102,7 +100,7 @@ std::vector<Finding> contrastFindings(std::span<const Component> components,
         if (ratio >= wanted - roundingError) {
             continue;
         }
-        const bool estimated = component.textColorIsEstimated();
+        const bool estimated = component.textColorIsEstimated || !component.evenFill;
         const bool certain = !estimated || ratio < wanted - thresholds.estimateMargin;
         Finding finding =
             findingOf(Rule::contrast, certain ? Severity::error : Severity::warning, component);
@@ -123,7 +121,7 @@ std::vector<Finding> targetSizeFindings(std::span<const Component> components,
     };
     std::vector<const Component*> targets;
     for (const Component& component : components) {
-        if (isTarget(component) || component.role == "AXLink") {
+        if (isTarget(component) || (component.enabled && component.role == "AXLink")) {
             targets.push_back(&component);
         }
     }
@@ -144,8 +142,7 @@ std::vector<Finding> targetSizeFindings(std::span<const Component> components,
             if (others.midY() > centre.y + reach) {
                 break;
             }
-            // One target inside of another is one thing to click.
-            if (*other == &component || encloses(others, frame) || encloses(frame, others)) {
+            if (*other == &component) {
                 continue;
             }
             if (circleMeets(centre, least / 2, others) ||

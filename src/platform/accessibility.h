@@ -5,6 +5,7 @@
 
 #include <sys/types.h>
 
+#include <cstddef>
 #include <span>
 #include <string_view>
 
@@ -37,7 +38,9 @@ public:
     /// cannot do it does nothing, and without an open scope nothing is asked.
     virtual void prefetch(std::span<const AXUIElement> elements,
                           std::span<const std::string_view> attributes) = 0;
-    /// The same for the children of several elements, and for all that tells which there are:
+    /// How many questions to other applications have gone without an answer in time so far.
+    [[nodiscard]] virtual std::size_t unanswered() const = 0;
+    /// The same as prefetch for the children of several elements, and for all that tells which there are:
     /// nothing is left to be asked when they are read. Of an element without much to read that is
     /// more than "AXChildren" asks.
     virtual void prefetchChildren(std::span<const AXUIElement> elements) = 0;

@@ -35,13 +35,6 @@ std::string titleOf(const ResolvedComponent& resolved) {
     return title.empty() ? trimmed(axString(resolved.textSource, "AXValue").value_or("")) : title;
 }
 
-std::string headerFor(const std::string& role, const ResolvedComponent& resolved) {
-    constexpr std::size_t titleCharacters = 26;
-    const std::string kind = removingOccurrences(role, "AX");
-    const std::string title = titleOf(resolved);
-    return title.empty() ? kind : kind + " · " + firstCharacters(title, titleCharacters);
-}
-
 std::string pixels(double value) {
     return wholeNumber(value) + "px";
 }
@@ -192,11 +185,17 @@ Glance deriveGlance(const Platform& platform, const ResolvedComponent& resolved,
                                                        "AXChildren"};
     platform.accessibility.prefetch(std::array{resolved.component, resolved.textSource}, shown);
     const std::string role = axString(resolved.component, "AXRole").value_or("AXUnknown");
-    std::string header = headerFor(role, resolved);
+    std::string header = componentHeader(role, titleOf(resolved));
     RowWriter writer(platform, resolved, frame, windowNumber);
     writer.write(role);
     return {std::move(header), writer.takeRows(), resolved.bucket == Bucket::graphic,
             writer.takeMeasures()};
+}
+
+std::string componentHeader(const std::string& role, const std::string& title) {
+    constexpr std::size_t titleCharacters = 26;
+    const std::string kind = removingOccurrences(role, "AX");
+    return title.empty() ? kind : kind + " · " + firstCharacters(title, titleCharacters);
 }
 
 GlanceRow sizeRow(const Size& size) {

@@ -38,6 +38,12 @@ struct Glance {
 [[nodiscard]] Glance deriveGlance(const Platform& platform, const ResolvedComponent& resolved,
                                   const Rect& frame, std::uint32_t windowNumber);
 
+/// What a component is called: its role without its prefix and, after a dot, the beginning of its
+/// title.
+/// @param role such as "AXButton"
+/// @param title trimmed; empty for none
+[[nodiscard]] std::string componentHeader(const std::string& role, const std::string& title);
+
 /// The row "size": width and height rounded to whole points, halves away from zero.
 [[nodiscard]] GlanceRow sizeRow(const Size& size);
 

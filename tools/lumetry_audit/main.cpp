@@ -46,6 +46,7 @@ struct Request {
     std::vector<double> point; ///< x and y, or empty
     std::vector<std::string> command;
     double waitSeconds = 10;
+    double settleSeconds = 0.5;
     std::optional<std::size_t> limit;
     std::optional<std::string> level;
     std::optional<std::string> failOn;
@@ -69,6 +70,12 @@ std::string sentence(AuditFailure failure) {
     case AuditFailure::changed:
         return "windows were moved again and again while it was audited: leave the desktop alone "
                "meanwhile.";
+    case AuditFailure::unfinished:
+        return "the window's page is still loading, or empty: give it longer with --wait.";
+    case AuditFailure::noPicture:
+        return "the screen cannot be read, without which no colour is known: start lumetry, and "
+               "grant Screen Recording.";
+    case AuditFailure::cancelled:
     case AuditFailure::nothing:
     case AuditFailure::none:
         break;
@@ -152,7 +159,7 @@ int audit(const Request& request, const Configuration& configuration, const Base
     NativeDesktop& desktop = *opened.desktop;
     const Platform& platform = desktop.platform();
     // An audit is in no hurry, and starting programs are slow.
-    constexpr float patienceSeconds = 2;
+    constexpr float patienceSeconds = 5;
     platform.accessibility.createSystemWide().setMessagingTimeout(patienceSeconds);
     ProbeState state;
     state.lumetryPID = getpid();
@@ -170,7 +177,8 @@ int audit(const Request& request, const Configuration& configuration, const Base
     if (!target) {
         return refuse(problem, notAudited);
     }
-    awaitElements(desktop, state, *target, command != nullptr, request.waitSeconds);
+    awaitElements(desktop, state, *target, command != nullptr, request.waitSeconds,
+                  request.settleSeconds);
     Progress progress;
     AuditFailure failure = AuditFailure::none;
     auto result = auditWindow(
@@ -185,7 +193,8 @@ int audit(const Request& request, const Configuration& configuration, const Base
         return refuse(problem);
     }
     if (!result) {
-        return refuse(sentence(failure), notAudited);
+        return refuse(sentence(failure),
+                      failure == AuditFailure::noPicture ? cannotRead : notAudited);
     }
     return publish(request, reportOn(std::move(*result), configuration, baseline),
                    configuration.failOn);
@@ -210,6 +219,11 @@ void declare(CLI::App& options, Request& request) {
     options
         .add_option("--wait", request.waitSeconds,
                     "How long to wait for a command's window, and for elements; default: 10")
+        ->check(CLI::Range(0.0, 3600.0))
+        ->type_name("SECONDS");
+    options
+        .add_option("--settle", request.settleSeconds,
+                    "How long nothing may change in a window that has just appeared; default: 0.5")
         ->check(CLI::Range(0.0, 3600.0))
         ->type_name("SECONDS");
     options.add_option("--limit", request.limit, "Measure at most that many components")

@@ -137,21 +137,27 @@ std::optional<AuditTarget> awaitWindow(NativeDesktop& desktop, StartedCommand& c
 }
 
 void awaitElements(NativeDesktop& desktop, ProbeState& state, const AuditTarget& target, bool isNew,
-                   double seconds) {
-    constexpr int settledReadings = 3;
+                   double seconds, double settleSeconds) {
     constexpr double betweenReadings = 0.25;
     constexpr std::size_t mostElements = 5000;
     const Platform& platform = desktop.platform();
-    const double end = platform.runLoop.now() + seconds;
-    // One that bundles Chromium builds its trees once it is asked.
-    const bool settles = isNew || isElectronApp(platform, state, target.window.pid);
-    const int wanted = settles ? settledReadings : 1;
+    const double start = platform.runLoop.now();
     std::optional<std::size_t> last;
-    for (int alike = 0;;) {
+    std::optional<double> settledSince;
+    bool wasThere = !isNew;
+    for (;;) {
         const auto reading = treeFingerprint(platform, state, target, mostElements);
-        alike = !reading ? 0 : reading == last ? alike + 1 : 1;
+        const double now = platform.runLoop.now();
+        // What was there before anybody waited has settled long ago.
+        if ((reading && wasThere) || now - start >= seconds) {
+            return;
+        }
+        wasThere = false;
+        if (!reading || reading != last) {
+            settledSince = reading ? std::optional(now) : std::nullopt;
+        }
         last = reading;
-        if (alike == wanted || platform.runLoop.now() >= end) {
+        if (settledSince && now - *settledSince >= settleSeconds) {
             return;
         }
         pause(desktop, betweenReadings);

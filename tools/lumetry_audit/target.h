@@ -29,10 +29,11 @@ findTarget(const Platform& platform, const TargetRequest& request, std::string& 
 [[nodiscard]] std::optional<AuditTarget>
 awaitWindow(NativeDesktop& desktop, StartedCommand& command, double seconds, std::string& problem);
 
-/// Waits until the window's application tells of more than the window and, where it has only just
-/// begun to, until that has settled; or until the time is over.
+/// Waits until the window's application tells of more than the window, and a page has loaded; where
+/// that is not so from the beginning, until nothing has changed for the second time as well.
+/// Returns in any case when the first time is over.
 /// @param isNew whether the window has only just appeared
 void awaitElements(NativeDesktop& desktop, ProbeState& state, const AuditTarget& target, bool isNew,
-                   double seconds);
+                   double seconds, double settleSeconds);
 
 } // namespace lumetry

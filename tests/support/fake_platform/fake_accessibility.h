@@ -75,8 +75,10 @@ public:
     void prefetch(std::span<const AXUIElement> elements,
                   std::span<const std::string_view> attributes) override;
     void prefetchChildren(std::span<const AXUIElement> elements) override;
+    [[nodiscard]] std::size_t unanswered() const override { return silences; }
 
     bool trusted = true;
+    std::size_t silences = 0;  ///< questions that went without an answer
     int prompts = 0;           ///< how often the user was asked
     std::vector<Write> writes; ///< to any element, in order
     int prefetches = 0;        ///< how often elements were asked together

@@ -26,15 +26,14 @@ Component text(const Color& color, const Color& fill = onWhite) {
     component.showsText = true;
     component.evenFill = true;
     component.typeface = Typeface{"Inter", 14, false};
-    component.measures.text.color = color;
+    component.textColor = color;
     component.measures.surface.fill = fill;
     return component;
 }
 
 Component estimated(const Color& color) {
     Component component = text(color);
-    component.measures.surface.ink = color;
-    component.measures.text.color.reset();
+    component.textColorIsEstimated = true;
     return component;
 }
 
@@ -84,16 +83,19 @@ TEST(ContrastRule, AsksForTheRatioOfTheTextsSize) {
 }
 
 TEST(ContrastRule, DoubtsWhatIsEstimated) {
-    const std::vector<Component> components = {
+    std::vector<Component> components = {
         text(grey(0x76)),      // 4.54:1
         text(grey(0x77)),      // 4.48:1, which must not read 4.5:1
         estimated(grey(0x77)), // within the margin of 0.3
         estimated(grey(0x7C)), // 4.18:1
+        text(grey(0x77)),      // on a gradient
     };
+    components.back().evenFill = false;
     EXPECT_EQ(
         said(contrastFindings(components, {})),
         (Said{"! 4.47:1 (#777777 on #FFFFFF) | 4.5:1", "? ~≈ 4.47:1 (#777777 on #FFFFFF) | 4.5:1",
-              "! ~≈ 4.17:1 (#7C7C7C on #FFFFFF) | 4.5:1"}));
+              "! ~≈ 4.17:1 (#7C7C7C on #FFFFFF) | 4.5:1",
+              "? ~≈ 4.47:1 (#777777 on #FFFFFF) | 4.5:1"}));
 }
 
 TEST(ContrastRule, LeavesAloneWhatShowsNoTextOrIsSwitchedOffOrUnknown) {
@@ -101,7 +103,7 @@ TEST(ContrastRule, LeavesAloneWhatShowsNoTextOrIsSwitchedOffOrUnknown) {
     components[0].showsText = false;
     components[1].enabled = false;
     components[2].measures.surface.fill.reset();
-    components[3].measures.text.color.reset();
+    components[3].textColor.reset();
     EXPECT_EQ(said(contrastFindings(components, {})), Said{});
 }
 
@@ -127,14 +129,19 @@ TEST(TargetSizeRule, AllowsSmallTargetsThatHaveRoom) {
                          "Button · flat, above another", "Button · flat, below another"}));
 }
 
-TEST(TargetSizeRule, CountsLinksAsNeighboursButNotWhatItLiesIn) {
-    std::vector<Component> components = {control({10, 10, 16, 16}), control({0, 0, 200, 40})};
-    EXPECT_EQ(said(targetSizeFindings(components, {})), Said{});
-    components[1].frame = {28, 10, 60, 16};
-    components[1].role = "AXLink";
-    components[1].bucket = Bucket::text;
-    EXPECT_EQ(said(targetSizeFindings(components, {})),
-              (Said{"! 16 × 16 | 24 × 24, or as much room"}));
+TEST(TargetSizeRule, CountsWhateverCanBeClickedAsANeighbour) {
+    const auto beside = [](const Component& other) {
+        const std::vector<Component> components = {control({10, 10, 16, 16}), other};
+        return said(targetSizeFindings(components, {}));
+    };
+    const Said tooSmall = {"! 16 × 16 | 24 × 24, or as much room"};
+    EXPECT_EQ(beside(control({0, 0, 200, 40})), tooSmall); // around it
+    Component other = control({28, 10, 60, 16});
+    other.role = "AXLink";
+    other.bucket = Bucket::text;
+    EXPECT_EQ(beside(other), tooSmall);
+    other.enabled = false;
+    EXPECT_EQ(beside(other), Said{});
 }
 
 TEST(NameRule, WantsTitlesOfControlsInputsAndImages) {

@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -126,12 +128,78 @@ TEST_F(WindowAuditTest, TakesLabelsOfOtherElementsForTitles) {
 }
 
 TEST_F(WindowAuditTest, WithstandsLyingTrees) {
-    rows[0]->setChildren({rows[0], &list, &window});
-    rows[1]->setChildren({&button, &button});
-    button.setChildren({});
+    rows[0]->set("AXChildren",
+                 std::vector<AXUIElement>{rows[0]->handle(), list.handle(), window.handle()});
+    rows[1]->set("AXChildren", std::vector<AXUIElement>{button.handle(), button.handle()});
     ASSERT_TRUE(audit());
+    EXPECT_EQ(std::ranges::count(headers(), "Button · Save"), 1);
+}
+
+TEST_F(WindowAuditTest, TakesATextInATextAsOne) {
+    FakeElement& inner = desktop.accessibility.makeElement(pid, "AXStaticText");
+    inner.setFrame({120, 200, 200, 40}).set("AXValue", "Row 0");
+    rows[0]->set("AXRole", "AXLink").setChildren({&inner});
+    EXPECT_EQ(std::ranges::count(headers(), "Link · Row 0"), 1);
+    EXPECT_EQ(std::ranges::count(headers(), "StaticText · Row 0"), 0);
+    FakeElement& other = desktop.accessibility.makeElement(pid, "AXStaticText");
+    other.setFrame({320, 200, 100, 40}).set("AXValue", "more");
+    rows[0]->setChildren({&inner, &other});
+    EXPECT_EQ(std::ranges::count(headers(), "StaticText · Row 0"), 1);
+    EXPECT_EQ(std::ranges::count(headers(), "Link · Row 0"), 0);
+}
+
+TEST_F(WindowAuditTest, BelievesAToldColourWhereThePixelsBearItOut) {
+    const auto tell = [this](const Color& color) {
+        AXDictionary attributes = {{"AXForegroundColor", AXValue(color)}};
+        label.set("AXNumberOfCharacters", AXValue(std::int64_t{4}));
+        label.parameterizedAttributes.insert_or_assign(
+            "AXAttributedStringForRange",
+            AXValue(std::make_shared<const AXAttributedString>(AXAttributedString{
+                "S", {{{0, 1}, std::make_shared<const AXDictionary>(attributes)}}})));
+    };
+    Bitmap screen = evenBitmap(1440, 900, 0xFFFFFF);
+    fillRect(screen, {120, 120, 80, 30}, 0x336699);
+    drawStrokes(screen, {132, 128, 50, 12}, 0x5580AA);
+    desktop.screenCapture.paint(std::move(screen));
+    constexpr Color pale = {0x55 / 255.0, 0x80 / 255.0, 0xAA / 255.0, 1};
+    tell(pale);
+    EXPECT_EQ(audit()->components.front().textColor, pale);
+    EXPECT_FALSE(audit()->components.front().textColorIsEstimated);
+    tell({1, 1, 1, 1}); // it is transparent
+    EXPECT_EQ(audit()->components.front().textColor, pale);
+    EXPECT_TRUE(audit()->components.front().textColorIsEstimated);
+    hit = &list; // it is covered by something else of the window
+    EXPECT_EQ(audit()->leftOut.covered, 1U);
     EXPECT_EQ(std::ranges::count(headers(), "Button · Save"), 0);
-    EXPECT_EQ(std::ranges::count(headers(), "Button"), 1);
+}
+
+TEST_F(WindowAuditTest, IsNoAuditWhenAnswersAreMissingOrAPageIsLoading) {
+    const AuditTarget target = {{pid, bounds}, number};
+    EXPECT_FALSE(auditWindow(
+        desktop.platform, desktop.state, target,
+        {100, [this](std::size_t done,
+                     std::size_t) { desktop.accessibility.silences += done > 0 ? 1 : 0; }},
+        failure));
+    EXPECT_EQ(failure, AuditFailure::noAnswer);
+    list.set("AXElementBusy", AXValue(true));
+    EXPECT_FALSE(audit());
+    EXPECT_EQ(failure, AuditFailure::unfinished);
+    desktop.screenCapture.refused = true;
+    EXPECT_FALSE(audit());
+    EXPECT_EQ(failure, AuditFailure::noPicture);
+}
+
+TEST_F(WindowAuditTest, IsOfTheWindowAndNotOfADialogOverIt) {
+    FakeElement& dialog = desktop.accessibility.makeElement(pid, "AXWindow");
+    dialog.setFrame({250, 200, 100, 100});
+    WindowInfo above;
+    above.ownerPID = pid;
+    above.bounds = Rect{250, 200, 100, 100};
+    desktop.windowServer.windows->insert(desktop.windowServer.windows->begin(), above);
+    desktop.accessibility.application(pid).hitTest = [&](Point at) {
+        return above.bounds->contains(at) ? &dialog : &label;
+    };
+    EXPECT_EQ(std::ranges::count(headers(), "Button · Save"), 1);
 }
 
 TEST_F(WindowAuditTest, MeasuresOnlyThePageOfABrowser) {

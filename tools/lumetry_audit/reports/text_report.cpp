@@ -54,6 +54,9 @@ std::string textReport(const AuditReport& report) {
     if (const auto leftOut = leftOutText(audit.leftOut); !leftOut.empty()) {
         out << "; left out: " << leftOut;
     }
+    if (audit.unknownTextColors > 0) {
+        out << "; without known colours: " << audit.unknownTextColors << " texts";
+    }
     out << '\n';
     for (auto finding = report.findings.begin(); finding != report.findings.end();) {
         const Rule rule = finding->rule;

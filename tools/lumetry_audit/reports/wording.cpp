@@ -61,7 +61,7 @@ std::string leftOutText(const LeftOut& leftOut) {
     const std::array<std::pair<std::size_t, const char*>, 5> counts = {
         {{leftOut.hidden, "hidden"},
          {leftOut.clipped, "scrolled or clipped away"},
-         {leftOut.covered, "covered by other windows"},
+         {leftOut.covered, "covered"},
          {leftOut.offScreen, "off the screen"},
          {leftOut.beyondLimit, "beyond the limit"}}};
     std::string text;

@@ -25,6 +25,7 @@ public:
     [[nodiscard]] Token keepReplies() override;
     void prefetch(std::span<const AXUIElement> elements,
                   std::span<const std::string_view> attributes) override;
+    [[nodiscard]] std::size_t unanswered() const override { return context_->bus.unanswered(); }
     void prefetchChildren(std::span<const AXUIElement> elements) override;
 
     /// Why other applications may not be read, and how to allow it, in one sentence; empty when

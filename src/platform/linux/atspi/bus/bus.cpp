@@ -64,6 +64,8 @@ std::vector<Reply> Bus::exchange(std::vector<Message> requests, Deadline deadlin
     if (connect() && read(nullptr, 0)) {
         awaitReplies(batch, deadline);
     }
+    unanswered_ += static_cast<std::uint64_t>(std::ranges::count(
+        batch.replies, Outcome::silent, [](const Reply& reply) { return reply.outcome; }));
     runContinuations();
     return std::move(batch.replies);
 }

@@ -54,6 +54,8 @@ public:
 
     /// How many requests have been sent since the start.
     [[nodiscard]] std::uint64_t requests() const { return requests_; }
+    /// How many requests of exchanges have gone without a reply since the start.
+    [[nodiscard]] std::uint64_t unanswered() const { return unanswered_; }
     /// How many exchanges have waited since the start.
     [[nodiscard]] std::uint64_t waits() const { return waits_; }
 
@@ -88,6 +90,7 @@ private:
     std::uint64_t generation_ = 0;
     std::uint64_t requests_ = 0;
     std::uint64_t waits_ = 0;
+    std::uint64_t unanswered_ = 0;
     std::map<std::string, Clock::time_point, std::less<>> overdueSince_; ///< by connection name
     std::map<Serial, Continuation> continuations_;                       ///< oldest first
     std::vector<std::pair<Continuation, Reply>> answered_;               ///< to be continued

@@ -29,6 +29,19 @@ constexpr std::size_t mostChildrenMeasured = 300;
 /// As many of them are looked at as are measured.
 constexpr std::size_t mostFrames = 60;
 
+/// Whether it may be the name of a type of widgets, such as "GtkEntry".
+bool isTypeName(std::string_view name) {
+    constexpr std::array<std::string_view, 2> libraries = {"Gtk", "Adw"};
+    const auto isUpper = [](char letter) { return letter >= 'A' && letter <= 'Z'; };
+    const auto isLetter = [&](char letter) {
+        return isUpper(letter) || (letter >= 'a' && letter <= 'z');
+    };
+    return std::ranges::any_of(libraries, [&](std::string_view library) {
+        return name.size() > library.size() + 1 && name.starts_with(library) &&
+               isUpper(name[library.size()]) && std::ranges::all_of(name, isLetter);
+    });
+}
+
 /// The application's parent, the list of all applications, is no part of its tree.
 bool isDesktop(const ObjectReference& object, const ObjectReference& child) {
     return object.path == ATSPI_DBUS_PATH_ROOT && object.name != child.name;
@@ -100,6 +113,7 @@ const ObjectElement::Attribute* ObjectElement::attributeNamed(std::string_view n
         {"AXChildren", {Q::children, Q::role}, &ObjectElement::children},
         {"AXEnabled", {Q::states, Q::states}, &ObjectElement::enabled},
         {"AXHidden", {Q::states, Q::extents}, &ObjectElement::hidden},
+        {"AXElementBusy", {Q::states, Q::states}, &ObjectElement::busy},
         {"AXTitleUIElement", {Q::labels, Q::labels}, &ObjectElement::titleElement},
     });
     const auto* const found = std::ranges::find(attributes, name, &Attribute::name);
@@ -235,7 +249,11 @@ std::optional<AXValue> ObjectElement::role() const {
 }
 
 std::optional<AXValue> ObjectElement::title() const {
-    return axValue(context().cache.get<Question::name>(object_));
+    auto name = context().cache.get<Question::name>(object_);
+    if (name && context().toolkits.habitsFor(object_).namedAfterTypes && isTypeName(*name)) {
+        return std::nullopt;
+    }
+    return axValue(std::move(name));
 }
 
 /// The beginning of the element's text, without what is no text in it.
@@ -335,6 +353,11 @@ std::optional<AXValue> ObjectElement::hidden() const {
     }
     return !hasState(*states, context().toolkits.habitsFor(object_).shown) ||
            (extents && !isSomewhere(*extents));
+}
+
+std::optional<AXValue> ObjectElement::busy() const {
+    const auto states = context().cache.get<Question::states>(object_);
+    return states ? std::optional<AXValue>(hasState(*states, ATSPI_STATE_BUSY)) : std::nullopt;
 }
 
 std::optional<AXValue> ObjectElement::titleElement() const {

@@ -94,6 +94,7 @@ private:
     [[nodiscard]] std::optional<AXValue> children() const;
     [[nodiscard]] std::optional<AXValue> enabled() const;
     [[nodiscard]] std::optional<AXValue> hidden() const;
+    [[nodiscard]] std::optional<AXValue> busy() const;
     [[nodiscard]] std::optional<AXValue> titleElement() const;
     /// @}
     [[nodiscard]] std::optional<AXValue> rows() const;

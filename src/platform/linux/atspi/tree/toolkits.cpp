@@ -35,6 +35,7 @@ const Habits& habitsOf(Toolkit toolkit) {
     static constexpr Habits gtk4{.coordinates = ATSPI_COORD_TYPE_WINDOW,
                                  .shown = ATSPI_STATE_VISIBLE,
                                  .tablesHoldCells = false,
+                                 .namedAfterTypes = true,
                                  .fonts = {.inOwnUnits = true}};
     static constexpr Habits libreOffice{.embeds = true,
                                         .editsDocuments = true,

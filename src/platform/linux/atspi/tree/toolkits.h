@@ -51,6 +51,8 @@ struct Habits {
     bool editsDocuments = false;
     /// The children of a table are its cells, and no object stands for a row.
     bool tablesHoldCells = true;
+    /// What has no name of its own is named after its type.
+    bool namedAfterTypes = false;
     /// Entries of a menu bar are menus even where nothing drops down from them.
     bool barEntriesAreMenus = false;
     /// Whether something can be typed in is told by states, not by what is implemented or inside.
