@@ -215,6 +215,7 @@ std::string ComponentReader::pathOf(std::size_t component, const std::string& he
 bool ComponentReader::readColors(const ComponentChoice& choice, Component& component) {
     constexpr double leastShare = 0.35; // of the contrast, as thin letters are blends all over
     constexpr double sameColor = 1.1;
+    constexpr double contrastOfUsualText = 4.5;
     const auto& fill = component.measures.surface.fill;
     if (!fill) {
         return true;
@@ -231,13 +232,11 @@ bool ComponentReader::readColors(const ComponentChoice& choice, Component& compo
         told && (colors.contains(*told) ||
                  (ink && (lum(*ink) > lum(*fill)) == (lum(*told) > lum(*fill)) &&
                   wcagContrast(*ink, *fill) - 1 >= leastShare * (wcagContrast(*told, *fill) - 1)));
-    if (borneOut) {
-        component.textColor = told;
-        return true;
-    }
-    component.textColor = ink;
-    component.textColorIsEstimated = true;
-    return !told || isInFront(choice);
+    component.textColor = borneOut ? told : ink;
+    component.textColorIsEstimated = !borneOut;
+    // What is hard to read, or set in another colour than it shows, may lie behind something.
+    const bool isDoubtful = told && (!borneOut || wcagContrast(*told, *fill) < contrastOfUsualText);
+    return !isDoubtful || isInFront(choice);
 }
 
 /// Whether the element in the middle of it is the component, lies in it or has it in it.

@@ -42,17 +42,27 @@ Finding findingOf(Rule rule, Severity severity, const Component& component) {
             false, false};
 }
 
-double contrastWanted(const Component& component, const Thresholds& thresholds) {
+double largeContrast(const Thresholds& thresholds) {
+    return thresholds.largeContrast.value_or(thresholds.enhanced ? 4.5 : 3.0);
+}
+
+/// Applications tell whole points: what is just as large as large text is told as 19.
+bool isLarge(const Typeface& typeface) {
     constexpr double largeSize = 24;
     constexpr double largeBoldSize = 18.66;
-    const auto& typeface = component.typeface;
-    // Applications tell whole points: what is just as large as large text is told as 19.
-    const bool large = typeface && (typeface->size >= largeSize ||
-                                    (typeface->bold && typeface->size >= largeBoldSize));
-    if (large) {
-        return thresholds.largeContrast.value_or(thresholds.enhanced ? 4.5 : 3.0);
-    }
-    return thresholds.contrast.value_or(thresholds.enhanced ? 7.0 : 4.5);
+    return typeface.size >= largeSize || (typeface.bold && typeface.size >= largeBoldSize);
+}
+
+/// Of a text whose size is not told.
+bool mayBeLarge(const Component& component) {
+    constexpr double leastHeight = 19;
+    return !component.typeface && component.frame.height >= leastHeight;
+}
+
+double contrastWanted(const Component& component, const Thresholds& thresholds) {
+    return component.typeface && isLarge(*component.typeface)
+               ? largeContrast(thresholds)
+               : thresholds.contrast.value_or(thresholds.enhanced ? 7.0 : 4.5);
 }
 
 /// A ratio cut after two decimals, so that none seems to be what it just falls short of.
@@ -101,7 +111,8 @@ std::vector<Finding> contrastFindings(std::span<const Component> components,
             continue;
         }
         const bool estimated = component.textColorIsEstimated || !component.evenFill;
-        const bool certain = !estimated || ratio < wanted - thresholds.estimateMargin;
+        const double leastWanted = mayBeLarge(component) ? largeContrast(thresholds) : wanted;
+        const bool certain = ratio < leastWanted - (estimated ? thresholds.estimateMargin : 0);
         Finding finding =
             findingOf(Rule::contrast, certain ? Severity::error : Severity::warning, component);
         finding.value = (estimated ? "≈ " : "") + ratioText(ratio) + " (" + hexString(*color) +

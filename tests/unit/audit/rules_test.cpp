@@ -98,6 +98,22 @@ TEST(ContrastRule, DoubtsWhatIsEstimated) {
               "? ~≈ 4.47:1 (#777777 on #FFFFFF) | 4.5:1"}));
 }
 
+TEST(ContrastRule, OnlyWarnsOfWhatMayBeLarge) {
+    std::vector<Component> components(3, text(grey(0x80))); // 3.95:1
+    components[0].typeface.reset();
+    components[0].frame.height = 40;
+    components[1].typeface.reset();
+    components[1].frame.height = 16; // too low for large text
+    components[2].typeface.reset();
+    components[2].frame.height = 40;
+    components[2].textColor = grey(0x99); // 2.85:1
+    std::string severities;
+    for (const Finding& finding : contrastFindings(components, {})) {
+        severities += finding.severity == Severity::error ? '!' : '?';
+    }
+    EXPECT_EQ(severities, "?!!");
+}
+
 TEST(ContrastRule, LeavesAloneWhatShowsNoTextOrIsSwitchedOffOrUnknown) {
     std::vector<Component> components(4, text(grey(0xCC)));
     components[0].showsText = false;
