@@ -89,8 +89,8 @@ std::vector<HeightCase> heightCases() {
     return {
         {"equal heights", {32, 32, 32}, {}},    {"one is 1 higher", {32, 32, 33}, {2}},
         {"one is 2 higher", {32, 34, 34}, {1}}, {"one is 2 lower", {36, 36, 34}, {2}},
-        {"one is 1 lower", {40, 39, 39}, {1}},  {"4 apart", {32, 36, 36}, {}},
-        {"3 apart", {32, 35, 35}, {}},
+        {"one is 1 lower", {40, 39, 39}, {1}},  {"8 apart", {32, 40, 40}, {}},
+        {"6 apart", {32, 38, 38}, {}},
     };
 }
 

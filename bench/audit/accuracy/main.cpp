@@ -48,6 +48,7 @@ struct Miss {
 struct Verdict {
     std::map<std::string, Score> scores; ///< by rule
     std::vector<Miss> misses;
+    std::vector<Miss> coarse; ///< of what is told too coarsely, which does not count
 };
 
 std::optional<Json> auditOnce(const desktop::PrivateDesktop& desktop) {
@@ -96,6 +97,10 @@ std::vector<Json> findingsIn(std::vector<Json>& findings, const std::string& rul
     return inside;
 }
 
+Miss missOf(const std::string& rule, const std::string& what, const std::vector<Json>& found) {
+    return {rule, what, found.empty() ? "" : described(found.front())};
+}
+
 void judge(Verdict& verdict, const std::string& rule, const std::string& what, bool wrong,
            const std::vector<Json>& found) {
     Score& score = verdict.scores[rule];
@@ -103,7 +108,7 @@ void judge(Verdict& verdict, const std::string& rule, const std::string& what, b
     score.found += found.empty() ? 0 : 1;
     score.right += wrong && !found.empty() ? 1 : 0;
     if (wrong == found.empty()) {
-        verdict.misses.push_back({rule, what, found.empty() ? "" : described(found.front())});
+        verdict.misses.push_back(missOf(rule, what, found));
     }
 }
 
@@ -116,8 +121,14 @@ void judge(Verdict& verdict, const Scene& scene, const Json& report, Point origi
         for (const Item& item : scene.items) {
             const Rect area = {item.box.x + origin.x, item.box.y + origin.y, item.box.width,
                                item.box.height};
-            judge(verdict, rule, scene.name + ": " + item.what, item.wrong.contains(rule),
-                  findingsIn(findings, rule, area));
+            const auto found = findingsIn(findings, rule, area);
+            const bool wrong = item.wrong.contains(rule);
+            const std::string what = scene.name + ": " + item.what;
+            if (!item.coarselyTold) {
+                judge(verdict, rule, what, wrong, found);
+            } else if (wrong == found.empty()) {
+                verdict.coarse.push_back(missOf(rule, what, found));
+            }
         }
     }
     for (const std::string& wrong : scene.wrong) {
@@ -188,6 +199,14 @@ void auditWindow(Verdict& verdict, const Scene& scene) {
     judge(verdict, scene, audit(desktop, scene.items.size()), placed.bounds.origin());
 }
 
+void print(const char* prefix, const std::vector<Miss>& misses) {
+    for (const Miss& miss : misses) {
+        std::printf("  %s%s %s, %s%s%s\n", prefix,
+                    miss.finding.empty() ? "missed:" : "too much:", miss.rule.c_str(),
+                    miss.what.c_str(), miss.finding.empty() ? "" : " - ", miss.finding.c_str());
+    }
+}
+
 void print(const char* kit, const Verdict& verdict) {
     std::printf("%s\n  %-12s %8s %8s %8s %10s %8s\n", kit, "rule", "expected", "found", "right",
                 "precision", "recall");
@@ -196,11 +215,8 @@ void print(const char* kit, const Verdict& verdict) {
         std::printf("  %-12s %8d %8d %8d %8.1f %% %6.1f %%\n", rule.c_str(), score.expected,
                     score.found, score.right, share(score.found), share(score.expected));
     }
-    for (const Miss& miss : verdict.misses) {
-        std::printf("  %s %s, %s%s%s\n",
-                    miss.finding.empty() ? "missed:" : "too much:", miss.rule.c_str(),
-                    miss.what.c_str(), miss.finding.empty() ? "" : " - ", miss.finding.c_str());
-    }
+    print("", verdict.misses);
+    print("told too coarsely, not counted, ", verdict.coarse);
     std::fflush(stdout);
 }
 

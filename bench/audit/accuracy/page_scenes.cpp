@@ -139,16 +139,18 @@ Scene nameScene() {
 Scene textSizeScene() {
     Scene scene = {"text sizes", {}, {"text-size"}, {}};
     Layout layout;
-    for (const char* const size : {"6", "7", "8", "8.4", "8.6", "9", "9.4", "10", "12"}) {
+    for (const std::string size : {"6", "7", "8", "8.4", "8.6", "9", "9.4", "10", "12"}) {
         for (const char* const family : {"DejaVu Sans", "DejaVu Serif", "DejaVu Sans Mono"}) {
             const Rect box = layout.place({180, 24});
+            const bool inHalfPoints = size.starts_with("8."); // 6.5 of them, which is 8.67px
             scene.items.push_back(
-                {std::string(size) + "px " + family,
+                {size + "px " + family,
                  box,
                  std::stod(size) < 9 ? std::set<std::string>{"text-size"} : std::set<std::string>(),
                  "<p style=\"" + styleAt(box) + "font:" + size + "px '" + family +
                      "'\">Small print</p>",
-                 {}});
+                 {},
+                 inHalfPoints});
         }
     }
     for (const char* const size : {"7", "8", "9", "10"}) {
@@ -176,6 +178,22 @@ void addHeights(Scene& scene, Layout& layout) {
                                    "<button style=\"" + styleAt(box) + "\">Save</button>",
                                    {}});
         }
+    }
+}
+
+/// Buttons of one size whose texts begin elsewhere.
+void addPaddings(Scene& scene, Layout& layout) {
+    constexpr auto paddings = std::to_array<std::pair<int, bool>>(
+        {{8, false}, {9, true}, {9, false}, {13, false}, {11, true}, {11, false}});
+    layout.startRow();
+    for (const auto& [padding, odd] : paddings) {
+        const Rect box = layout.place({80, 28}, 8);
+        scene.items.push_back({"button, padding " + std::to_string(padding),
+                               box,
+                               odd ? std::set<std::string>{"consistency"} : std::set<std::string>(),
+                               "<button style=\"" + styleAt(box) + "text-align:left;padding:0 " +
+                                   std::to_string(padding) + "px\">Save</button>",
+                               {}});
     }
 }
 
@@ -225,6 +243,7 @@ Scene consistencyScene() {
     Scene scene = {"consistency", {}, {"consistency"}, {}};
     Layout layout;
     addHeights(scene, layout);
+    addPaddings(scene, layout);
     addFills(scene, layout);
     addGaps(scene, layout);
     return scene;
@@ -238,7 +257,7 @@ Scene varietyScene() {
         const char* const family = size % 4 == 0   ? "DejaVu Sans"
                                    : size % 4 == 1 ? "DejaVu Serif"
                                    : size % 4 == 2 ? "DejaVu Sans Mono"
-                                                   : "Liberation Sans";
+                                                   : "Inter";
         scene.items.push_back({std::to_string(size) + "px " + family,
                                box,
                                {},

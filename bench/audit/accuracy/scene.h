@@ -19,6 +19,8 @@ struct Item {
     std::set<std::string> wrong; ///< rules that it breaks
     std::string html;            ///< on a page
     Json widget;                 ///< in a window
+    /// The application tells of it in steps that are too coarse for the rules.
+    bool coarselyTold = false;
 };
 
 /// What one window or page holds, arranged so that every finding within an item's box is about it.

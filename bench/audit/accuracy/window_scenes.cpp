@@ -64,8 +64,9 @@ Scene nameScene() {
         {"button with a text", "button", "Save", "", "", false},
         {"button with nothing", "button", "", "", "", true},
         {"button with a name", "button", "", "Close", "", false},
-        {"button with an icon", "icon-button", "", "", "", true},
-        {"button with an icon and a name", "icon-button", "", "Close", "", false},
+        {"button with an icon that GTK has a name for", "icon-button", "", "", "", false},
+        {"button with a picture", "picture-button", "", "", "", true},
+        {"button with a picture and a name", "picture-button", "", "Close", "", false},
         {"entry with nothing", "entry", "", "", "", true},
         {"entry with a text only", "entry", "Ada", "", "", true},
         {"entry with a name", "entry", "", "Name", "", false},
@@ -108,8 +109,10 @@ Scene textSizeScene() {
                                    "font-family: '" + std::string(family) +
                                        "'; font-size: " + std::to_string(size) + "px;");
             widget["text"] = "Small print";
+            const bool inCutPoints = size == 9; // 6 of them, which is 8px
             scene.items.push_back({std::to_string(size) + "px " + family, box,
-                                   brokenIf(size < 9, "text-size"), "", std::move(widget)});
+                                   brokenIf(size < 9, "text-size"), "", std::move(widget),
+                                   inCutPoints});
         }
     }
     return scene;

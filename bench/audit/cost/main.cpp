@@ -33,7 +33,7 @@ namespace {
 using namespace lumetry;
 using namespace lumetry::bench;
 
-constexpr std::chrono::minutes patience{5};
+constexpr std::chrono::minutes patience{10};
 
 struct AuditCost {
     double microseconds = 0;

@@ -56,6 +56,11 @@ GtkWidget* made(const std::string& what, const std::string& text) {
     if (what == "icon-button") {
         return gtk_button_new_from_icon_name("window-close-symbolic", GTK_ICON_SIZE_BUTTON);
     }
+    if (what == "picture-button") {
+        GtkWidget* const button = gtk_button_new();
+        gtk_container_add(GTK_CONTAINER(button), pictureOf());
+        return button;
+    }
     if (what == "entry") {
         return entryOf(text);
     }
