@@ -68,6 +68,41 @@ TEST_F(TextLeaves, FindTextsOfGeckoThatHaveNoObject) {
               (std::vector{*icon, *label}));
 }
 
+TEST_F(TextLeaves, AreFetchedTogetherWithChildren) {
+    ScriptedObject button = object("Save", {50, 50, 200, 60});
+    button.role = ATSPI_ROLE_PUSH_BUTTON;
+    ScriptedObject other = object("Open", {50, 150, 200, 60});
+    other.role = ATSPI_ROLE_PUSH_BUTTON;
+    for (const char* const toolkit : {"Gecko", "gtk", "Chromium"}) {
+        auto& application =
+            start(windowWith(object("window", {0, 0, 800, 600}, {"/button", "/other"}),
+                             {{"/button", withTextAt(button, "Save", {90, 70, 120, 20})},
+                              {"/other", withTextAt(other, "Open", {90, 170, 120, 20})}},
+                             toolkit));
+        showWindow(application);
+        std::vector<AXUIElement> buttons;
+        for (const double y : {55.0, 155.0}) {
+            const auto found = hit(application, 60, y);
+            ASSERT_TRUE(found);
+            buttons.push_back(*found);
+        }
+        const Token kept = accessibility->keepReplies();
+        constexpr std::array<std::string_view, 1> role = {"AXRole"};
+        accessibility->prefetch(buttons, role);
+        accessibility->prefetchChildren(buttons);
+        const auto before = accessibility->requests();
+        for (const AXUIElement& each : buttons) {
+            const auto texts = read<std::vector<AXUIElement>>(each, "AXChildren");
+            ASSERT_EQ(texts.value_or(std::vector<AXUIElement>()).size(), 1U) << toolkit;
+            EXPECT_EQ(read<Size>(texts->front(), "AXSize"), (Size{120, 20})) << toolkit;
+            EXPECT_EQ(read<std::string>(texts->front(), "AXValue"),
+                      each == buttons.front() ? "Save" : "Open")
+                << toolkit;
+        }
+        EXPECT_EQ(accessibility->requests(), before) << toolkit;
+    }
+}
+
 TEST_F(TextLeaves, FindTheTextsOfLeavesElsewhere) {
     struct Case {
         const char* toolkit;

@@ -33,7 +33,7 @@ std::optional<ObjectReference> ancestorAtPoint(PointQueries& queries, ObjectRefe
 }
 
 bool isSilent(PointQueries& queries, const Query& query) {
-    return queries.reply(query).outcome == Outcome::silent;
+    return queries.outcome(query) == Outcome::silent;
 }
 
 /// What is read of every element, and thus asked along on the way down.
@@ -153,11 +153,12 @@ Descent descendInto(PointQueries& queries, Popovers& popovers, const TopLevel& t
 } // namespace
 
 Descent descend(PointQueries& queries, Popovers& popovers, const TopLevel& topLevel) {
-    const Reply& reply = queries.reply(queries.childAtPointQuery(topLevel.object));
-    if (reply.outcome != Outcome::answered) {
-        return {reply.outcome, std::nullopt};
+    const Outcome outcome = queries.outcome(queries.childAtPointQuery(topLevel.object));
+    if (outcome != Outcome::answered) {
+        return {outcome, std::nullopt};
     }
-    Descent descent = descendInto(queries, popovers, topLevel, referenceOf(reply));
+    Descent descent =
+        descendInto(queries, popovers, topLevel, queries.childAtPoint(topLevel.object));
     if (descent.object) {
         queries.use(*descent.object, alwaysRead);
     }

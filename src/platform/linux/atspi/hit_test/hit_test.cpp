@@ -153,7 +153,8 @@ void HitTest::askAboutLastWay(PointQueries& queries) {
     if (lastWay_.size() > shortWay) {
         const Query child = queries.childAtPointQuery(lastTopLevel_);
         queries.ask(std::span(&child, 1));
-        if (read<Question::objectAtPoint>(cache_.reply(child)) != lastChild_) {
+        if (cache_.get<Question::objectAtPoint>(child.object, child.first, child.second) !=
+            lastChild_) {
             return;
         }
     }
@@ -163,8 +164,8 @@ void HitTest::askAboutLastWay(PointQueries& queries) {
 void HitTest::keepWhatHelps(const PointQueries& queries, const TopLevel& topLevel) {
     lastTopLevel_ = topLevel.object;
     lastWay_ = queries.way();
-    lastChild_ =
-        read<Question::objectAtPoint>(cache_.reply(queries.childAtPointQuery(topLevel.object)));
+    const Query child = queries.childAtPointQuery(topLevel.object);
+    lastChild_ = cache_.get<Question::objectAtPoint>(child.object, child.first, child.second);
 }
 
 } // namespace lumetry::atspi

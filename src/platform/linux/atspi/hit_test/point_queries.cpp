@@ -12,10 +12,14 @@ void PointQueries::askAgain(std::vector<Query> way) {
     ask(way);
 }
 
-const Reply& PointQueries::reply(const Query& query) {
+void PointQueries::use(const Query& query) {
     ask(std::span(&query, 1));
     note(query);
-    return cache_.reply(query);
+}
+
+Outcome PointQueries::outcome(const Query& query) {
+    use(query);
+    return cache_.outcome(query);
 }
 
 bool PointQueries::isAtPoint(const ObjectReference& object) {

@@ -46,18 +46,22 @@ public:
     /// @{ What an object says, asked now if it has not been. The way goes by it.
     template<Question question>
     [[nodiscard]] auto get(const ObjectReference& object) {
-        return read<question>(reply({object, question}));
+        use({object, question});
+        return cache_.get<question>(object);
     }
     [[nodiscard]] std::optional<ObjectReference> childAtPoint(const ObjectReference& object) {
-        return read<Question::objectAtPoint>(reply(childAtPointQuery(object)));
+        const Query query = childAtPointQuery(object);
+        use(query);
+        return cache_.get<Question::objectAtPoint>(object, query.first, query.second);
     }
-    [[nodiscard]] const Reply& reply(const Query& query);
+    [[nodiscard]] Outcome outcome(const Query& query);
     /// Whether the object reports a place that covers the point.
     [[nodiscard]] bool isAtPoint(const ObjectReference& object);
     [[nodiscard]] bool isShowing(const ObjectReference& object);
     /// @}
     /// Asks together whatever of that has not been asked yet; the way goes by it.
     void use(const ObjectReference& object, std::initializer_list<Question> questions);
+    void use(const Query& query);
     /// The way goes by this, too.
     void note(const Query& query);
 

@@ -115,15 +115,59 @@ Message requestFor(const Query& query, AtspiCoordType coordinates) {
     return nullptr;
 }
 
-const Reply& Replies::reply(const Query& query) const {
-    static const Reply silence;
-    const auto found = replies_.find(query);
-    return found == replies_.end() ? silence : found->second;
+template<Question question>
+void Replies::store(const Reply& reply, Value& value) {
+    auto answer = read<question>(reply);
+    using Answer = decltype(answer);
+    if (!answer) {
+        return;
+    }
+    if constexpr (std::is_same_v<Answer, std::optional<ObjectReference>>) {
+        value = References{std::move(*answer)};
+    } else if constexpr (std::is_same_v<Answer, std::optional<TextAttributes>>) {
+        value = reply.message;
+    } else {
+        value = std::move(*answer);
+    }
+}
+
+const Replies::Entry* Replies::find(const ObjectReference& object, const Asked& asked) const {
+    const auto known = entries_.find(object);
+    if (known == entries_.end()) {
+        return nullptr;
+    }
+    const auto entry = std::ranges::lower_bound(known->second, asked, {}, &Entry::asked);
+    return entry != known->second.end() && entry->asked == asked ? &*entry : nullptr;
+}
+
+Outcome Replies::outcome(const Query& query) const {
+    const Entry* const entry = find(query);
+    return entry == nullptr ? Outcome::silent : entry->outcome;
+}
+
+void Replies::insert(const Query& query, const Reply& reply) {
+    const Asked asked = {query.question, query.first, query.second};
+    std::vector<Entry>& entries = entries_[query.object];
+    auto entry = std::ranges::lower_bound(entries, asked, {}, &Entry::asked);
+    if (entry == entries.end() || entry->asked != asked) {
+        entry = entries.insert(entry, {asked, Outcome::silent, {}});
+    }
+    entry->outcome = reply.outcome;
+    entry->value = std::monostate();
+    const auto storeIf = [&]<std::size_t place>() {
+        constexpr auto question = static_cast<Question>(place);
+        if (query.question == question) {
+            store<question>(reply, entry->value);
+        }
+    };
+    [&]<std::size_t... places>(std::index_sequence<places...>) {
+        (storeIf.template operator()<places>(), ...);
+    }
+    (std::make_index_sequence<forms.size()>());
 }
 
 void Replies::erase(const std::string& application) {
-    std::erase_if(replies_,
-                  [&](const auto& entry) { return entry.first.object.name == application; });
+    std::erase_if(entries_, [&](const auto& object) { return object.first.name == application; });
 }
 
 void exchange(Bus& bus, const Toolkits& toolkits, std::span<const Query> queries, Deadline deadline,
@@ -139,9 +183,9 @@ void exchange(Bus& bus, const Toolkits& toolkits, std::span<const Query> queries
                                           : query,
                                       habits.coordinates));
     }
-    auto answered = bus.exchange(std::move(requests), deadline);
+    const auto answered = bus.exchange(std::move(requests), deadline);
     for (std::size_t place = 0; place < queries.size(); ++place) {
-        replies.insert(queries[place], std::move(answered[place]));
+        replies.insert(queries[place], answered[place]);
     }
 }
 

@@ -5,13 +5,20 @@
 #include "platform/linux/atspi/bus/message.h"
 #include "platform/linux/atspi/tree/toolkits.h"
 
+#include <compare>
+#include <cstddef>
 #include <cstdint>
-#include <map>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <tuple>
+#include <type_traits>
+#include <unordered_map>
 #include <utility>
+#include <variant>
+#include <vector>
 
 namespace lumetry::atspi {
 
@@ -98,28 +105,69 @@ template<Question question>
     }
 }
 
-/// Replies by what was asked.
+/// What was said, by what was asked. Far smaller than the messages that said it.
 class Replies {
 public:
-    [[nodiscard]] bool contains(const Query& query) const { return replies_.contains(query); }
+    [[nodiscard]] bool contains(const Query& query) const { return find(query) != nullptr; }
     /// Of what was not asked, that there was silence.
-    [[nodiscard]] const Reply& reply(const Query& query) const;
+    [[nodiscard]] Outcome outcome(const Query& query) const;
     /// What the object said; absent where it said nothing, or has not been asked.
     template<Question question>
     [[nodiscard]] auto get(const ObjectReference& object, std::int32_t first = 0,
                            std::int32_t second = 0) const {
-        return read<question>(reply({object, question, first, second}));
+        using Answer = decltype(read<question>(Reply()));
+        const Entry* const entry = find(object, {question, first, second});
+        if (entry == nullptr) {
+            return Answer();
+        }
+        if constexpr (std::is_same_v<Answer, std::optional<ObjectReference>>) {
+            const auto* references = std::get_if<References>(&entry->value);
+            return references ? Answer(references->front()) : Answer();
+        } else if constexpr (std::is_same_v<Answer, std::optional<TextAttributes>>) {
+            const auto* message = std::get_if<std::shared_ptr<DBusMessage>>(&entry->value);
+            return message ? read<question>({entry->outcome, *message}) : Answer();
+        } else {
+            const auto* value = std::get_if<typename Answer::value_type>(&entry->value);
+            return value ? Answer(*value) : Answer();
+        }
     }
 
-    void insert(Query query, Reply reply) {
-        replies_.insert_or_assign(std::move(query), std::move(reply));
-    }
-    void clear() { replies_.clear(); }
+    void insert(const Query& query, const Reply& reply);
+    void clear() { entries_.clear(); }
     /// Whatever objects of that application have said.
     void erase(const std::string& application);
 
 private:
-    std::map<Query, Reply> replies_;
+    using References = std::vector<ObjectReference>;
+    /// A single reference is a list of one; what has many parts stays in its message.
+    using Value = std::variant<std::monostate, std::string, References, IntRect, std::int64_t,
+                               std::uint64_t, double, Interfaces, std::shared_ptr<DBusMessage>>;
+    struct Asked {
+        Question question = Question::role;
+        std::int32_t first = 0;
+        std::int32_t second = 0;
+
+        friend auto operator<=>(const Asked&, const Asked&) = default;
+    };
+    struct Entry {
+        Asked asked;
+        Outcome outcome = Outcome::silent;
+        Value value;
+    };
+    struct Hash {
+        std::size_t operator()(const ObjectReference& object) const {
+            return std::hash<std::string>()(object.path);
+        }
+    };
+
+    template<Question question>
+    static void store(const Reply& reply, Value& value);
+    [[nodiscard]] const Entry* find(const ObjectReference& object, const Asked& asked) const;
+    [[nodiscard]] const Entry* find(const Query& query) const {
+        return find(query.object, {query.question, query.first, query.second});
+    }
+
+    std::unordered_map<ObjectReference, std::vector<Entry>, Hash> entries_; ///< sorted
 };
 
 /// Asks all of them together, whatever they are, and adds the replies. What is asked of a text's

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cassert>
 #include <iterator>
-#include <set>
 
 namespace lumetry::atspi {
 
@@ -49,13 +48,15 @@ void ReplyCache::askAtOnce(std::span<const Query> queries, Deadline deadline) {
 /// What is to be asked next for those that have no answer yet: they themselves or what has to be
 /// known before, each once.
 std::vector<Query> ReplyCache::unanswered(std::span<const Query> queries) const {
-    std::set<Query> next;
+    std::vector<Query> next;
     for (const Query& query : queries) {
         if (!contains(query) && isUnderstood(query)) {
-            next.insert(neededFor(query).value_or(query));
+            next.push_back(neededFor(query).value_or(query));
         }
     }
-    return {next.begin(), next.end()};
+    std::sort(next.begin(), next.end());
+    next.erase(std::unique(next.begin(), next.end()), next.end());
+    return next;
 }
 
 /// False once it is known that the object does not implement what it takes. The children of tables

@@ -45,7 +45,7 @@ public:
     void askAtOnce(std::span<const Query> queries, Deadline deadline);
 
     [[nodiscard]] bool contains(const Query& query) const { return replies_.contains(query); }
-    [[nodiscard]] const Reply& reply(const Query& query) const { return replies_.reply(query); }
+    [[nodiscard]] Outcome outcome(const Query& query) const { return replies_.outcome(query); }
     /// What the object has said; absent where it said nothing, or has not been asked.
     template<Question question>
     [[nodiscard]] auto get(const ObjectReference& object, std::int32_t first = 0,

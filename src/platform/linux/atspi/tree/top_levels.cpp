@@ -157,7 +157,7 @@ std::vector<TopLevel> TopLevels::topLevelsOf(pid_t pid, Deadline deadline) {
     const Replies replies = exchange(bus_, toolkits_, queries, deadline);
     std::vector<TopLevel> topLevels;
     for (const ObjectReference& root : roots) {
-        if (replies.reply({root, Question::children}).outcome == Outcome::gone) {
+        if (replies.outcome({root, Question::children}) == Outcome::gone) {
             processes_.forget(root.name);
         }
         const Toolkit toolkit = toolkitNamed(replies.get<Question::toolkitName>(root).value_or(""),
