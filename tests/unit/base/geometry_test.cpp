@@ -73,7 +73,7 @@ TEST(Flip, TurnsTheRectangleNotOnlyItsOrigin) {
     EXPECT_EQ(flipped(unit, 900), (Rect{10, 840, 30, 40}));
 }
 
-TEST(IntRect, EndsBeforeItsHighEdges) {
+TEST(IntRect, IsTheSameInWholeNumbersAsFarAsTheyGo) {
     constexpr IntRect rect = {10, 20, 30, 40};
     EXPECT_EQ(rect.size(), (IntSize{30, 40}));
     EXPECT_EQ(toRect(rect), unit);
@@ -84,10 +84,6 @@ TEST(IntRect, EndsBeforeItsHighEdges) {
     for (const IntPoint outside : {IntPoint{9, 30}, {40, 30}, {20, 19}, {20, 60}}) {
         EXPECT_FALSE(rect.contains(outside)) << outside.x << "," << outside.y;
     }
-}
-
-TEST(IntRect, UniteAndIntersectAsFarAsNumbersGo) {
-    constexpr IntRect rect = {10, 20, 30, 40};
     constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
     constexpr std::int32_t most = std::numeric_limits<std::int32_t>::max();
     struct Case {

@@ -1,5 +1,6 @@
 #include "probe/electron.h"
 
+#include "base/text.h"
 #include "support/fake_platform/fake_desktop.h"
 
 #include <gtest/gtest.h>
@@ -146,27 +147,16 @@ TEST(IsBrowser, ComparesTheWholeIdentifier) {
         desktop.launch(9, "App", identifier);
         return isBrowser(desktop.platform, 9);
     };
-    for (const char* identifier : {"com.google.Chrome",
-                                   "com.google.Chrome.canary",
-                                   "com.google.Chrome.beta",
-                                   "com.google.Chrome.dev",
-                                   "com.apple.Safari",
-                                   "com.apple.SafariTechnologyPreview",
-                                   "com.microsoft.edgemac",
-                                   "com.microsoft.edgemac.Canary",
-                                   "com.microsoft.edgemac.Beta",
-                                   "com.brave.Browser",
-                                   "com.brave.Browser.nightly",
-                                   "com.brave.Browser.beta",
-                                   "company.thebrowser.Browser",
-                                   "org.mozilla.firefox",
-                                   "org.mozilla.firefoxdeveloperedition",
-                                   "org.mozilla.nightly",
-                                   "com.operasoftware.Opera",
-                                   "com.operasoftware.OperaGX",
-                                   "com.vivaldi.Vivaldi",
-                                   "com.kagi.kagimacOS",
-                                   "com.duckduckgo.macos.browser"}) {
+    for (const std::string& identifier :
+         split("com.google.Chrome com.google.Chrome.canary com.google.Chrome.beta "
+               "com.google.Chrome.dev com.apple.Safari com.apple.SafariTechnologyPreview "
+               "com.microsoft.edgemac com.microsoft.edgemac.Canary com.microsoft.edgemac.Beta "
+               "com.brave.Browser com.brave.Browser.nightly com.brave.Browser.beta "
+               "company.thebrowser.Browser org.mozilla.firefox "
+               "org.mozilla.firefoxdeveloperedition org.mozilla.nightly com.operasoftware.Opera "
+               "com.operasoftware.OperaGX com.vivaldi.Vivaldi com.kagi.kagimacOS "
+               "com.duckduckgo.macos.browser",
+               ' ')) {
         EXPECT_TRUE(isBrowserNamed(identifier)) << identifier;
     }
     for (const char* identifier :
