@@ -21,7 +21,7 @@ TEST(Rect, HasPartsAndSpans) {
     EXPECT_EQ(horizontalSpan(unit), (Span{10, 40}));
     EXPECT_EQ(verticalSpan(unit).middle(), 40);
     EXPECT_EQ(gapBetween({10, 40}, {40, 50}), (Span{40, 40}));
-    EXPECT_EQ(gapBetween({45, 50}, {10, 40}), (Span{40, 45}));
+    EXPECT_EQ(gapBetween({40, 50}, {10, 40}), (Span{40, 40}));
     EXPECT_EQ(gapBetween({10, 40}, {39, 50}), std::nullopt);
 }
 
@@ -66,6 +66,7 @@ TEST(Rect, InsetUntilNothingIsLeft) {
     EXPECT_EQ(inset(unit, 15, 20), (Rect{25, 40, 0, 0}));
     EXPECT_TRUE(inset(unit, 15.5, 0).isNull());
     EXPECT_TRUE(inset(Rect::null(), -5, -5).isNull());
+    EXPECT_FALSE((Rect{Rect::null().x, 0, 1, 1}).isNull());
 }
 
 TEST(Flip, TurnsTheRectangleNotOnlyItsOrigin) {
