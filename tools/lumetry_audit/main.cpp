@@ -9,7 +9,9 @@
 #include "audit/rules.h"
 #include "platform/accessibility.h"
 #include "probe/electron.h"
+#include "shared/number_range.h"
 #include "shared/readable_desktop.h"
+#include "shared/standard_streams.h"
 
 #include <CLI/CLI.hpp>
 
@@ -21,6 +23,7 @@
 #include <iostream>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -33,6 +36,7 @@ constexpr int somethingFound = 1;
 constexpr int cannotRead = 2;
 constexpr int notAudited = 3;
 
+constexpr double longestWaitSeconds = 3600;
 constexpr const char* usualConfiguration = "lumetry-audit.toml";
 
 int refuse(const std::string& problem, int status = cannotRead) {
@@ -86,7 +90,9 @@ std::string sentence(AuditFailure failure) {
 std::optional<Configuration> configurationFor(const Request& request, std::string& problem) {
     Configuration configuration;
     const std::string file = request.configuration.value_or(usualConfiguration);
-    if (request.configuration || std::filesystem::exists(file)) {
+    std::error_code unclear;
+    if (request.configuration || std::filesystem::symlink_status(file, unclear).type() !=
+                                     std::filesystem::file_type::not_found) {
         auto read = readConfiguration(file, problem);
         if (!read) {
             return std::nullopt;
@@ -129,6 +135,17 @@ int statusOf(const AuditReport& report, FailOn failOn) {
     return fails ? somethingFound : nothingFound;
 }
 
+/// The status, unless what was printed could not be.
+int written(int status) {
+    return std::cout << std::flush ? status : refuse("standard output cannot be written to.");
+}
+
+/// Why there is no audit.
+struct Refusal {
+    std::string problem;
+    int status = cannotRead;
+};
+
 int publish(const Request& request, const AuditReport& report, FailOn failOn) {
     std::string problem;
     if (request.html && !writeFile(*request.html, htmlReport(report), problem)) {
@@ -141,20 +158,18 @@ int publish(const Request& request, const AuditReport& report, FailOn failOn) {
                   : request.sarif
                       ? sarifReport(report, request.command.empty() ? report.audit.app
                                                                     : request.command.front())
-                      : textReport(report))
-              << std::flush;
-    if (!std::cout) {
-        return refuse("the report cannot be written to standard output.");
-    }
-    return statusOf(report, failOn);
+                      : textReport(report));
+    return written(statusOf(report, failOn));
 }
 
-int audit(const Request& request, const Configuration& configuration, const Baseline& baseline,
-          int& argc, char** argv) {
-    std::string problem;
+/// When it returns, a command that was started has ended, and signals end the program at once
+/// again.
+std::optional<WindowAudit> takeAudit(const Request& request, std::size_t limit, int& argc,
+                                     char** argv, Refusal& refusal) {
+    std::string& problem = refusal.problem;
     const ReadableDesktop opened = openReadableDesktop(argc, argv, problem);
     if (!opened.desktop) {
-        return refuse(problem);
+        return std::nullopt;
     }
     NativeDesktop& desktop = *opened.desktop;
     const Platform& platform = desktop.platform();
@@ -170,34 +185,39 @@ int audit(const Request& request, const Configuration& configuration, const Base
     } else {
         command = StartedCommand::start(request.command, problem);
         if (!command) {
-            return refuse(problem);
+            return std::nullopt;
         }
         target = awaitWindow(desktop, *command, request.waitSeconds, problem);
     }
-    if (!target) {
-        return refuse(problem, notAudited);
-    }
-    awaitElements(desktop, state, *target, command != nullptr, request.waitSeconds,
-                  request.settleSeconds);
-    Progress progress;
+    std::optional<WindowAudit> result;
     AuditFailure failure = AuditFailure::none;
-    auto result = auditWindow(
-        platform, state, *target,
-        {configuration.limit,
-         [&progress](std::size_t done, std::size_t known) { progress.show(done, known); }},
-        failure);
-    progress.clear();
-    releaseElectronEnhancements(platform, state);
-    problem = lockProblem(desktop);
-    if (!problem.empty()) {
-        return refuse(problem);
+    if (target) {
+        awaitElements(desktop, state, *target, command != nullptr, request.waitSeconds,
+                      request.settleSeconds);
+        Progress progress;
+        AuditOptions options;
+        options.limit = limit;
+        options.progress = [&progress](std::size_t done, std::size_t known) {
+            progress.show(done, known);
+        };
+        options.cancelled = [&desktop] { return desktop.terminationSignal().has_value(); };
+        if (!options.cancelled()) {
+            result = auditWindow(platform, state, *target, options, failure);
+        }
+        progress.clear();
+        problem = sentence(failure);
+        releaseElectronEnhancements(platform, state);
     }
-    if (!result) {
-        return refuse(sentence(failure),
-                      failure == AuditFailure::noPicture ? cannotRead : notAudited);
+    if (const auto signal = desktop.terminationSignal()) {
+        refusal = {endedProblem(*signal), statusAfter(*signal)};
+        return std::nullopt;
     }
-    return publish(request, reportOn(std::move(*result), configuration, baseline),
-                   configuration.failOn);
+    if (const auto locked = lockProblem(desktop); !locked.empty()) {
+        refusal = {locked, cannotRead};
+        return std::nullopt;
+    }
+    refusal.status = failure == AuditFailure::noPicture ? cannotRead : notAudited;
+    return result;
 }
 
 void declare(CLI::App& options, Request& request) {
@@ -219,12 +239,12 @@ void declare(CLI::App& options, Request& request) {
     options
         .add_option("--wait", request.waitSeconds,
                     "How long to wait for a command's window, and for elements; default: 10")
-        ->check(CLI::Range(0.0, 3600.0))
+        ->check(numberRange(0, longestWaitSeconds))
         ->type_name("SECONDS");
     options
         .add_option("--settle", request.settleSeconds,
                     "How long nothing may change in a window that has just appeared; default: 0.5")
-        ->check(CLI::Range(0.0, 3600.0))
+        ->check(numberRange(0, longestWaitSeconds))
         ->type_name("SECONDS");
     options.add_option("--limit", request.limit, "Measure at most that many components")
         ->check(CLI::Range(std::size_t{1}, std::size_t{1000000}))
@@ -254,8 +274,9 @@ void declare(CLI::App& options, Request& request) {
         ->type_name("FILE");
     options.footer("Behind --, a command: it is started, its first window audited, and it is "
                    "ended. Without any of these, the active window is audited.\n"
-                   "Exit status: 0 when nothing was found, 1 for findings, 2 for wrong usage or a "
-                   "desktop that cannot be read, 3 when the window could not be audited.");
+                   "Exit status: 0 when nothing was found, 1 for findings, 2 for wrong usage, a "
+                   "desktop that cannot be read or a report that cannot be written, 3 when the "
+                   "window could not be audited.");
 }
 
 /// What is behind "--" is the command's own.
@@ -272,6 +293,7 @@ std::vector<std::string> takeCommand(int& argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
+    reserveStandardStreams();
     // Whoever reads the report may go away; then it cannot be written.
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     Request request;
@@ -284,9 +306,9 @@ int main(int argc, char** argv) {
     try {
         options.parse(argc, argv);
     } catch (const CLI::CallForHelp& help) {
-        return options.exit(help);
+        return written(options.exit(help));
     } catch (const CLI::CallForVersion& version) {
-        return options.exit(version);
+        return written(options.exit(version));
     } catch (const CLI::ParseError& error) {
         return refuse(std::string(error.what()) + "; see lumetry-audit --help.");
     }
@@ -316,5 +338,11 @@ int main(int argc, char** argv) {
         }
         baseline = std::move(*read);
     }
-    return audit(request, *configuration, baseline, argc, argv);
+    Refusal refusal;
+    auto audit = takeAudit(request, configuration->limit, argc, argv, refusal);
+    if (!audit) {
+        return refuse(refusal.problem, refusal.status);
+    }
+    return publish(request, reportOn(std::move(*audit), *configuration, baseline),
+                   configuration->failOn);
 }

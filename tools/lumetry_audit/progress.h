@@ -11,7 +11,6 @@ namespace lumetry {
 class Progress {
 public:
     void show(std::size_t done, std::size_t known) {
-        constexpr const char* clearLine = "\r\033[K";
         if (!isTerminal_) {
             return;
         }
@@ -27,12 +26,14 @@ public:
 
     void clear() {
         if (shown_) {
-            std::cerr << "\r\033[K" << std::flush;
+            std::cerr << clearLine << std::flush;
         }
         shown_ = false;
     }
 
 private:
+    static constexpr const char* clearLine = "\r\033[K";
+
     bool isTerminal_ = isatty(STDERR_FILENO) == 1;
     bool shown_ = false;
 };

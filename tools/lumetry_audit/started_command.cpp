@@ -1,15 +1,22 @@
 #include "started_command.h"
 
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <functional>
+#include <optional>
+#include <sstream>
 #include <thread>
 
 namespace lumetry {
@@ -26,24 +33,39 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
     return pointers;
 }
 
-/// Processes of a session, also those that have left its first process group.
-std::vector<pid_t> processesOf(pid_t session) {
+/// A process as /proc tells of it.
+struct Process {
+    pid_t parent = 0;
+    bool ended = false; ///< and only waits for its parent to notice
+};
+
+std::optional<Process> processWith(pid_t pid) {
+    std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
+    std::string line;
+    // Its name, in parentheses, may have any characters.
+    const auto end = std::getline(file, line) ? line.rfind(')') : std::string::npos;
+    if (end == std::string::npos) {
+        return std::nullopt;
+    }
+    std::istringstream rest(line.substr(end + 1));
+    char state = 0;
+    Process process;
+    rest >> state >> process.parent;
+    process.ended = state == 'Z' || state == 'X';
+    return process;
+}
+
+std::vector<pid_t> processesThat(const std::function<bool(pid_t)>& fit) {
     std::vector<pid_t> processes;
     std::error_code error;
     for (const auto& entry : std::filesystem::directory_iterator("/proc", error)) {
         const auto pid =
             static_cast<pid_t>(std::strtol(entry.path().filename().c_str(), nullptr, 10));
-        if (pid > 0 && getsid(pid) == session) {
+        if (pid > 0 && fit(pid)) {
             processes.push_back(pid);
         }
     }
     return processes;
-}
-
-void signalAll(pid_t session, int signal) {
-    for (const pid_t process : processesOf(session)) {
-        kill(process, signal);
-    }
 }
 
 } // namespace
@@ -58,6 +80,12 @@ std::unique_ptr<StartedCommand> StartedCommand::start(const std::vector<std::str
         problem = command.front() + " cannot be started: " + std::strerror(errno) + ".";
         return nullptr;
     }
+    // Whatever loses its parent below this program becomes this program's child.
+    prctl(PR_SET_CHILD_SUBREAPER, 1);
+    auto others = processesThat([](pid_t pid) {
+        const auto process = processWith(pid);
+        return process && process->parent == getpid();
+    });
     const pid_t pid = fork();
     if (pid == 0) {
         setsid();
@@ -85,32 +113,59 @@ std::unique_ptr<StartedCommand> StartedCommand::start(const std::vector<std::str
         problem = command.front() + " cannot be started: " + std::strerror(error) + ".";
         return nullptr;
     }
-    return std::unique_ptr<StartedCommand>(new StartedCommand(pid));
+    return std::unique_ptr<StartedCommand>(new StartedCommand(pid, std::move(others)));
 }
 
 StartedCommand::~StartedCommand() {
+    constexpr int attempts = 3; // what starts others while it is killed leaves some
+    signalAll(SIGTERM);
+    for (int attempt = 0; attempt < attempts && !awaitEnd(); ++attempt) {
+        signalAll(SIGKILL);
+    }
+}
+
+void StartedCommand::signalAll(int signal) const {
+    for (const pid_t pid : processesThat([this](pid_t pid) { return owns(pid); })) {
+        kill(pid, signal);
+    }
+}
+
+bool StartedCommand::awaitEnd() {
     constexpr auto pause = std::chrono::milliseconds(20);
     constexpr int patience = 100; // pauses
-    signalAll(pid_, SIGTERM);
-    for (int waited = 0; waited < patience; ++waited) {
-        static_cast<void>(ending());
-        if (processesOf(pid_).empty()) {
-            return;
-        }
+    for (int waited = 0; waited < patience && running(); ++waited) {
         std::this_thread::sleep_for(pause);
     }
-    signalAll(pid_, SIGKILL);
-    if (!ended_) {
-        waitpid(pid_, nullptr, 0);
-    }
+    return !running();
 }
 
 bool StartedCommand::owns(pid_t pid) const {
-    return getsid(pid) == pid_;
+    for (auto process = processWith(pid); process && !process->ended; process = processWith(pid)) {
+        if (process->parent == getpid()) {
+            return std::ranges::find(others_, pid) == others_.end();
+        }
+        pid = process->parent;
+    }
+    return false;
+}
+
+bool StartedCommand::running() {
+    reap();
+    return !processesThat([this](pid_t pid) { return owns(pid); }).empty();
+}
+
+void StartedCommand::reap() {
+    int status = 0;
+    for (pid_t pid = waitpid(-1, &status, WNOHANG); pid > 0; pid = waitpid(-1, &status, WNOHANG)) {
+        if (pid == pid_) {
+            ended_ = true;
+            status_ = status;
+        }
+    }
 }
 
 std::string StartedCommand::ending() {
-    ended_ = ended_ || waitpid(pid_, &status_, WNOHANG) == pid_;
+    reap();
     if (!ended_) {
         return "";
     }

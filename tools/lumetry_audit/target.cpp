@@ -124,15 +124,19 @@ std::optional<AuditTarget> awaitWindow(NativeDesktop& desktop, StartedCommand& c
         if (!found.empty()) {
             return found.front().target;
         }
-        if (platform.runLoop.now() >= end) {
-            const std::string ending = command.ending();
+        const std::string ending = command.ending();
+        const bool over = !ending.empty() && !command.running();
+        if (over || platform.runLoop.now() >= end) {
             problem = ending.empty()
                           ? "the command has shown no window within " + wholeNumber(seconds) +
                                 " seconds; give it longer with --wait."
                           : "the command " + ending + " and has shown no window.";
             return std::nullopt;
         }
-        pause(desktop, pauseSeconds);
+        if (!pause(desktop, pauseSeconds)) {
+            problem = "the desktop has gone while the command's window was waited for.";
+            return std::nullopt;
+        }
     }
 }
 
@@ -160,7 +164,9 @@ void awaitElements(NativeDesktop& desktop, ProbeState& state, const AuditTarget&
         if (settledSince && now - *settledSince >= settleSeconds) {
             return;
         }
-        pause(desktop, betweenReadings);
+        if (!pause(desktop, betweenReadings)) {
+            return;
+        }
     }
 }
 

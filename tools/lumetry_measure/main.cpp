@@ -6,7 +6,9 @@
 #include "platform/input.h"
 #include "probe/ax_access.h"
 #include "probe/electron.h"
+#include "shared/number_range.h"
 #include "shared/readable_desktop.h"
+#include "shared/standard_streams.h"
 
 #include <CLI/CLI.hpp>
 
@@ -28,6 +30,11 @@ constexpr int cannotMeasure = 2;
 int refuse(const std::string& problem) {
     std::cerr << "lumetry-measure: " << problem << '\n';
     return cannotMeasure;
+}
+
+/// The status, unless what was printed could not be.
+int written(int status) {
+    return std::cout << std::flush ? status : refuse("standard output cannot be written to.");
 }
 
 struct Request {
@@ -88,12 +95,16 @@ int measureScreen(const Request& request, int& argc, char** argv) {
         return nothingThere;
     }
     const ScreenReport report = reportOn(desktop, request, points);
+    if (const auto signal = desktop.terminationSignal()) {
+        refuse(endedProblem(*signal));
+        return statusAfter(*signal);
+    }
     problem = lockProblem(desktop);
     if (!problem.empty()) {
         return refuse(problem);
     }
     std::cout << report.text;
-    return report.status;
+    return written(report.status);
 }
 
 int measureImage(const Request& request) {
@@ -104,12 +115,13 @@ int measureImage(const Request& request) {
         return refuse(problem);
     }
     std::cout << (request.json ? jsonReport(*measurement) : textReport(*measurement));
-    return found(*measurement) ? measured : nothingThere;
+    return written(found(*measurement) ? measured : nothingThere);
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
+    reserveStandardStreams();
     Request request;
     CLI::App options("Measures the element at a point of the screen, as inspect mode shows it.",
                      "lumetry-measure");
@@ -135,17 +147,17 @@ int main(int argc, char** argv) {
                     "Pixels of that picture for each point; default: what its file declares, else "
                     "1")
         ->needs(image)
-        ->check(CLI::Range(0.5, 8.0))
+        ->check(numberRange(0.5, 8))
         ->type_name("SCALE");
     options.footer(
         "Exit status: 0 when something was measured, 1 when nothing is there, 2 for wrong "
-        "usage or a desktop that cannot be read.");
+        "usage, a desktop that cannot be read or a report that cannot be written.");
     try {
         options.parse(argc, argv);
     } catch (const CLI::CallForHelp& help) {
-        return options.exit(help);
+        return written(options.exit(help));
     } catch (const CLI::CallForVersion& version) {
-        return options.exit(version);
+        return written(options.exit(version));
     } catch (const CLI::ParseError& error) {
         return refuse(std::string(error.what()) + "; see lumetry-measure --help.");
     }

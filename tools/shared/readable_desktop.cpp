@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <memory>
 
 namespace lumetry {
 namespace {
@@ -60,9 +61,23 @@ std::string offScreenProblem(WindowServer& windowServer, const std::vector<Point
     return "";
 }
 
-void pause(NativeDesktop& desktop, double seconds) {
-    desktop.platform().runLoop.after(seconds, [&desktop] { desktop.quit(EXIT_SUCCESS); });
+bool pause(NativeDesktop& desktop, double seconds) {
+    const auto passed = std::make_shared<bool>(false);
+    desktop.platform().runLoop.after(seconds, [&desktop, passed] {
+        *passed = true;
+        desktop.quit(EXIT_SUCCESS);
+    });
     (void)desktop.run();
+    return *passed && !desktop.terminationSignal();
+}
+
+std::string endedProblem(int signal) {
+    return "ended by signal " + std::to_string(signal) + " before it was done.";
+}
+
+int statusAfter(int signal) {
+    constexpr int beyondStatuses = 128;
+    return beyondStatuses + signal;
 }
 
 void awaitTree(NativeDesktop& desktop, ProbeState& state, Point at, double longestBuildSeconds,
@@ -77,10 +92,10 @@ void awaitTree(NativeDesktop& desktop, ProbeState& state, Point at, double longe
             element ? axString(*element, "AXRole").value_or("AXWindow") == "AXWindow" : chromium;
         const double waited = platform.runLoop.now() - start;
         if (!onlyTheWindow ||
-            waited >= (chromium ? longestBuildSeconds : longestGatheringSeconds)) {
+            waited >= (chromium ? longestBuildSeconds : longestGatheringSeconds) ||
+            !pause(desktop, pauseSeconds)) {
             return;
         }
-        pause(desktop, pauseSeconds);
     }
 }
 

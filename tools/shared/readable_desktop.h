@@ -28,12 +28,18 @@ struct ReadableDesktop {
 [[nodiscard]] std::string offScreenProblem(WindowServer& windowServer,
                                            const std::vector<Point>& points);
 
-/// Runs the loop for that long.
-void pause(NativeDesktop& desktop, double seconds);
+/// Runs the loop for that long, or until the process is asked to end or the desktop goes away.
+/// @return whether there is reason to go on
+bool pause(NativeDesktop& desktop, double seconds);
+
+/// Says that the process was asked to end before it was done.
+[[nodiscard]] std::string endedProblem(int signal);
+/// What a program's exit status is then, as shells count.
+[[nodiscard]] int statusAfter(int signal);
 
 /// Waits for a page's tree where its application knows nothing finer than its window yet. Those
 /// that bundle Chromium build it once they are asked; Gecko, which nothing tells beforehand, only
-/// gathers where things are.
+/// gathers where things are. Ends with the reason to go on.
 /// @param at accessibility space
 /// @param longestSeconds to wait for a tree to be built, and for places to be gathered
 void awaitTree(NativeDesktop& desktop, ProbeState& state, Point at, double longestBuildSeconds,

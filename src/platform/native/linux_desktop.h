@@ -34,6 +34,9 @@ public:
     [[nodiscard]] std::string trustProblem() override { return accessibility_->trustProblem(); }
     [[nodiscard]] int run() override;
     void quit(int exitStatus) override { QGuiApplication::exit(exitStatus); }
+    [[nodiscard]] std::optional<int> terminationSignal() override {
+        return terminationSignals_.received();
+    }
     [[nodiscard]] RoundTrips roundTrips() const override;
 
     [[nodiscard]] X11Desktop& x11() { return *x11_; }

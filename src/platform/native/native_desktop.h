@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace lumetry {
@@ -39,6 +40,9 @@ public:
     /// @return the exit status of the process
     [[nodiscard]] virtual int run() = 0;
     virtual void quit(int exitStatus) = 0;
+    /// The signal by which the process was asked to end; absent while it was not. For those who
+    /// are busy and do not run the loop: what is told here does not end it any more.
+    [[nodiscard]] virtual std::optional<int> terminationSignal() = 0;
 
     [[nodiscard]] virtual RoundTrips roundTrips() const = 0;
 };

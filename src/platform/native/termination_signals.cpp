@@ -24,18 +24,29 @@ TerminationSignals::~TerminationSignals() {
     pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }
 
-Token TerminationSignals::watch(FileDescriptorWatcher& watcher,
-                                std::function<void()> handler) const {
+bool TerminationSignals::takeNext() {
+    signalfd_siginfo next{};
+    if (descriptor_ < 0 || read(descriptor_, &next, sizeof next) != sizeof next) {
+        return false;
+    }
+    received_ = static_cast<int>(next.ssi_signo);
+    return true;
+}
+
+Token TerminationSignals::watch(FileDescriptorWatcher& watcher, std::function<void()> handler) {
     if (descriptor_ < 0) {
         return {};
     }
-    return watcher.watchReadable(
-        descriptor_, [descriptor = descriptor_, handler = std::move(handler)] {
-            signalfd_siginfo received{};
-            if (read(descriptor, &received, sizeof received) == sizeof received) {
-                handler();
-            }
-        });
+    return watcher.watchReadable(descriptor_, [this, handler = std::move(handler)] {
+        if (takeNext()) {
+            handler();
+        }
+    });
+}
+
+std::optional<int> TerminationSignals::received() {
+    takeNext();
+    return received_;
 }
 
 } // namespace lumetry

@@ -5,6 +5,7 @@
 
 #include <csignal>
 #include <functional>
+#include <optional>
 
 namespace lumetry {
 
@@ -18,12 +19,20 @@ public:
     TerminationSignals(const TerminationSignals&) = delete;
     TerminationSignals& operator=(const TerminationSignals&) = delete;
 
-    /// Calls the handler on the main thread for each request, for as long as the token lives.
-    [[nodiscard]] Token watch(FileDescriptorWatcher& watcher, std::function<void()> handler) const;
+    /// Calls the handler on the main thread for each request, for as long as the token lives, which
+    /// has to be shorter than this.
+    [[nodiscard]] Token watch(FileDescriptorWatcher& watcher, std::function<void()> handler);
+
+    /// The signal of the latest request, whether a handler was called for it or, from now on, will
+    /// not be; absent while there is none.
+    [[nodiscard]] std::optional<int> received();
 
 private:
+    bool takeNext();
+
     sigset_t before_{};
     int descriptor_ = -1;
+    std::optional<int> received_;
 };
 
 } // namespace lumetry

@@ -45,6 +45,7 @@ TEST(MeasureUsage, RefusesWhatMakesNoSense) {
         {{"1", "2", "--image", "/nowhere/some.png"}, "give the path of a PNG"},
         {{"1", "2", "--scale", "2"}, "--help"},
         {{"1", "2", "--image", "some.png", "--scale", "0"}, "--help"},
+        {{"1", "2", "--image", "some.png", "--scale", "nan"}, "--help"},
         {{"1", "2"}, "DISPLAY"},
     };
     for (const auto& [arguments, expected] : cases) {
