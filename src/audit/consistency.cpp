@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <map>
+#include <optional>
 #include <set>
 #include <sstream>
 #include <string>
@@ -19,16 +20,10 @@
 namespace lumetry {
 namespace {
 
-Finding warningAbout(const Component& component) {
-    return {Rule::consistency,
-            Severity::warning,
-            component.header,
-            component.path,
-            component.frame,
-            {},
-            {},
-            false,
-            false};
+Finding warningAbout(const Component& component, std::string kind) {
+    Finding finding = findingAbout(component, Rule::consistency, Severity::warning);
+    finding.kind = std::move(kind);
+    return finding;
 }
 
 void addNearColors(std::vector<Finding>& findings, const WindowAudit& audit,
@@ -56,7 +51,7 @@ void addNearColors(std::vector<Finding>& findings, const WindowAudit& audit,
             continue;
         }
         const PaletteColor& rare = colors[second];
-        Finding finding = warningAbout(audit.components[rare.firstUse]);
+        Finding finding = warningAbout(audit.components[rare.firstUse], "color");
         finding.value = "colour " + hexString(rare.color) + " beside " +
                         hexString(colors[nearest].color) + " (" +
                         std::to_string(colors[nearest].count) + " ×)";
@@ -84,17 +79,22 @@ bool differSlightly(double a, double b) {
     return difference >= least && difference <= most;
 }
 
-/// What differs a little between two controls, in words; empty for nothing.
-std::string slightDifference(const Component& a, const Component& b) {
+/// What differs a little between two controls.
+struct Difference {
+    std::string kind;
+    std::string value; ///< in words
+};
+
+std::optional<Difference> slightDifference(const Component& a, const Component& b) {
     if (differSlightly(a.frame.height, b.frame.height)) {
-        return "height " + wholeNumber(a.frame.height) + "px beside " +
-               wholeNumber(b.frame.height) + "px";
+        return Difference{"height", wholeNumber(a.frame.height) + "px beside " +
+                                        wholeNumber(b.frame.height) + "px"};
     }
     const auto& radiusA = a.measures.surface.radius;
     const auto& radiusB = b.measures.surface.radius;
     if (radiusA && radiusB && differSlightly(*radiusA, *radiusB)) {
-        return "radius ≈ " + std::to_string(*radiusA) + "px beside " + std::to_string(*radiusB) +
-               "px";
+        return Difference{"radius", "≈ " + std::to_string(*radiusA) + "px beside " +
+                                        std::to_string(*radiusB) + "px"};
     }
     if (a.measures.padding && b.measures.padding) {
         const auto paddingA = numbersOf(*a.measures.padding);
@@ -103,10 +103,10 @@ std::string slightDifference(const Component& a, const Component& b) {
             std::ranges::equal(paddingA, paddingB,
                                [](long x, long y) { return std::abs(x - y) <= 2; }) &&
             paddingA != paddingB) {
-            return "padding " + *a.measures.padding + " beside " + *b.measures.padding;
+            return Difference{"padding", *a.measures.padding + " beside " + *b.measures.padding};
         }
     }
-    return {};
+    return std::nullopt;
 }
 
 bool areSideBySide(const Component& left, const Component& right) {
@@ -138,11 +138,11 @@ void addUnequalNeighbours(std::vector<Finding>& findings, std::span<const Compon
                     nearest = &left;
                 }
             }
-            std::string difference = nearest ? slightDifference(right, *nearest) : std::string();
-            if (!difference.empty()) {
-                Finding finding = warningAbout(right);
-                finding.estimated = difference.starts_with("radius");
-                finding.value = std::move(difference);
+            const auto difference = nearest ? slightDifference(right, *nearest) : std::nullopt;
+            if (difference) {
+                Finding finding = warningAbout(right, difference->kind);
+                finding.estimated = difference->kind == "radius";
+                finding.value = difference->kind + " " + difference->value;
                 finding.wanted = "the same as " + nearest->header;
                 findings.push_back(std::move(finding));
             }
@@ -159,7 +159,7 @@ void addGapsOffGrid(std::vector<Finding>& findings, std::span<const Component> c
         }
         const double nearest = std::round(spacing->gap / grid) * grid;
         if (std::abs(spacing->gap - nearest) == 1) {
-            Finding finding = warningAbout(component);
+            Finding finding = warningAbout(component, "gap");
             finding.value = "gap " + wholeNumber(spacing->gap) + "px";
             finding.wanted = wholeNumber(nearest) + "px";
             findings.push_back(std::move(finding));
@@ -177,11 +177,18 @@ void addTooMany(std::vector<Finding>& findings, const WindowAudit& audit, const 
     for (const auto& value : values) {
         listed << (listed.tellp() > 0 ? ", " : "") << value;
     }
-    const std::string header = audit.title.empty() ? "Window" : "Window · " + audit.title;
-    findings.push_back({Rule::consistency, Severity::warning, header, header + " / " + what,
-                        audit.window,
-                        std::to_string(values.size()) + " " + what + " (" + listed.str() + ")",
-                        "at most " + std::to_string(most), false, false});
+    Finding finding;
+    finding.rule = Rule::consistency;
+    finding.severity = Severity::warning;
+    finding.role = "Window";
+    finding.title = audit.title;
+    finding.header = audit.title.empty() ? finding.role : finding.role + " · " + finding.title;
+    finding.path = finding.header;
+    finding.box = audit.window;
+    finding.kind = what;
+    finding.value = std::to_string(values.size()) + " " + what + " (" + listed.str() + ")";
+    finding.wanted = "at most " + std::to_string(most);
+    findings.push_back(std::move(finding));
 }
 
 } // namespace

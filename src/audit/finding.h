@@ -1,5 +1,6 @@
 #pragma once
 
+#include "audit/component.h"
 #include "base/geometry.h"
 
 #include <cstdint>
@@ -30,12 +31,18 @@ struct Finding {
     Rule rule = Rule::contrast;
     Severity severity = Severity::error;
     std::string header; ///< of the component
-    std::string path;   ///< its place in the tree; with the rule, what tells findings apart
+    std::string role;   ///< as headers say it, such as "Button"
+    std::string title;  ///< as a whole; empty for none
+    std::string path;   ///< its place in the tree
     Rect box;           ///< accessibility space
+    std::string kind;   ///< what is inconsistent, such as "height"; empty for the other rules
     std::string value;  ///< what was found
     std::string wanted;
     bool estimated = false; ///< the value was read from the pixels
     bool baseline = false;  ///< it was known before
 };
+
+/// One without value and wish.
+[[nodiscard]] Finding findingAbout(const Component& component, Rule rule, Severity severity);
 
 } // namespace lumetry

@@ -2,6 +2,7 @@
 
 #include "base/color_metrics.h"
 #include "base/number_text.h"
+#include "base/text.h"
 
 #include <algorithm>
 #include <array>
@@ -35,11 +36,6 @@ constexpr std::array descriptions = std::to_array<RuleDescription>({
 bool isTarget(const Component& component) {
     return component.enabled &&
            (component.bucket == Bucket::control || component.bucket == Bucket::input);
-}
-
-Finding findingOf(Rule rule, Severity severity, const Component& component) {
-    return {rule,  severity, component.header, component.path, component.frame, {}, {},
-            false, false};
 }
 
 double largeContrast(const Thresholds& thresholds) {
@@ -95,6 +91,18 @@ const RuleDescription& describe(Rule rule, bool enhanced) {
     return enhanced && rule == Rule::contrast ? *std::next(found) : *found;
 }
 
+Finding findingAbout(const Component& component, Rule rule, Severity severity) {
+    Finding finding;
+    finding.rule = rule;
+    finding.severity = severity;
+    finding.header = component.header;
+    finding.role = removingOccurrences(component.role, "AX");
+    finding.title = component.title;
+    finding.path = component.path;
+    finding.box = component.frame;
+    return finding;
+}
+
 std::vector<Finding> contrastFindings(std::span<const Component> components,
                                       const Thresholds& thresholds) {
     constexpr double roundingError = 1e-9;
@@ -114,7 +122,7 @@ std::vector<Finding> contrastFindings(std::span<const Component> components,
         const double leastWanted = mayBeLarge(component) ? largeContrast(thresholds) : wanted;
         const bool certain = ratio < leastWanted - (estimated ? thresholds.estimateMargin : 0);
         Finding finding =
-            findingOf(Rule::contrast, certain ? Severity::error : Severity::warning, component);
+            findingAbout(component, Rule::contrast, certain ? Severity::error : Severity::warning);
         finding.value = (estimated ? "≈ " : "") + ratioText(ratio) + " (" + hexString(*color) +
                         " on " + hexString(*fill) + ")";
         finding.wanted = thresholdText(wanted) + ":1";
@@ -167,7 +175,7 @@ std::vector<Finding> targetSizeFindings(std::span<const Component> components,
     std::vector<Finding> findings;
     for (const Component& component : components) {
         if (isTarget(component) && isUndersized(component) && !hasRoom(component)) {
-            Finding finding = findingOf(Rule::targetSize, Severity::error, component);
+            Finding finding = findingAbout(component, Rule::targetSize, Severity::error);
             finding.value = sizeRow(component.frame.size()).value;
             finding.wanted = sizeRow({least, least}).value + ", or as much room";
             findings.push_back(std::move(finding));
@@ -180,7 +188,7 @@ std::vector<Finding> nameFindings(std::span<const Component> components) {
     std::vector<Finding> findings;
     for (const Component& component : components) {
         if ((isTarget(component) || component.role == "AXImage") && component.title.empty()) {
-            Finding finding = findingOf(Rule::name, Severity::error, component);
+            Finding finding = findingAbout(component, Rule::name, Severity::error);
             finding.value = "no title";
             finding.wanted = "a title";
             findings.push_back(std::move(finding));
@@ -195,7 +203,7 @@ std::vector<Finding> textSizeFindings(std::span<const Component> components,
     for (const Component& component : components) {
         if (component.showsText && component.typeface &&
             component.typeface->size < thresholds.textSize) {
-            Finding finding = findingOf(Rule::textSize, Severity::error, component);
+            Finding finding = findingAbout(component, Rule::textSize, Severity::error);
             finding.value = thresholdText(component.typeface->size) + "px";
             finding.wanted = thresholdText(thresholds.textSize) + "px";
             findings.push_back(std::move(finding));

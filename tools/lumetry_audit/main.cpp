@@ -1,7 +1,8 @@
 #include "lumetry_audit/reports/baseline.h"
 #include "lumetry_audit/reports/configuration.h"
-#include "lumetry_audit/reports/output_file.h"
+#include "lumetry_audit/reports/files.h"
 #include "lumetry_audit/reports/report.h"
+#include "lumetry_audit/reports/wording.h"
 #include "progress.h"
 #include "started_command.h"
 #include "target.h"
@@ -154,9 +155,12 @@ int publish(const Request& request, const AuditReport& report, FailOn failOn) {
     if (request.newBaseline && !writeBaseline(*request.newBaseline, report.findings, problem)) {
         return refuse(problem);
     }
+    if (const std::string shortfall = limitText(report.audit.leftOut); !shortfall.empty()) {
+        std::cerr << "lumetry-audit: " << shortfall << '\n';
+    }
     std::cout << (request.json ? jsonReport(report)
                   : request.sarif
-                      ? sarifReport(report, request.command.empty() ? report.audit.app
+                      ? sarifReport(report, request.command.empty() ? std::string()
                                                                     : request.command.front())
                       : textReport(report));
     return written(statusOf(report, failOn));
@@ -343,6 +347,7 @@ int main(int argc, char** argv) {
     if (!audit) {
         return refuse(refusal.problem, refusal.status);
     }
-    return publish(request, reportOn(std::move(*audit), *configuration, baseline),
-                   configuration->failOn);
+    AuditReport report = reportOn(std::move(*audit), *configuration, baseline);
+    report.hasBaseline = request.baseline.has_value();
+    return publish(request, report, configuration->failOn);
 }

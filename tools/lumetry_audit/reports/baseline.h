@@ -1,19 +1,19 @@
 #pragma once
 
 #include "audit/finding.h"
+#include "lumetry_audit/reports/finding_key.h"
 
 #include <filesystem>
 #include <optional>
 #include <set>
 #include <span>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace lumetry {
 
-/// Findings that are known: by rule and place, whatever their values.
-using Baseline = std::set<std::pair<std::string, std::string>>;
+/// Findings that are known.
+using Baseline = std::set<FindingKey>;
 
 /// @param problem what is wrong with the file, in one sentence; then the baseline is absent
 [[nodiscard]] std::optional<Baseline> readBaseline(const std::filesystem::path& file,

@@ -1,14 +1,16 @@
 #include "lumetry_audit/reports/configuration.h"
 
+#include "lumetry_audit/reports/files.h"
+
 #include <toml++/toml.h>
 
 #include <fnmatch.h>
 
 #include <algorithm>
 #include <array>
-#include <cmath>
-#include <fstream>
+#include <cstdint>
 #include <functional>
+#include <limits>
 #include <sstream>
 #include <string_view>
 #include <utility>
@@ -20,14 +22,20 @@ bool fits(const std::optional<std::string>& pattern, const std::string& text) {
     return !pattern || fnmatch(pattern->c_str(), text.c_str(), 0) == 0;
 }
 
-/// Reads the keys of one table, and finds fault with the first one that is wrong.
+/// What is wrong first in a file.
+struct Complaint {
+    toml::source_index line = std::numeric_limits<toml::source_index>::max();
+    std::string what;
+};
+
+/// Reads the keys of one table, and finds fault with those that are wrong.
 class TableReader {
 public:
     using Read = std::function<void(const toml::node&)>;
 
     /// @param name of the table, as the file says it; empty for the file itself
-    TableReader(const toml::table& table, std::string name, std::string& problem)
-        : table_(table), name_(std::move(name)), problem_(problem) {}
+    TableReader(const toml::table& table, std::string name, Complaint& complaint)
+        : table_(table), name_(std::move(name)), complaint_(complaint) {}
 
     void add(const std::string& key, Read read) { keys_.emplace_back(key, std::move(read)); }
 
@@ -45,9 +53,16 @@ public:
     }
 
     void addCount(const std::string& key, std::size_t& count) {
-        constexpr double most = 1e6;
-        addNumber(key, 1, most,
-                  [&count](double value) { count = static_cast<std::size_t>(value); });
+        constexpr std::int64_t most = 1000000;
+        add(key, [=, this, &count](const toml::node& node) {
+            const auto value = node.value<std::int64_t>();
+            if (!node.is_integer() || !value || *value < 1 || *value > most) {
+                complain(node, "\"" + key + "\" has to be a whole number from 1 to " +
+                                   std::to_string(most));
+                return;
+            }
+            count = static_cast<std::size_t>(*value);
+        });
     }
 
     void addText(const std::string& key, std::function<bool(const std::string&)> take,
@@ -73,18 +88,15 @@ public:
 
     void read() {
         for (const auto& [key, node] : table_) {
-            if (!problem_.empty()) {
-                return;
-            }
             const std::string_view name = key.str();
             const auto known = std::ranges::find(keys_, name, &std::pair<std::string, Read>::first);
             if (known == keys_.end()) {
                 complainAt(key.source(), "there is no \"" + std::string(name) + "\"" +
                                              (name_.empty() ? "" : " in [" + name_ + "]") +
                                              "; it has " + knownKeys());
-                return;
+            } else {
+                known->second(node);
             }
-            known->second(node);
         }
     }
 
@@ -94,8 +106,8 @@ public:
 
 private:
     void complainAt(const toml::source_region& where, const std::string& what) {
-        if (problem_.empty()) {
-            problem_ = "line " + std::to_string(where.begin.line) + ": " + what + ".";
+        if (where.begin.line < complaint_.line) {
+            complaint_ = {where.begin.line, what};
         }
     }
 
@@ -115,18 +127,18 @@ private:
 
     const toml::table& table_;
     std::string name_;
-    std::string& problem_;
+    Complaint& complaint_;
     std::vector<std::pair<std::string, Read>> keys_;
 };
 
 class ConfigurationReader {
 public:
-    ConfigurationReader(Configuration& configuration, std::string& problem)
-        : configuration_(configuration), problem_(problem) {}
+    ConfigurationReader(Configuration& configuration, Complaint& complaint)
+        : configuration_(configuration), complaint_(complaint) {}
 
     void read(const toml::table& file) {
         Thresholds& thresholds = configuration_.thresholds;
-        TableReader reader(file, "", problem_);
+        TableReader reader(file, "", complaint_);
         reader.addText(
             "level",
             [&](const std::string& level) {
@@ -183,7 +195,7 @@ private:
                 reader.complain(node, "\"" + name + "\" has to be a table, [" + name + "]");
                 return;
             }
-            TableReader own(*table, name, problem_);
+            TableReader own(*table, name, complaint_);
             own.addTruth("enabled", [this, rule](bool enabled) {
                 if (enabled) {
                     configuration_.thresholds.off.erase(rule);
@@ -209,7 +221,7 @@ private:
                 return;
             }
             Ignored ignored;
-            TableReader own(*table, "ignore", problem_);
+            TableReader own(*table, "ignore", complaint_);
             own.addText(
                 "rule",
                 [&](const std::string& name) {
@@ -237,9 +249,9 @@ private:
                 },
                 "a text that says why");
             own.read();
-            if (ignored.reason.empty()) {
+            if (!table->contains("reason")) {
                 own.complain(entry, R"(this [[ignore]] needs a "reason" that says why)");
-            } else if (!ignored.rule && !ignored.role && !ignored.title && !ignored.path) {
+            } else if (table->size() == 1) {
                 own.complain(entry, R"(this [[ignore]] would ignore everything: give it a "rule", )"
                                     R"("role", "title" or "path")");
             }
@@ -248,19 +260,14 @@ private:
     }
 
     Configuration& configuration_;
-    std::string& problem_;
+    Complaint& complaint_;
 };
 
 } // namespace
 
 bool Ignored::matches(const Finding& finding) const {
-    constexpr std::string_view separator = " · ";
-    const auto end = finding.header.find(separator);
-    const std::string itsRole = finding.header.substr(0, end);
-    const std::string itsTitle =
-        end == std::string::npos ? "" : finding.header.substr(end + separator.size());
-    return (!rule || *rule == finding.rule) && fits(role, itsRole) && fits(title, itsTitle) &&
-           fits(path, finding.path);
+    return (!rule || *rule == finding.rule) && fits(role, finding.role) &&
+           fits(title, finding.title) && fits(path, finding.path);
 }
 
 std::optional<Rule> ruleNamed(const std::string& identifier) {
@@ -283,25 +290,25 @@ std::optional<FailOn> failOnNamed(const std::string& name) {
 
 std::optional<Configuration> readConfiguration(const std::filesystem::path& file,
                                                std::string& problem) {
-    std::ifstream stream(file);
-    std::ostringstream text;
-    if (!stream || !(text << stream.rdbuf())) {
+    const auto text = readFile(file);
+    if (!text) {
         problem = file.string() + " cannot be read.";
         return std::nullopt;
     }
     toml::table table;
     try {
-        table = toml::parse(text.str());
+        table = toml::parse(*text);
     } catch (const toml::parse_error& error) {
         problem = file.string() + ", line " + std::to_string(error.source().begin.line) + ": " +
                   std::string(error.description()) + ".";
         return std::nullopt;
     }
     Configuration configuration;
-    std::string wrong;
-    ConfigurationReader(configuration, wrong).read(table);
-    if (!wrong.empty()) {
-        problem = file.string() + ", " + wrong;
+    Complaint complaint;
+    ConfigurationReader(configuration, complaint).read(table);
+    if (!complaint.what.empty()) {
+        problem = file.string() + ", line " + std::to_string(complaint.line) + ": " +
+                  complaint.what + ".";
         return std::nullopt;
     }
     return configuration;

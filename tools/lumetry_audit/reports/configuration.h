@@ -15,7 +15,7 @@ namespace lumetry {
 struct Ignored {
     std::optional<Rule> rule;
     std::optional<std::string> role;  ///< as reports say it, such as "Button"
-    std::optional<std::string> title; ///< what follows the role in the header
+    std::optional<std::string> title; ///< the whole title, however much of it reports say
     std::optional<std::string> path;
     std::string reason;
 

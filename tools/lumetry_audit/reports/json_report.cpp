@@ -11,6 +11,7 @@ namespace {
 
 Json jsonFinding(const Finding& finding) {
     return {{"rule", describe(finding.rule).identifier},
+            {"kind", finding.kind.empty() ? Json() : Json(finding.kind)},
             {"severity", severityName(finding.severity)},
             {"header", finding.header},
             {"path", finding.path},

@@ -17,6 +17,7 @@ struct AuditReport {
     std::vector<Finding> findings; ///< by rule; without those that are ignored
     std::size_t ignored = 0;       ///< findings that the configuration says to ignore
     bool enhanced = false;         ///< contrast was held against WCAG's level AAA
+    bool hasBaseline = false;      ///< what is known is marked
 };
 
 /// Findings grouped by rule, each with its place, value and what is wanted; then the inventory.
@@ -27,8 +28,9 @@ struct AuditReport {
 [[nodiscard]] std::string jsonReport(const AuditReport& report);
 
 /// The findings as a log of the Static Analysis Results Interchange Format, version 2.1.0.
-/// @param artifact what the findings are shown at: the file that the project under test would name
-[[nodiscard]] std::string sarifReport(const AuditReport& report, const std::string& artifact);
+/// @param program that was started to be audited, which the findings are shown at; empty: at the
+/// application
+[[nodiscard]] std::string sarifReport(const AuditReport& report, const std::string& program);
 
 /// A page that needs nothing else: the window's picture with the findings outlined and numbered,
 /// the findings beside it, the inventory below.

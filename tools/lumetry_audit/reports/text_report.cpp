@@ -5,7 +5,6 @@
 #include "base/text.h"
 #include "lumetry_audit/reports/wording.h"
 
-#include <functional>
 #include <sstream>
 #include <string_view>
 
@@ -58,6 +57,9 @@ std::string textReport(const AuditReport& report) {
         out << "; without known colours: " << audit.unknownTextColors << " texts";
     }
     out << '\n';
+    if (const auto shortfall = limitText(audit.leftOut); !shortfall.empty()) {
+        out << "Note: " << shortfall << '\n';
+    }
     for (auto finding = report.findings.begin(); finding != report.findings.end();) {
         const Rule rule = finding->rule;
         std::vector<Finding> alike;

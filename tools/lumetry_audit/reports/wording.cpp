@@ -73,6 +73,13 @@ std::string leftOutText(const LeftOut& leftOut) {
     return text;
 }
 
+std::string limitText(const LeftOut& leftOut) {
+    return leftOut.beyondLimit == 0 ? ""
+                                    : "only a part of the window was audited: " +
+                                          plural(leftOut.beyondLimit, "element") +
+                                          " beyond the limit; raise it with --limit.";
+}
+
 std::string typefaceText(const Typeface& typeface) {
     return wholeNumber(typeface.size) + "px " + typeface.family + (typeface.bold ? " bold" : "");
 }
