@@ -3,11 +3,15 @@
 #include "rig/desktop_windows.h"
 #include "rig/private_desktop.h"
 #include "rig/processes/child_process.h"
+#include "rig/screenshot.h"
 
+#include <X11/keysym.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <csignal>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -159,7 +163,26 @@ TEST(Audit, WritesAPageThatPassesItsOwnRules) {
     for (const Json& finding : report["findings"]) {
         EXPECT_NE(finding["rule"], "contrast") << finding;
         EXPECT_NE(finding["rule"], "name") << finding;
+        EXPECT_NE(finding["rule"], "target-size") << finding;
     }
+
+    // By keyboard from the list to the picture and back: the outline gets a border of its colour,
+    // the entry a background.
+    constexpr std::uint32_t errorColor = 0xFFB3123E;
+    constexpr std::uint32_t entryColor = 0xFFFFF4D6;
+    const auto pixelsOf = [&audited](std::uint32_t color) {
+        const auto picture = settledScreenshot(audited.desktop.server(), {0, 0, 1600, 1200});
+        return picture ? std::ranges::count(picture->pixels, color) : -1;
+    };
+    InputDevice& input = audited.desktop.input();
+    input.typeKey(XK_Tab);
+    const auto outlined = pixelsOf(errorColor);
+    EXPECT_EQ(pixelsOf(entryColor), 0);
+    input.typeKey(XK_Return);
+    EXPECT_GT(pixelsOf(errorColor), outlined + 500);
+    input.typeKey(XK_Return);
+    EXPECT_GT(pixelsOf(entryColor), 1000);
+    EXPECT_LT(pixelsOf(errorColor), outlined + 100);
 }
 
 TEST(Audit, KnowsItsBaselineAndItsConfiguration) {
@@ -199,9 +222,9 @@ TEST(Audit, KnowsItsBaselineAndItsConfiguration) {
 
 TEST(Audit, StartsACommandAndEndsIt) {
     AuditedDesktop audited;
-    // What is started starts the application, as scripts do.
-    const auto finished =
-        audited.audit({"--sarif", "--", "sh", "-c", "echo starting; gtk3-widget-factory & wait"});
+    // What is started starts the application, and may leave it to itself, as daemons do.
+    const auto finished = audited.audit(
+        {"--sarif", "--", "sh", "-c", "echo starting; setsid -f gtk3-widget-factory"});
     EXPECT_EQ(finished.status.code, 1) << finished.error;
     EXPECT_NE(finished.error.find("starting"), std::string::npos);
     EXPECT_TRUE(std::ranges::none_of(desktopWindows(audited.desktop.server()),
@@ -220,8 +243,27 @@ TEST(Audit, StartsACommandAndEndsIt) {
         EXPECT_EQ(place["artifactLocation"]["uri"], "sh");
     }
     expectRefusal(audited.audit({"--wait", "1", "--", "sleep", "60"}), 3, "no window within 1");
-    expectRefusal(audited.audit({"--", "false"}), 3, "status 1");
+    // Nothing can come any more.
+    expectRefusal(audited.audit({"--wait", "600", "--", "false"}), 3, "status 1");
     expectRefusal(audited.audit({"--", "no-such-program"}), 2, "cannot be started");
+}
+
+TEST(Audit, EndsWithWhatItHasStartedWhenAsked) {
+    AuditedDesktop audited;
+    const auto told = audited.file("pid");
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        SCOPED_TRACE(signal);
+        std::filesystem::remove(told);
+        ChildProcess audit({LUMETRY_AUDIT, "--wait", "600", "--", "setsid", "-f", "sh", "-c",
+                            "echo $$ > pid; exec sleep 600"},
+                           audited.options());
+        int pid = 0;
+        ASSERT_TRUE(waitUntil([&] { return (std::ifstream(told) >> pid) && pid > 0; }));
+        audit.signal(signal);
+        ASSERT_TRUE(audit.wait());
+        EXPECT_EQ(audit.status()->code, 128 + signal) << audit.standardError();
+        EXPECT_EQ(kill(pid, 0), -1);
+    }
 }
 
 TEST(Audit, NeverPassesWhatItDidNotSee) {
@@ -230,6 +272,12 @@ TEST(Audit, NeverPassesWhatItDidNotSee) {
     auto application = audited.startWidgetFactory();
     const std::string pid = std::to_string(application.pid());
     expectRefusal(audited.audit({"--window", "nowhere"}), 3, "gtk3-widget-factory");
+    // No connection takes the place of an output that is not there.
+    const auto closed = runProgram(
+        {"sh", "-c", R"(exec "$0" "$@" >&-)", LUMETRY_AUDIT, "--pid", pid}, audited.options());
+    expectRefusal(closed, 2, "standard output cannot be written to");
+    const auto part = audited.audit({"--pid", pid, "--limit", "3"});
+    EXPECT_NE(part.error.find("only a part of the window was audited"), std::string::npos);
     application.stop();
     expectRefusal(audited.audit({"--pid", pid, "--wait", "1"}), 3, "the window's application");
     application.resume();
@@ -256,6 +304,7 @@ TEST(Audit, RefusesWhatMakesNoSense) {
         {{"12"}, "--help"},
         {{"--level", "A"}, "--help"},
         {{"--limit", "0"}, "--help"},
+        {{"--wait", "nan"}, "--help"},
         {{"--json", "--sarif"}, "--help"},
         {{"--pid", "1", "--app", "x"}, "give one of"},
         {{"--"}, "give the command"},
@@ -271,12 +320,17 @@ TEST(Audit, RefusesWhatMakesNoSense) {
         {{"--config", audited.file("all.toml", "[[ignore]]\nreason = \"x\"\n")},
          "ignore everything"},
         {{"--baseline", audited.file("base.json", "[]")}, "is no baseline"},
+        {{"--baseline", audited.file("text.json", R"({"version":"x","findings":[]})")},
+         "is no baseline"},
         {{}, "at-spi2-core"},
     };
     for (const auto& [arguments, expected] : cases) {
         SCOPED_TRACE(expected);
         expectRefusal(audited.audit(arguments), 2, expected);
     }
+    const auto usual = audited.file("lumetry-audit.toml");
+    std::filesystem::create_symlink(usual, usual);
+    expectRefusal(audited.audit({}), 2, "lumetry-audit.toml cannot be read");
 }
 
 /// The commands of the README's workflow, without their indentation.

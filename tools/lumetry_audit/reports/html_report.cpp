@@ -3,6 +3,7 @@
 #include "base/color_metrics.h"
 #include "base/number_text.h"
 #include "base/text.h"
+#include "lumetry_audit/reports/badge_places.h"
 #include "lumetry_audit/reports/html_style.h"
 #include "lumetry_audit/reports/wording.h"
 
@@ -14,9 +15,7 @@
 #include <cctype>
 #include <cstddef>
 #include <iterator>
-#include <map>
 #include <sstream>
-#include <utility>
 
 namespace lumetry {
 namespace {
@@ -102,8 +101,12 @@ private:
         if (const auto leftOut = leftOutText(audit_.leftOut); !leftOut.empty()) {
             out_ << "; left out: " << leftOut;
         }
-        out_ << ".</p>\n<p class=\"where\">" << escaped(audit_.app) << " · "
-             << boxText(audit_.window) << " · scale " << audit_.scale << "</p>\n</header>\n";
+        out_ << ".</p>\n";
+        if (const auto shortfall = limitText(audit_.leftOut); !shortfall.empty()) {
+            out_ << "<p>Note: " << shortfall << "</p>\n";
+        }
+        out_ << "<p class=\"where\">" << escaped(audit_.app) << " · " << boxText(audit_.window)
+             << " · scale " << audit_.scale << "</p>\n</header>\n";
     }
 
     void addPicture(const std::string& title) {
@@ -113,37 +116,40 @@ private:
             out_ << "<p>The screen could not be read.</p>\n</section>\n";
             return;
         }
-        out_ << "<div class=\"frame\" style=\"width:" << fixedText(audit_.window.width, 2)
+        const double width = audit_.window.width;
+        out_ << "<div class=\"frame\" style=\"width:" << fixedText(width, 2)
+             << "px;min-width:" << fixedText(std::min(width, narrowestPicture), 2)
              << "px\">\n<img alt=\"The window " << escaped(title) << " as it was audited\" width=\""
              << audit_.picture.width << "\" height=\"" << audit_.picture.height
              << "\" src=\"data:image/png;base64," << pngOf(audit_.picture) << "\">\n";
-        // Where several begin at one place, their numbers stand side by side.
-        constexpr int badgeWidth = 26;
-        constexpr int badgeHeight = 18;
-        std::map<std::pair<double, double>, int> at;
+        BadgePlaces places(audit_.window);
         for (std::size_t place = 0; place < report_.findings.size(); ++place) {
-            const Finding& finding = report_.findings[place];
-            const Rect& box = finding.box;
-            if (box == audit_.window) {
-                continue;
+            if (isMarked(report_.findings[place])) {
+                addMark(report_.findings[place], place + 1, places);
             }
-            const int before = at[{box.x, box.y}]++;
-            const std::size_t number = place + 1;
-            const std::string left = percent(box.x - audit_.window.x, audit_.window.width);
-            const std::string top = percent(box.y - audit_.window.y, audit_.window.height);
-            // The number stands on the outline, so that what it is about can be seen.
-            const bool hasRoom = box.y - audit_.window.y >= badgeHeight;
-            out_ << "<a class=\"badge " << (hasRoom ? "" : "inside ") << kindOf(finding)
-                 << "\" id=\"mark-" << number << "\" href=\"#finding-" << number
-                 << "\" aria-label=\"Finding " << number << ": "
-                 << describe(finding.rule).identifier << ", " << escaped(finding.header)
-                 << "\" style=\"left:calc(" << left << " + " << before * badgeWidth
-                 << "px);top:" << top << "\">" << number << "</a><span class=\"outline "
-                 << kindOf(finding) << "\" style=\"left:" << left << ";top:" << top
-                 << ";width:" << percent(box.width, audit_.window.width)
-                 << ";height:" << percent(box.height, audit_.window.height) << "\"></span>\n";
         }
         out_ << "</div>\n</section>\n";
+    }
+
+    /// What is about the window as a whole is only listed.
+    [[nodiscard]] bool isMarked(const Finding& finding) const {
+        return !audit_.picture.pixels.empty() && finding.box != audit_.window;
+    }
+
+    /// The number, which leads back to the list, where the keyboard goes from finding to finding.
+    void addMark(const Finding& finding, std::size_t number, BadgePlaces& places) {
+        const Rect& box = finding.box;
+        const BadgePlaces::Place place = places.next(box);
+        out_ << "<a class=\"badge " << (place.inside ? "inside " : "") << kindOf(finding)
+             << "\" id=\"mark-" << number << "\" href=\"#finding-" << number
+             << "\" tabindex=\"-1\" aria-label=\"Finding " << number << ": "
+             << describe(finding.rule).identifier << ", " << escaped(finding.header)
+             << "\" style=\"left:" << percent(place.left, 1) << ";top:" << percent(place.edge, 1)
+             << "\">" << number << "</a><span class=\"outline " << kindOf(finding)
+             << "\" style=\"left:" << percent(box.x - audit_.window.x, audit_.window.width)
+             << ";top:" << percent(box.y - audit_.window.y, audit_.window.height)
+             << ";width:" << percent(box.width, audit_.window.width)
+             << ";height:" << percent(box.height, audit_.window.height) << "\"></span>\n";
     }
 
     void addFindings() {
@@ -167,11 +173,15 @@ private:
     }
 
     void addFinding(const Finding& finding, std::size_t number) {
-        out_ << "<li id=\"finding-" << number << "\" class=\"" << kindOf(finding) << "\">\n<p><a "
-             << "class=\"number\" href=\"#mark-" << number << "\" aria-label=\"Show finding "
-             << number << " in the picture\">" << number << "</a> <strong>"
-             << escaped(finding.header) << "</strong> <em>" << kindOf(finding) << "</em></p>\n<p>"
-             << escaped(finding.value) << ", wanted " << escaped(finding.wanted)
+        out_ << "<li id=\"finding-" << number << "\" class=\"" << kindOf(finding) << "\">\n<p>";
+        if (isMarked(finding)) {
+            out_ << "<a class=\"number\" href=\"#mark-" << number << "\" aria-label=\"Show finding "
+                 << number << " in the picture\">" << number << "</a>";
+        } else {
+            out_ << "<span class=\"number\">" << number << "</span>";
+        }
+        out_ << " <strong>" << escaped(finding.header) << "</strong> <em>" << kindOf(finding)
+             << "</em></p>\n<p>" << escaped(finding.value) << ", wanted " << escaped(finding.wanted)
              << "</p>\n<p class=\"where\">" << boxText(finding.box) << "<br>"
              << escaped(finding.path) << "</p>\n</li>\n";
     }

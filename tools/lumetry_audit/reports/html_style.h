@@ -20,7 +20,7 @@ header, footer { max-width: 100ch; }
 header { margin-bottom: 24px; }
 footer { margin-top: 24px; color: var(--soft); }
 .where { color: var(--soft); font-size: 13px; overflow-wrap: anywhere; }
-main { display: grid; grid-template-columns: minmax(0, 3fr) minmax(300px, 2fr); gap: 24px;
+main { display: grid; grid-template-columns: minmax(682px, 3fr) minmax(300px, 2fr); gap: 24px;
   align-items: start; }
 section { background: var(--paper); border: 1px solid var(--line); border-radius: 8px;
   padding: 20px; }
@@ -30,10 +30,10 @@ section { background: var(--paper); border: 1px solid var(--line); border-radius
   background: repeating-linear-gradient(45deg, #ececf1 0 8px, #ffffff 8px 16px); }
 .outline { position: absolute; border: 2px solid var(--kind); box-shadow: 0 0 0 1px #ffffff;
   pointer-events: none; }
-.badge { position: absolute; z-index: 1; min-width: 24px; padding: 0 4px; background: var(--kind);
-  color: #ffffff; font-size: 12px; line-height: 18px; text-align: center; text-decoration: none;
-  border-radius: 4px 4px 0 0; transform: translateY(-100%); }
-.badge.inside { border-radius: 0 0 4px 0; transform: none; }
+.badge { position: absolute; z-index: 1; width: 24px; height: 24px; background: var(--kind);
+  color: #ffffff; font-size: 12px; line-height: 24px; text-align: center; text-decoration: none;
+  border-radius: 4px; transform: translateY(-100%); }
+.badge.inside { transform: none; }
 .badge:hover, .badge:focus-visible, .badge:target { z-index: 3; outline: 2px solid #ffffff; }
 .badge:hover + .outline, .badge:focus-visible + .outline, .badge:target + .outline { z-index: 2;
   box-shadow: 0 0 0 2px #ffffff, 0 0 0 6px var(--kind); }
@@ -59,7 +59,7 @@ section { background: var(--paper); border: 1px solid var(--line); border-radius
   vertical-align: middle; border: 1px solid #8a8a94; }
 .swatch { border-radius: 4px; }
 .corner { border-width: 2px 0 0 2px; border-color: var(--ink); }
-@media (max-width: 900px) { main { display: block; } .picture { position: static; }
+@media (max-width: 1100px) { main { display: block; } .picture { position: static; }
   .findings { margin-top: 24px; } }
 @media print { body { background: #ffffff; padding: 0; } .picture { position: static; } }
 )";

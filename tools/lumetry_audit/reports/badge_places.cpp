@@ -1,0 +1,59 @@
+#include "lumetry_audit/reports/badge_places.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace lumetry {
+namespace {
+
+std::pair<int, int> cellOf(Point at) {
+    return {static_cast<int>(std::floor(at.x / badgeSize)),
+            static_cast<int>(std::floor(at.y / badgeSize))};
+}
+
+} // namespace
+
+// Where the picture is shown larger, the badges only move apart.
+BadgePlaces::BadgePlaces(const Rect& window)
+    : window_(window), scale_(std::min(1.0, narrowestPicture / std::max(1.0, window.width))),
+      width_(window.width * scale_), height_(window.height * scale_) {}
+
+bool BadgePlaces::isFree(Point at) const {
+    const auto [column, row] = cellOf(at);
+    for (int x = column - 1; x <= column + 1; ++x) {
+        for (int y = row - 1; y <= row + 1; ++y) {
+            const auto other = taken_.find({x, y});
+            if (other != taken_.end() && std::abs(other->second.x - at.x) < badgeSize &&
+                std::abs(other->second.y - at.y) < badgeSize) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+BadgePlaces::Place BadgePlaces::next(const Rect& box) {
+    const double right = std::max(0.0, width_ - badgeSize);
+    const double bottom = std::max(0.0, height_ - badgeSize);
+    const double top = (box.y - window_.y) * scale_;
+    const Point first = {std::clamp((box.x - window_.x) * scale_, 0.0, right),
+                         std::clamp(top >= badgeSize ? top - badgeSize : top, 0.0, bottom)};
+    Point found = first;
+    for (Point at = first; !isFree(found);) {
+        at.x += badgeSize;
+        if (at.x > right) {
+            at = {0, at.y + badgeSize};
+        }
+        if (at.y > bottom) {
+            found = first;
+            break;
+        }
+        found = at;
+    }
+    taken_.emplace(cellOf(found), found);
+    const bool inside = found.y < badgeSize;
+    return {found.x / std::max(1.0, width_),
+            (inside ? found.y : found.y + badgeSize) / std::max(1.0, height_), inside};
+}
+
+} // namespace lumetry
