@@ -63,7 +63,7 @@ TEST_F(AuditFiles, KnowsAFindingAgainWhateverTheWindowIsTitled) {
     Finding height;
     height.rule = Rule::consistency;
     height.kind = "height";
-    height.path = "Window · 10:41 / Group / Button · Save";
+    height.path = "Window · 10:41 / Group / WebArea · (1) Inbox / Button · Save";
     std::string problem;
     ASSERT_TRUE(writeBaseline(at("known.json"), std::array{height}, problem)) << problem;
     const auto baseline = readBaseline(at("known.json"), problem);
@@ -72,7 +72,7 @@ TEST_F(AuditFiles, KnowsAFindingAgainWhateverTheWindowIsTitled) {
     padding.kind = "padding";
     Finding elsewhere = height;
     elsewhere.path = "Window · 10:41 / Button · Save";
-    height.path = "Window · 10:42 / Group / Button · Save";
+    height.path = "Window · 10:42 / Group / WebArea · (2) Inbox / Button · Save";
     std::vector<Finding> findings = {height, padding, elsewhere};
     apply(*baseline, findings);
     EXPECT_TRUE(findings[0].baseline);

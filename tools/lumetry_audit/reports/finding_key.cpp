@@ -4,11 +4,27 @@
 
 namespace lumetry {
 
+namespace {
+
+constexpr std::string_view separator = " / ";
+
+/// The path without the window, and without the titles of pages, which windows have theirs from.
+std::string placeOf(const std::string& path) {
+    constexpr std::string_view page = " / WebArea";
+    const auto end = path.find(separator);
+    std::string place = end == std::string::npos ? "" : path.substr(end);
+    for (auto at = place.find(page); at != std::string::npos; at = place.find(page, at)) {
+        at += page.size();
+        const auto next = place.find(separator, at);
+        place.erase(at, next == std::string::npos ? next : next - at);
+    }
+    return place.empty() ? place : place.substr(separator.size());
+}
+
+} // namespace
+
 FindingKey keyOf(const Finding& finding) {
-    constexpr std::string_view separator = " / ";
-    const auto end = finding.path.find(separator);
-    return {std::string(describe(finding.rule).identifier), finding.kind,
-            end == std::string::npos ? "" : finding.path.substr(end + separator.size())};
+    return {std::string(describe(finding.rule).identifier), finding.kind, placeOf(finding.path)};
 }
 
 } // namespace lumetry

@@ -8,7 +8,7 @@
 namespace lumetry {
 
 /// What a finding is known again by, whatever its values: rule, kind, and path below the window,
-/// whose title often has a document's name or a number in it.
+/// without its title and a page's, which often have a document's name or a number in them.
 using FindingKey = std::array<std::string, 3>;
 
 [[nodiscard]] FindingKey keyOf(const Finding& finding);
