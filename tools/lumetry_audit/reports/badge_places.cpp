@@ -18,18 +18,19 @@ BadgePlaces::BadgePlaces(const Rect& window)
     : window_(window), scale_(std::min(1.0, narrowestPicture / std::max(1.0, window.width))),
       width_(window.width * scale_), height_(window.height * scale_) {}
 
-bool BadgePlaces::isFree(Point at) const {
+std::optional<Point> BadgePlaces::inTheWayOf(Point at) const {
+    constexpr double near = badgeSize - 1e-6; // sums are rounded
     const auto [column, row] = cellOf(at);
     for (int x = column - 1; x <= column + 1; ++x) {
         for (int y = row - 1; y <= row + 1; ++y) {
             const auto other = taken_.find({x, y});
-            if (other != taken_.end() && std::abs(other->second.x - at.x) < badgeSize &&
-                std::abs(other->second.y - at.y) < badgeSize) {
-                return false;
+            if (other != taken_.end() && std::abs(other->second.x - at.x) < near &&
+                std::abs(other->second.y - at.y) < near) {
+                return other->second;
             }
         }
     }
-    return true;
+    return std::nullopt;
 }
 
 BadgePlaces::Place BadgePlaces::next(const Rect& box) {
@@ -39,16 +40,15 @@ BadgePlaces::Place BadgePlaces::next(const Rect& box) {
     const Point first = {std::clamp((box.x - window_.x) * scale_, 0.0, right),
                          std::clamp(top >= badgeSize ? top - badgeSize : top, 0.0, bottom)};
     Point found = first;
-    for (Point at = first; !isFree(found);) {
-        at.x += badgeSize;
-        if (at.x > right) {
-            at = {0, at.y + badgeSize};
+    while (const auto other = inTheWayOf(found)) {
+        found.x = other->x + badgeSize;
+        if (found.x > right) {
+            found = {0, found.y + badgeSize};
         }
-        if (at.y > bottom) {
+        if (found.y > bottom) {
             found = first;
             break;
         }
-        found = at;
     }
     taken_.emplace(cellOf(found), found);
     const bool inside = found.y < badgeSize;

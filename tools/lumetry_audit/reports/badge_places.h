@@ -3,6 +3,7 @@
 #include "base/geometry.h"
 
 #include <map>
+#include <optional>
 #include <utility>
 
 namespace lumetry {
@@ -31,7 +32,7 @@ public:
     [[nodiscard]] Place next(const Rect& box);
 
 private:
-    [[nodiscard]] bool isFree(Point at) const;
+    [[nodiscard]] std::optional<Point> inTheWayOf(Point at) const;
 
     Rect window_;
     double scale_;
