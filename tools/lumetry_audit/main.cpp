@@ -155,7 +155,7 @@ int publish(const Request& request, const AuditReport& report, FailOn failOn) {
     if (request.newBaseline && !writeBaseline(*request.newBaseline, report.findings, problem)) {
         return refuse(problem);
     }
-    if (const std::string shortfall = limitText(report.audit.leftOut); !shortfall.empty()) {
+    if (const std::string shortfall = shortfallText(report.audit); !shortfall.empty()) {
         std::cerr << "lumetry-audit: " << shortfall << '\n';
     }
     std::cout << (request.json ? jsonReport(report)

@@ -102,7 +102,7 @@ private:
             out_ << "; left out: " << leftOut;
         }
         out_ << ".</p>\n";
-        if (const auto shortfall = limitText(audit_.leftOut); !shortfall.empty()) {
+        if (const auto shortfall = shortfallText(audit_); !shortfall.empty()) {
             out_ << "<p>Note: " << shortfall << "</p>\n";
         }
         out_ << "<p class=\"where\">" << escaped(audit_.app) << " · " << boxText(audit_.window)

@@ -57,7 +57,7 @@ std::string textReport(const AuditReport& report) {
         out << "; without known colours: " << audit.unknownTextColors << " texts";
     }
     out << '\n';
-    if (const auto shortfall = limitText(audit.leftOut); !shortfall.empty()) {
+    if (const auto shortfall = shortfallText(audit); !shortfall.empty()) {
         out << "Note: " << shortfall << '\n';
     }
     for (auto finding = report.findings.begin(); finding != report.findings.end();) {

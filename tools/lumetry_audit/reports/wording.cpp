@@ -73,11 +73,14 @@ std::string leftOutText(const LeftOut& leftOut) {
     return text;
 }
 
-std::string limitText(const LeftOut& leftOut) {
-    return leftOut.beyondLimit == 0 ? ""
-                                    : "only a part of the window was audited: " +
-                                          plural(leftOut.beyondLimit, "element") +
-                                          " beyond the limit; raise it with --limit.";
+std::string shortfallText(const WindowAudit& audit) {
+    const std::size_t beyond = audit.leftOut.beyondLimit;
+    if (beyond == 0 && !audit.cutOff) {
+        return "";
+    }
+    return "only a part of the window was audited: " +
+           (audit.cutOff ? "it has too many elements."
+                         : plural(beyond, "element") + " beyond the limit; raise it with --limit.");
 }
 
 std::string typefaceText(const Typeface& typeface) {

@@ -19,7 +19,7 @@ namespace lumetry {
 /// Such as "37 hidden, 12 scrolled or clipped away"; empty for none.
 [[nodiscard]] std::string leftOutText(const LeftOut& leftOut);
 /// Says that only a part of the window was audited, in one sentence; empty when all of it was.
-[[nodiscard]] std::string limitText(const LeftOut& leftOut);
+[[nodiscard]] std::string shortfallText(const WindowAudit& audit);
 /// Such as "14px Inter bold".
 [[nodiscard]] std::string typefaceText(const Typeface& typeface);
 /// Such as "≈ fill, text".
