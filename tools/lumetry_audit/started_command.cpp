@@ -97,8 +97,7 @@ std::unique_ptr<StartedCommand> StartedCommand::start(const std::vector<std::str
         dup2(STDERR_FILENO, STDOUT_FILENO);
         execvp(arguments.front(), arguments.data());
         const int error = errno;
-        static_cast<void>(!write(failure[1], &error, sizeof error));
-        _exit(127);
+        _exit(write(failure[1], &error, sizeof error) > 0 ? 127 : 126);
     }
     close(failure[1]);
     int error = pid < 0 ? errno : 0;

@@ -40,7 +40,7 @@ public:
     void add(const std::string& key, Read read) { keys_.emplace_back(key, std::move(read)); }
 
     void addNumber(const std::string& key, double least, double most,
-                   std::function<void(double)> take) {
+                   const std::function<void(double)>& take) {
         add(key, [=, this](const toml::node& node) {
             const auto value = node.value<double>();
             if (!node.is_number() || !value || !(*value >= least && *value <= most)) {
@@ -65,7 +65,7 @@ public:
         });
     }
 
-    void addText(const std::string& key, std::function<bool(const std::string&)> take,
+    void addText(const std::string& key, const std::function<bool(const std::string&)>& take,
                  const std::string& wanted) {
         add(key, [=, this](const toml::node& node) {
             const auto value = node.value<std::string>();
@@ -75,7 +75,7 @@ public:
         });
     }
 
-    void addTruth(const std::string& key, std::function<void(bool)> take) {
+    void addTruth(const std::string& key, const std::function<void(bool)>& take) {
         add(key, [=, this](const toml::node& node) {
             const auto value = node.value<bool>();
             if (!node.is_boolean() || !value) {
