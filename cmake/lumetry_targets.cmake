@@ -62,3 +62,27 @@ function(lumetry_test name)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
     PROPERTIES LABELS ${arg_LABEL} ${arg_PROPERTIES})
 endfunction()
+
+# lumetry_wayland_protocols(NAME protocol.xml...)
+#
+# A static library that speaks Wayland protocols: for each file a header PROTOCOL-client-protocol.h,
+# written by wayland-scanner, beside libwayland-client itself.
+function(lumetry_wayland_protocols name)
+  pkg_get_variable(scanner wayland-scanner wayland_scanner)
+  set(folder ${CMAKE_CURRENT_BINARY_DIR}/${name})
+  file(MAKE_DIRECTORY ${folder})
+  set(sources)
+  foreach(protocol IN LISTS ARGN)
+    get_filename_component(stem ${protocol} NAME_WE)
+    add_custom_command(OUTPUT ${folder}/${stem}-client-protocol.h
+      COMMAND ${scanner} --strict client-header ${protocol} ${folder}/${stem}-client-protocol.h
+      DEPENDS ${protocol} VERBATIM)
+    add_custom_command(OUTPUT ${folder}/${stem}-protocol.c
+      COMMAND ${scanner} --strict private-code ${protocol} ${folder}/${stem}-protocol.c
+      DEPENDS ${protocol} VERBATIM)
+    list(APPEND sources ${folder}/${stem}-client-protocol.h ${folder}/${stem}-protocol.c)
+  endforeach()
+  add_library(${name} STATIC ${sources})
+  target_include_directories(${name} SYSTEM PUBLIC ${folder})
+  target_link_libraries(${name} PUBLIC PkgConfig::wayland_client)
+endfunction()

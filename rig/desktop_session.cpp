@@ -11,7 +11,6 @@ namespace lumetry::desktop {
 namespace {
 
 constexpr const char* accessibilityLauncher = "/usr/libexec/at-spi-bus-launcher";
-const BusObject busItself = {"org.freedesktop.DBus", "/org/freedesktop/DBus"};
 const BusObject accessibilityStatus = {"org.a11y.Bus", "/org/a11y/bus"};
 
 /// A bus that starts on demand only what a test puts into the folder "services", so that a desktop
@@ -81,16 +80,6 @@ void makeHome(const Environment& environment) {
     std::ofstream(gtkFolder / "settings.ini") << gtkSettings;
 }
 
-bool serviceRuns(GDBusConnection& bus, const std::string& name) {
-    const auto answer = call(bus, busItself, busItself.name.c_str(), "NameHasOwner",
-                             g_variant_new("(s)", name.c_str()));
-    gboolean owned = FALSE;
-    if (answer) {
-        g_variant_get(answer.get(), "(b)", &owned);
-    }
-    return owned != FALSE;
-}
-
 } // namespace
 
 void stopService(ChildProcess& service) {
@@ -130,7 +119,7 @@ void DesktopSession::startAccessibility(AccessibilityBus kind) {
     auto& launcher = startService({accessibilityLauncher, "--launch-immediately"});
     const auto session = connectToBus(sessionBusAddress());
     awaitService(launcher, "the accessibility bus",
-                 [&] { return serviceRuns(*session, accessibilityStatus.name); });
+                 [&] { return isOnBus(*session, accessibilityStatus.name); });
     const auto answer = call(*session, accessibilityStatus, "org.a11y.Bus", "GetAddress");
     if (!answer) {
         throw std::runtime_error("the accessibility bus has no address");
