@@ -66,21 +66,25 @@ endfunction()
 # lumetry_wayland_protocols(NAME protocol.xml...)
 #
 # A static library that speaks Wayland protocols: for each file a header PROTOCOL-client-protocol.h,
-# written by wayland-scanner, beside libwayland-client itself.
+# written by wayland-scanner, beside libwayland-client itself. They are written right away, so that
+# what is not built can be checked, too.
 function(lumetry_wayland_protocols name)
   pkg_get_variable(scanner wayland-scanner wayland_scanner)
   set(folder ${CMAKE_CURRENT_BINARY_DIR}/${name})
   file(MAKE_DIRECTORY ${folder})
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${ARGN})
   set(sources)
   foreach(protocol IN LISTS ARGN)
     get_filename_component(stem ${protocol} NAME_WE)
-    add_custom_command(OUTPUT ${folder}/${stem}-client-protocol.h
-      COMMAND ${scanner} --strict client-header ${protocol} ${folder}/${stem}-client-protocol.h
-      DEPENDS ${protocol} VERBATIM)
-    add_custom_command(OUTPUT ${folder}/${stem}-protocol.c
-      COMMAND ${scanner} --strict private-code ${protocol} ${folder}/${stem}-protocol.c
-      DEPENDS ${protocol} VERBATIM)
-    list(APPEND sources ${folder}/${stem}-client-protocol.h ${folder}/${stem}-protocol.c)
+    set(header ${folder}/${stem}-client-protocol.h)
+    set(source ${folder}/${stem}-protocol.c)
+    if(${protocol} IS_NEWER_THAN ${source})
+      execute_process(COMMAND ${scanner} --strict client-header ${protocol} ${header}
+        COMMAND_ERROR_IS_FATAL ANY)
+      execute_process(COMMAND ${scanner} --strict private-code ${protocol} ${source}
+        COMMAND_ERROR_IS_FATAL ANY)
+    endif()
+    list(APPEND sources ${header} ${source})
   endforeach()
   add_library(${name} STATIC ${sources})
   target_include_directories(${name} SYSTEM PUBLIC ${folder})

@@ -53,9 +53,9 @@ struct OverlaySurface::FrameEvents {
     }
 };
 
-OverlaySurface::OverlaySurface(const SurfaceMakers& makers, wl_output* proxy, const Output& output,
+OverlaySurface::OverlaySurface(const SurfaceMakers& makers, wl_output* proxy, Output output,
                                Handlers handlers)
-    : makers_(makers), output_(output), handlers_(std::move(handlers)),
+    : makers_(makers), output_(std::move(output)), handlers_(std::move(handlers)),
       surface_(wl_compositor_create_surface(makers.compositor.get())) {
     if (makers.viewporter) {
         viewport_.reset(wp_viewporter_get_viewport(makers.viewporter.get(), surface_.get()));

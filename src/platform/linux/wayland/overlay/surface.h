@@ -33,8 +33,7 @@ public:
         std::function<void()> onClosed; ///< the compositor has taken it away
     };
 
-    OverlaySurface(const SurfaceMakers& makers, wl_output* proxy, const Output& output,
-                   Handlers handlers);
+    OverlaySurface(const SurfaceMakers& makers, wl_output* proxy, Output output, Handlers handlers);
     OverlaySurface(const OverlaySurface&) = delete;
     OverlaySurface& operator=(const OverlaySurface&) = delete;
     ~OverlaySurface();
