@@ -6,6 +6,7 @@
 #include <kde-output-device-v2-client-protocol.h>
 #include <kde-output-management-v2-client-protocol.h>
 
+#include <cstdint>
 #include <optional>
 #include <stdexcept>
 
@@ -13,11 +14,12 @@ namespace lumetry::desktop {
 namespace {
 
 using Configuration = kde_output_configuration_v2;
+using Devices = std::vector<kde_output_device_v2*>;
 
-constexpr std::uint32_t protocolVersion = 2;
+constexpr std::uint32_t protocolVersion = 3;
 
 template<class Change>
-void configure(const std::string& socket, std::size_t output, Change change) {
+void configure(const std::string& socket, Change change) {
     const WaylandConnection connection(socket);
     auto* const management = connection.bindOne<kde_output_management_v2>(
         kde_output_management_v2_interface, protocolVersion);
@@ -30,7 +32,7 @@ void configure(const std::string& socket, std::size_t output, Change change) {
         [](void* data, Configuration*) { *static_cast<std::optional<bool>*>(data) = false; }};
     auto* const configuration = kde_output_management_v2_create_configuration(management);
     kde_output_configuration_v2_add_listener(configuration, &listener, &applied);
-    change(configuration, devices.at(output));
+    change(configuration, devices);
     kde_output_configuration_v2_apply(configuration);
     requireUntil("an output to be configured", [&] {
         connection.sync();
@@ -45,16 +47,25 @@ void configure(const std::string& socket, std::size_t output, Change change) {
 } // namespace
 
 void setOutputScale(const std::string& socket, std::size_t output, double scale) {
-    configure(socket, output, [scale](Configuration* configuration, kde_output_device_v2* device) {
-        kde_output_configuration_v2_scale(configuration, device, wl_fixed_from_double(scale));
+    configure(socket, [&](Configuration* configuration, const Devices& devices) {
+        kde_output_configuration_v2_scale(configuration, devices.at(output),
+                                          wl_fixed_from_double(scale));
     });
 }
 
 void setOutputEnabled(const std::string& socket, std::size_t output, bool enabled) {
-    configure(socket, output,
-              [enabled](Configuration* configuration, kde_output_device_v2* device) {
-                  kde_output_configuration_v2_enable(configuration, device, enabled ? 1 : 0);
-              });
+    configure(socket, [&](Configuration* configuration, const Devices& devices) {
+        kde_output_configuration_v2_enable(configuration, devices.at(output), enabled ? 1 : 0);
+    });
+}
+
+void setOutputOrder(const std::string& socket, const std::vector<std::size_t>& places) {
+    configure(socket, [&](Configuration* configuration, const Devices& devices) {
+        std::uint32_t priority = 0;
+        for (const std::size_t place : places) {
+            kde_output_configuration_v2_set_priority(configuration, devices.at(place), ++priority);
+        }
+    });
 }
 
 } // namespace lumetry::desktop

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 namespace lumetry::desktop {
 
@@ -12,6 +13,8 @@ namespace lumetry::desktop {
 /// @{
 void setOutputScale(const std::string& socket, std::size_t output, double scale);
 void setOutputEnabled(const std::string& socket, std::size_t output, bool enabled);
+/// @param places of all outputs, the primary one first
+void setOutputOrder(const std::string& socket, const std::vector<std::size_t>& places);
 /// @}
 
 } // namespace lumetry::desktop

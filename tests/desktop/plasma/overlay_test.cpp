@@ -264,6 +264,16 @@ TEST_F(PlasmaOverlay, FollowsTheOutputs) {
     EXPECT_THAT(frames(), ElementsAre(Rect{0, 0, 1200, 900}, Rect{1200, 300, 800, 600}));
     rig.expectCrispOutline(1.5, 1);
 
+    // The window stays where it is when another screen becomes the primary one.
+    setOutputOrder(rig.desktop.socket(), {1, 0});
+    rig.loop.requireUntil("another primary screen", [&] {
+        return frames() == std::vector<Rect>{{0, 0, 800, 600}, {-1200, -300, 1200, 900}};
+    });
+    EXPECT_EQ(rig.window->frame(), (Rect{-1200, -300, 2400, 900}));
+    rig.window->setNeedsDisplay();
+    rig.loop.settle();
+    rig.expectCrispOutline(1.5, 1);
+
     setOutputEnabled(rig.desktop.socket(), 1, false);
     rig.loop.requireUntil("an output to go", [&] { return frames().size() == 1; });
     rig.loop.settle();
