@@ -3,6 +3,7 @@
 #include "platform/overlay_window.h"
 #include "rig/accessible_tree.h"
 #include "rig/kwin_outputs.h"
+#include "rig/x_connection.h"
 #include "support/counting_rasterizer/counting_rasterizer.h"
 #include "support/pictures/pictures.h"
 #include "support/printing/printing.h"
@@ -11,6 +12,7 @@
 #include <linux/input-event-codes.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -281,6 +283,27 @@ TEST_F(PlasmaOverlay, FollowsTheOutputs) {
     setOutputEnabled(rig.desktop.socket(), 1, true);
     rig.loop.requireUntil("an output to come", [&] { return frames().size() == 2; });
     rig.expectCrispOutline(1.5, 1);
+}
+
+TEST_F(PlasmaOverlay, ComesAboveAnX11MenuWhenAsked) {
+    OverlayRig rig({.width = 800, .height = 600, .xwayland = true});
+    rig.view.target = OverlayRig::outlined;
+    rig.window->orderFrontRegardless();
+    ASSERT_TRUE(rig.showsAt(99, 300, pink));
+    const XConnection server(rig.desktop.environment().at("DISPLAY"));
+    const xcb_window_t menu = xcb_generate_id(server.get());
+    const std::array<std::uint32_t, 2> values = {0x00AA00, 1}; // its colour, and unmanaged
+    xcb_create_window(server.get(), XCB_COPY_FROM_PARENT, menu, server.root(), 50, 250, 100, 100, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                      XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values.data());
+    xcb_map_window(server.get(), menu);
+    server.sync();
+    ASSERT_TRUE(rig.showsAt(99, 300, 0xFF00AA00));
+    rig.window->orderFrontRegardless();
+    EXPECT_TRUE(rig.showsAt(99, 300, pink));
+    EXPECT_TRUE(rig.showsAt(60, 300, 0xFF00AA00));
+    rig.loop.settle();
+    EXPECT_TRUE(rig.showsAt(300, 300, tinted)) << "once, and not twice";
 }
 
 TEST_F(PlasmaOverlay, SaysOnceThatTheCompositorHasGone) {

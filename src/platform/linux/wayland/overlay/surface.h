@@ -46,6 +46,9 @@ public:
     [[nodiscard]] IntSize size() const;
     /// Whether what is drawn now would be shown next.
     [[nodiscard]] bool isReady() const;
+    /// Whether it has been given something to show, and whether the compositor has shown that.
+    [[nodiscard]] bool isPresented() const { return presented_; }
+    [[nodiscard]] bool isShown() const { return presented_ && !frame_; }
     /// Shows the drawing (pixels of view space); only while it is ready.
     void show(DisplayList list, const Rasterizer& rasterizer);
 

@@ -38,10 +38,14 @@ void WaylandOverlayWindow::setFrame(const Rect& frame) {
 }
 
 void WaylandOverlayWindow::orderFrontRegardless() {
-    if (!shown_) {
-        shown_ = true;
+    if (!std::exchange(shown_, true)) {
         coverOutputs();
+        return;
     }
+    for (Cover& cover : covers_) {
+        cover.toBeRaised = cover.surface && cover.surface->isPresented();
+    }
+    scheduleRepaint();
 }
 
 void WaylandOverlayWindow::orderOut() {
@@ -58,7 +62,7 @@ void WaylandOverlayWindow::coverOutputs() {
     for (const Output& output : outputs) {
         Cover* const cover = coverOf(output.global);
         if (!cover) {
-            addCover(output);
+            covers_.push_back({makeSurface(output), output.global});
         } else if (cover->surface) {
             cover->surface->setOutput(output);
         }
@@ -67,11 +71,7 @@ void WaylandOverlayWindow::coverOutputs() {
     surroundings_.connection.flush();
 }
 
-void WaylandOverlayWindow::addCover(const Output& output) {
-    wl_output* const proxy = surroundings_.outputs.proxy(output.global);
-    if (!proxy) {
-        return;
-    }
+std::unique_ptr<OverlaySurface> WaylandOverlayWindow::makeSurface(const Output& output) {
     const std::uint32_t global = output.global;
     OverlaySurface::Handlers handlers;
     handlers.onReady = [this] { scheduleRepaint(); };
@@ -80,13 +80,23 @@ void WaylandOverlayWindow::addCover(const Output& output) {
         surroundings_.connection.runLoop().async(lifetime_.guard([this, global] {
             if (Cover* const cover = coverOf(global)) {
                 cover->surface.reset();
+                cover->lower.reset();
                 surroundings_.connection.flush();
             }
         }));
     };
-    covers_.push_back(
-        {std::make_unique<OverlaySurface>(surroundings_.makers, proxy, output, std::move(handlers)),
-         global});
+    wl_output* const proxy = surroundings_.outputs.proxy(global);
+    return proxy ? std::make_unique<OverlaySurface>(surroundings_.makers, proxy, output,
+                                                    std::move(handlers))
+                 : nullptr;
+}
+
+void WaylandOverlayWindow::raise(Cover& cover) {
+    // A surface cannot be raised, but a new one lies above all others.
+    cover.toBeRaised = false;
+    cover.lower = std::move(cover.surface);
+    cover.surface = makeSurface(cover.lower->output());
+    cover.stale = true;
 }
 
 WaylandOverlayWindow::Cover* WaylandOverlayWindow::coverOf(std::uint32_t output) {
@@ -117,12 +127,27 @@ void WaylandOverlayWindow::repaint() {
         return;
     }
     for (Cover& cover : covers_) {
-        if (cover.stale && cover.surface && cover.surface->isReady()) {
-            cover.stale = false;
-            cover.surface->show(drawView(*cover.surface), surroundings_.rasterizer);
+        if (cover.surface) {
+            repaint(cover);
         }
     }
     surroundings_.connection.flush();
+}
+
+void WaylandOverlayWindow::repaint(Cover& cover) {
+    if (cover.stale && cover.surface->isReady()) {
+        cover.stale = false;
+        cover.surface->show(drawView(*cover.surface), surroundings_.rasterizer);
+        if (!cover.surface->isPresented()) {
+            cover.lower.reset(); // there is nothing to be shown
+        }
+    }
+    if (cover.surface->isShown()) {
+        cover.lower.reset();
+        if (cover.toBeRaised) {
+            raise(cover);
+        }
+    }
 }
 
 DisplayList WaylandOverlayWindow::drawView(const OverlaySurface& surface) {

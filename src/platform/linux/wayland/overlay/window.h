@@ -45,10 +45,14 @@ private:
         std::unique_ptr<OverlaySurface> surface; ///< none once the compositor has taken it away
         std::uint32_t output = 0;                ///< Output::global
         bool stale = true;
+        bool toBeRaised = false;
+        std::unique_ptr<OverlaySurface> lower = {}; ///< shows until the surface does
     };
 
     void coverOutputs();
-    void addCover(const Output& output);
+    [[nodiscard]] std::unique_ptr<OverlaySurface> makeSurface(const Output& output);
+    void raise(Cover& cover);
+    void repaint(Cover& cover);
     void scheduleRepaint();
     void repaint();
     [[nodiscard]] DisplayList drawView(const OverlaySurface& surface);
