@@ -6,9 +6,11 @@
 #include <kde-output-device-v2-client-protocol.h>
 #include <kde-output-management-v2-client-protocol.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <stdexcept>
+#include <string_view>
 
 namespace lumetry::desktop {
 namespace {
@@ -18,6 +20,20 @@ using Devices = std::vector<kde_output_device_v2*>;
 
 constexpr std::uint32_t protocolVersion = 3;
 
+using Modes = std::vector<kde_output_device_mode_v2*>;
+
+/// Notes the modes that an output comes with, for they have to be let go of; all else that it says
+/// is left out.
+int noteMode(const void* /*implementation*/, void* output, std::uint32_t /*opcode*/,
+             const wl_message* event, wl_argument* arguments) {
+    if (std::string_view(event->name) == "mode") {
+        auto* const modes =
+            static_cast<Modes*>(wl_proxy_get_user_data(static_cast<wl_proxy*>(output)));
+        modes->push_back(reinterpret_cast<kde_output_device_mode_v2*>(arguments[0].o));
+    }
+    return 0;
+}
+
 template<class Change>
 void configure(const std::string& socket, Change change) {
     const WaylandConnection connection(socket);
@@ -25,6 +41,10 @@ void configure(const std::string& socket, Change change) {
         kde_output_management_v2_interface, protocolVersion);
     const auto devices =
         connection.bindAll<kde_output_device_v2>(kde_output_device_v2_interface, protocolVersion);
+    Modes modes;
+    for (auto* const device : devices) {
+        wl_proxy_add_dispatcher(reinterpret_cast<wl_proxy*>(device), noteMode, nullptr, &modes);
+    }
     connection.sync();
     std::optional<bool> applied;
     static constexpr kde_output_configuration_v2_listener listener = {
@@ -39,6 +59,9 @@ void configure(const std::string& socket, Change change) {
         return applied.has_value();
     });
     kde_output_configuration_v2_destroy(configuration);
+    kde_output_management_v2_destroy(management);
+    std::ranges::for_each(modes, kde_output_device_mode_v2_destroy);
+    std::ranges::for_each(devices, kde_output_device_v2_destroy);
     if (applied != true) {
         throw std::runtime_error("KWin does not arrange its outputs as asked");
     }
