@@ -62,3 +62,31 @@ function(lumetry_test name)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
     PROPERTIES LABELS ${arg_LABEL} ${arg_PROPERTIES})
 endfunction()
+
+# lumetry_wayland_protocols(NAME protocol.xml...)
+#
+# A static library that speaks Wayland protocols: for each file a header PROTOCOL-client-protocol.h,
+# written by wayland-scanner, beside libwayland-client itself. They are written right away, so that
+# what is not built can be checked, too.
+function(lumetry_wayland_protocols name)
+  pkg_get_variable(scanner wayland-scanner wayland_scanner)
+  set(folder ${CMAKE_CURRENT_BINARY_DIR}/${name})
+  file(MAKE_DIRECTORY ${folder})
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${ARGN})
+  set(sources)
+  foreach(protocol IN LISTS ARGN)
+    get_filename_component(stem ${protocol} NAME_WE)
+    set(header ${folder}/${stem}-client-protocol.h)
+    set(source ${folder}/${stem}-protocol.c)
+    if(${protocol} IS_NEWER_THAN ${source})
+      execute_process(COMMAND ${scanner} --strict client-header ${protocol} ${header}
+        COMMAND_ERROR_IS_FATAL ANY)
+      execute_process(COMMAND ${scanner} --strict private-code ${protocol} ${source}
+        COMMAND_ERROR_IS_FATAL ANY)
+    endif()
+    list(APPEND sources ${header} ${source})
+  endforeach()
+  add_library(${name} STATIC ${sources})
+  target_include_directories(${name} SYSTEM PUBLIC ${folder})
+  target_link_libraries(${name} PUBLIC PkgConfig::wayland_client)
+endfunction()

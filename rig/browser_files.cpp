@@ -7,7 +7,7 @@
 
 namespace lumetry::desktop {
 
-std::filesystem::path makeProfileFolder(const PrivateDesktop& desktop, const std::string& browser) {
+std::filesystem::path makeProfileFolder(const DesktopSession& desktop, const std::string& browser) {
     std::string profile = (desktop.folder() / (browser + "-XXXXXX")).string();
     if (!mkdtemp(profile.data())) {
         throw std::system_error(errno, std::generic_category(), "mkdtemp " + profile);
@@ -15,7 +15,7 @@ std::filesystem::path makeProfileFolder(const PrivateDesktop& desktop, const std
     return profile;
 }
 
-std::filesystem::path writePage(const PrivateDesktop& desktop, const std::string& html) {
+std::filesystem::path writePage(const DesktopSession& desktop, const std::string& html) {
     auto page = desktop.folder() / "page.html";
     std::ofstream(page) << html;
     return page;

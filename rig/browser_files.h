@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rig/private_desktop.h"
+#include "rig/desktop_session.h"
 
 #include <filesystem>
 #include <string>
@@ -9,11 +9,11 @@ namespace lumetry::desktop {
 
 /// An empty folder of the desktop's for one start of a browser: a second browser of the same
 /// profile would only open a window in the first.
-[[nodiscard]] std::filesystem::path makeProfileFolder(const PrivateDesktop& desktop,
+[[nodiscard]] std::filesystem::path makeProfileFolder(const DesktopSession& desktop,
                                                       const std::string& browser);
 
 /// The page as a file of the desktop's; there is one at a time.
-[[nodiscard]] std::filesystem::path writePage(const PrivateDesktop& desktop,
+[[nodiscard]] std::filesystem::path writePage(const DesktopSession& desktop,
                                               const std::string& html);
 
 } // namespace lumetry::desktop

@@ -47,4 +47,14 @@ Variant property(GDBusConnection& bus, const BusObject& object, const char* inte
     return Variant(value);
 }
 
+bool isOnBus(GDBusConnection& bus, const std::string& name) {
+    const auto answer = call(bus, busItself, busItself.name.c_str(), "NameHasOwner",
+                             g_variant_new("(s)", name.c_str()));
+    gboolean owned = FALSE;
+    if (answer) {
+        g_variant_get(answer.get(), "(b)", &owned);
+    }
+    return owned != FALSE;
+}
+
 } // namespace lumetry::desktop

@@ -29,6 +29,9 @@ struct BusObject {
     std::string path;
 };
 
+/// The bus's own object.
+inline const BusObject busItself = {"org.freedesktop.DBus", "/org/freedesktop/DBus"};
+
 /// Calls a method and returns its answer; empty when it fails.
 /// @param arguments a tuple, floating or not; null for none
 [[nodiscard]] Variant call(GDBusConnection& bus, const BusObject& object, const char* interface,
@@ -36,5 +39,8 @@ struct BusObject {
 /// The value of a property; empty when it cannot be read.
 [[nodiscard]] Variant property(GDBusConnection& bus, const BusObject& object, const char* interface,
                                const char* name);
+
+/// Whether somebody has that name.
+[[nodiscard]] bool isOnBus(GDBusConnection& bus, const std::string& name);
 
 } // namespace lumetry::desktop

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rig/private_desktop.h"
+#include "rig/desktop_session.h"
 
 #include <filesystem>
 #include <string>
@@ -10,10 +10,10 @@ namespace lumetry::desktop {
 /// Starts Chromium with an empty profile over the whole screen, showing one page: the page's origin
 /// is the screen's. Its accessibility tree is asleep, as in everyday use.
 /// @param page an HTML file
-[[nodiscard]] ChildProcess startChromium(PrivateDesktop& desktop,
+[[nodiscard]] ChildProcess startChromium(DesktopSession& desktop,
                                          const std::filesystem::path& page);
 
 /// The same for a page given as its HTML text.
-[[nodiscard]] ChildProcess startChromiumWith(PrivateDesktop& desktop, const std::string& html);
+[[nodiscard]] ChildProcess startChromiumWith(DesktopSession& desktop, const std::string& html);
 
 } // namespace lumetry::desktop

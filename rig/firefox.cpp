@@ -56,7 +56,7 @@ user_pref("trailhead.firstrun.didSeeAboutWelcome", true);
 constexpr const char* applicationName = "PageReader";
 
 /// Makes windows of that class windows of an application of that name.
-void installDesktopEntry(const PrivateDesktop& desktop, const std::string& name) {
+void installDesktopEntry(const DesktopSession& desktop, const std::string& name) {
     const auto folder =
         std::filesystem::path(desktop.environment().at("XDG_DATA_HOME")) / "applications";
     std::filesystem::create_directories(folder);
@@ -67,7 +67,7 @@ void installDesktopEntry(const PrivateDesktop& desktop, const std::string& name)
 
 } // namespace
 
-ChildProcess startFirefox(PrivateDesktop& desktop, const std::filesystem::path& page,
+ChildProcess startFirefox(DesktopSession& desktop, const std::filesystem::path& page,
                           FirefoxGuise guise) {
     const auto profile = makeProfileFolder(desktop, "firefox");
     std::ofstream(profile / "user.js") << preferences;
@@ -81,7 +81,7 @@ ChildProcess startFirefox(PrivateDesktop& desktop, const std::filesystem::path& 
     return desktop.start(command);
 }
 
-ChildProcess startFirefoxWith(PrivateDesktop& desktop, const std::string& html,
+ChildProcess startFirefoxWith(DesktopSession& desktop, const std::string& html,
                               FirefoxGuise guise) {
     return startFirefox(desktop, writePage(desktop, html), guise);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rig/private_desktop.h"
+#include "rig/desktop_session.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -19,11 +19,11 @@ enum class FirefoxGuise : std::uint8_t {
 /// the screen's. As in everyday use, it builds its accessibility tree where an assistive technology
 /// is announced.
 /// @param page an HTML file
-[[nodiscard]] ChildProcess startFirefox(PrivateDesktop& desktop, const std::filesystem::path& page,
+[[nodiscard]] ChildProcess startFirefox(DesktopSession& desktop, const std::filesystem::path& page,
                                         FirefoxGuise guise);
 
 /// The same for a page given as its HTML text.
-[[nodiscard]] ChildProcess startFirefoxWith(PrivateDesktop& desktop, const std::string& html,
+[[nodiscard]] ChildProcess startFirefoxWith(DesktopSession& desktop, const std::string& html,
                                             FirefoxGuise guise);
 
 } // namespace lumetry::desktop

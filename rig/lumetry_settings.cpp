@@ -6,7 +6,7 @@
 namespace lumetry::desktop {
 namespace {
 
-void addSetting(const PrivateDesktop& desktop, const std::string& line) {
+void addSetting(const DesktopSession& desktop, const std::string& line) {
     const auto file = lumetrySettings(desktop);
     std::filesystem::create_directories(file.parent_path());
     const bool begun = std::filesystem::exists(file);
@@ -15,20 +15,20 @@ void addSetting(const PrivateDesktop& desktop, const std::string& line) {
 
 } // namespace
 
-std::filesystem::path lumetrySettings(const PrivateDesktop& desktop) {
+std::filesystem::path lumetrySettings(const DesktopSession& desktop) {
     return std::filesystem::path(desktop.environment().at("XDG_CONFIG_HOME")) / "lumetry" /
            "lumetry.conf";
 }
 
-void markOnboarded(const PrivateDesktop& desktop) {
+void markOnboarded(const DesktopSession& desktop) {
     addSetting(desktop, "lumetry.onboarded=true");
 }
 
-void switchOnDetectLog(const PrivateDesktop& desktop) {
+void switchOnDetectLog(const DesktopSession& desktop) {
     addSetting(desktop, "lumetry.debug=true");
 }
 
-bool isOnboarded(const PrivateDesktop& desktop) {
+bool isOnboarded(const DesktopSession& desktop) {
     std::ifstream file(lumetrySettings(desktop));
     for (std::string line; std::getline(file, line);) {
         if (line == "lumetry.onboarded=true") {

@@ -1,19 +1,19 @@
 #pragma once
 
-#include "rig/private_desktop.h"
+#include "rig/desktop_session.h"
 
 #include <filesystem>
 
 namespace lumetry::desktop {
 
 /// The file in which Lumetry keeps its settings on that desktop.
-[[nodiscard]] std::filesystem::path lumetrySettings(const PrivateDesktop& desktop);
+[[nodiscard]] std::filesystem::path lumetrySettings(const DesktopSession& desktop);
 
 /// Has Lumetry find that its onboarding was gone through.
-void markOnboarded(const PrivateDesktop& desktop);
+void markOnboarded(const DesktopSession& desktop);
 /// Has Lumetry write its detection log from its next start on.
-void switchOnDetectLog(const PrivateDesktop& desktop);
+void switchOnDetectLog(const DesktopSession& desktop);
 /// Whether Lumetry has noted that its onboarding was gone through.
-[[nodiscard]] bool isOnboarded(const PrivateDesktop& desktop);
+[[nodiscard]] bool isOnboarded(const DesktopSession& desktop);
 
 } // namespace lumetry::desktop

@@ -25,6 +25,7 @@ std::string debianPackageOf(const std::string& program) {
         {"firefox-esr", "firefox-esr"},
         {"gtk3-widget-factory", "gtk-3-examples"},
         {"openbox", "openbox"},
+        {"kwin_wayland", "kwin-wayland"},
         {"picom", "picom"},
     };
     const auto found = packages.find(program);

@@ -1,9 +1,9 @@
 #include "capture_rig.h"
-#include "counting_rasterizer.h"
 
 #include "platform/overlay_window.h"
 #include "rig/desktop_windows.h"
 #include "rig/screenshot.h"
+#include "support/counting_rasterizer/counting_rasterizer.h"
 #include "support/pictures/pictures.h"
 
 #include <gmock/gmock.h>

@@ -1,8 +1,8 @@
-#include "counting_rasterizer.h"
 #include "x11_rig.h"
 
 #include "platform/overlay_window.h"
 #include "rig/processes/programs.h"
+#include "support/counting_rasterizer/counting_rasterizer.h"
 
 #include <gmock/gmock.h>
 #include <unistd.h>

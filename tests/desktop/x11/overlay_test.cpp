@@ -1,10 +1,10 @@
-#include "counting_rasterizer.h"
 #include "x11_rig.h"
 
 #include "platform/linux/x11/connection/reply.h"
 #include "platform/overlay_window.h"
 #include "rig/monitors.h"
 #include "rig/screenshot.h"
+#include "support/counting_rasterizer/counting_rasterizer.h"
 #include "support/pictures/pictures.h"
 
 #include <gmock/gmock.h>

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "platform/linux/tiles/tiles.h"
 #include "platform/linux/x11/connection/connection.h"
 #include "platform/linux/x11/overlay/pixels.h"
-#include "platform/linux/x11/overlay/tiles.h"
 #include "platform/rasterizer.h"
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "platform/linux/x11/overlay/tiles.h"
+#include "platform/linux/tiles/tiles.h"
 
 #include <algorithm>
 #include <array>
@@ -12,7 +12,7 @@
 #include <tuple>
 #include <utility>
 
-namespace lumetry::x11 {
+namespace lumetry {
 namespace {
 
 /// Pixels. Smaller tiles would follow edges more closely, but each has its own cost.
@@ -331,4 +331,4 @@ bool covers(std::span<const IntRect> pieces, const IntRect& rect) {
     return left.empty();
 }
 
-} // namespace lumetry::x11
+} // namespace lumetry

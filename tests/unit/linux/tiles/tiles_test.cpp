@@ -1,4 +1,4 @@
-#include "platform/linux/x11/overlay/tiles.h"
+#include "platform/linux/tiles/tiles.h"
 #include "platform/qt/painter_rasterizer.h"
 #include "support/pictures/pictures.h"
 
@@ -15,7 +15,7 @@
 #include <random>
 #include <vector>
 
-namespace lumetry::x11 {
+namespace lumetry {
 namespace {
 
 constexpr IntSize view = {640, 480};
@@ -233,4 +233,4 @@ TEST(OverlayTilesCover, NeedsEveryPart) {
 }
 
 } // namespace
-} // namespace lumetry::x11
+} // namespace lumetry

@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-namespace lumetry::x11 {
+namespace lumetry {
 
 /// How an area of a drawing gets onto the screen with as few pixels computed as can be. The parts
 /// do not overlap. All rectangles are pixels of view space.
@@ -40,4 +40,4 @@ struct TilePlan {
 /// Whether the pieces leave nothing of the rectangle out.
 [[nodiscard]] bool covers(std::span<const IntRect> pieces, const IntRect& rect);
 
-} // namespace lumetry::x11
+} // namespace lumetry
