@@ -2,6 +2,7 @@
 
 #include "platform/linux/lock/lock_services.h"
 #include "platform/linux/loop/idle_loop.h"
+#include "platform/linux/plasma/desktop.h"
 #include "platform/linux/windows/root_space.h"
 
 #include <cmath>
@@ -9,6 +10,7 @@
 #include <iostream>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace lumetry {
 namespace {
@@ -42,6 +44,11 @@ LinuxDesktop::LinuxDesktop(const ApplicationMaker& makeApplication)
 
 std::unique_ptr<LinuxDesktop> LinuxDesktop::open(const ApplicationMaker& makeApplication,
                                                  std::string& problem) {
+    if (PlasmaDesktop::isPresent()) {
+        setenv("QT_QPA_PLATFORM", "wayland;offscreen", 0);
+        std::unique_ptr<LinuxDesktop> desktop(new LinuxDesktop(makeApplication));
+        return desktop->connectToPlasma(problem) ? std::move(desktop) : nullptr;
+    }
     // Qt ends the process without a display, so that this has to be known before. A server that
     // nobody else is connected to may begin anew once the last one leaves: until Qt is there, this
     // connection stays.
@@ -55,35 +62,54 @@ std::unique_ptr<LinuxDesktop> LinuxDesktop::open(const ApplicationMaker& makeApp
         scaleQt(*scale);
     }
     std::unique_ptr<LinuxDesktop> desktop(new LinuxDesktop(makeApplication));
-    if (!desktop->connect(problem)) {
-        return nullptr;
-    }
-    return desktop;
+    return desktop->connectToX11(problem) ? std::move(desktop) : nullptr;
 }
 
-bool LinuxDesktop::connect(std::string& problem) {
-    x11_ = X11Desktop::open(loop_, loop_, problem, chosenScale(defaults_));
-    if (!x11_) {
+bool LinuxDesktop::connectToX11(std::string& problem) {
+    auto x11 = X11Desktop::open(loop_, loop_, problem, chosenScale(defaults_));
+    if (!x11) {
         return false;
     }
-    x11_->onConnectionLost([this] {
+    x11_ = x11.get();
+    display_ = std::move(x11);
+    display_->onConnectionLost([this] {
         std::cerr << "lumetry: the X server closed the connection; start Lumetry again on a "
                      "running display\n";
         quit(EXIT_FAILURE);
     });
-    applications_.emplace(x11_->desktopWindows());
-    accessibility_.emplace(x11_->desktopWindows(), loop_);
+    putTogether();
+    return true;
+}
+
+bool LinuxDesktop::connectToPlasma(std::string& problem) {
+    display_ = PlasmaDesktop::open(loop_, loop_, problem);
+    if (!display_) {
+        return false;
+    }
+    display_->onConnectionLost([this] {
+        std::cerr << "lumetry: the Wayland compositor closed the connection; start Lumetry again "
+                     "in a running session\n";
+        quit(EXIT_FAILURE);
+    });
+    putTogether();
+    return true;
+}
+
+void LinuxDesktop::putTogether() {
+    applications_.emplace(display_->desktopWindows());
+    accessibility_.emplace(display_->desktopWindows(), loop_);
     screenLock_.emplace(loop_, [this] {
         LinuxScreenLock::Watches watches;
-        watches.push_back(x11_->watchLock());
+        if (auto watch = display_->watchLock()) {
+            watches.push_back(std::move(watch));
+        }
         watches.push_back(watchLockServices(loop_));
         return watches;
     });
-    platform_.emplace(Platform{*accessibility_, x11_->windowServer(), x11_->pointer(),
-                               x11_->eventMonitors(), *applications_, fileSystem_, loop_, defaults_,
-                               x11_->overlayWindows(rasterizer_), x11_->screenCapture(),
-                               *screenLock_});
-    return true;
+    platform_.emplace(Platform{*accessibility_, display_->windowServer(), display_->pointer(),
+                               display_->eventMonitors(), *applications_, fileSystem_, loop_,
+                               defaults_, display_->overlayWindows(rasterizer_),
+                               display_->screenCapture(), *screenLock_});
 }
 
 int LinuxDesktop::run() {
@@ -92,7 +118,7 @@ int LinuxDesktop::run() {
 }
 
 RoundTrips LinuxDesktop::roundTrips() const {
-    return {accessibility_->requests(), accessibility_->waits(), x11_->roundTrips()};
+    return {accessibility_->requests(), accessibility_->waits(), display_->roundTrips()};
 }
 
 std::unique_ptr<NativeDesktop> NativeDesktop::open(int& argc, char** argv, std::string& problem) {

@@ -2,6 +2,7 @@
 
 #include "platform/linux/applications/applications.h"
 #include "platform/linux/atspi/accessibility.h"
+#include "platform/linux/display/linux_display.h"
 #include "platform/linux/system/file_system.h"
 #include "platform/linux/x11/desktop.h"
 #include "platform/native/linux_screen_lock.h"
@@ -20,7 +21,7 @@
 
 namespace lumetry {
 
-/// The Linux desktop: AT-SPI and X11, with Qt's loop and drawing.
+/// The Linux desktop: AT-SPI and X11, or Plasma on Wayland, with Qt's loop and drawing.
 class LinuxDesktop final : public NativeDesktop {
 public:
     /// Makes Qt's application object, of the kind that the program needs.
@@ -39,11 +40,15 @@ public:
     }
     [[nodiscard]] RoundTrips roundTrips() const override;
 
-    [[nodiscard]] X11Desktop& x11() { return *x11_; }
+    [[nodiscard]] LinuxDisplay& display() { return *display_; }
+    /// Null in a Wayland session.
+    [[nodiscard]] X11Desktop* x11() { return x11_; }
 
 private:
     explicit LinuxDesktop(const ApplicationMaker& makeApplication);
-    [[nodiscard]] bool connect(std::string& problem);
+    [[nodiscard]] bool connectToX11(std::string& problem);
+    [[nodiscard]] bool connectToPlasma(std::string& problem);
+    void putTogether();
 
     TerminationSignals terminationSignals_;
     std::unique_ptr<QGuiApplication> application_;
@@ -51,7 +56,8 @@ private:
     QtDefaults defaults_;
     PainterRasterizer rasterizer_;
     LinuxFileSystem fileSystem_;
-    std::unique_ptr<X11Desktop> x11_;
+    std::unique_ptr<LinuxDisplay> display_;
+    X11Desktop* x11_ = nullptr;
     std::optional<LinuxApplications> applications_;
     std::optional<AtspiAccessibility> accessibility_;
     std::optional<LinuxScreenLock> screenLock_;

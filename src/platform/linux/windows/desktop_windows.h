@@ -19,6 +19,10 @@ struct DesktopWindow {
     Rect bounds;              ///< pixels of the root window, with its decorations, without shadow
     bool popup = false;       ///< a menu, drop-down, tooltip or the like
     Rect client = {};         ///< the same without its decorations
+    /// What its application draws, shadow included; only where applications count from their
+    /// windows, as nothing tells them where those are.
+    std::optional<Rect> surface = {};
+    double pixelsPerUnit = 1; ///< device pixels for each unit of the places above
 };
 
 /// What a process's windows say of it.
@@ -45,6 +49,8 @@ public:
     [[nodiscard]] virtual std::optional<DesktopWindow> windowAt(Point point,
                                                                 std::optional<pid_t> pid) = 0;
     [[nodiscard]] virtual ProcessWindows windowsOf(pid_t pid) = 0;
+    /// Whether applications do not know where their windows are.
+    [[nodiscard]] virtual bool placesAreInWindows() const { return false; }
 };
 
 } // namespace lumetry

@@ -1,17 +1,9 @@
 #pragma once
 
 #include "base/color.h"
-#include "platform/linux/lock/lock_watch.h"
+#include "platform/linux/display/linux_display.h"
 #include "platform/linux/loop/file_descriptor_watcher.h"
-#include "platform/linux/windows/desktop_windows.h"
-#include "platform/rasterizer.h"
 #include "platform/run_loop.h"
-
-#include "platform/hot_keys.h"
-#include "platform/input.h"
-#include "platform/overlay_window.h"
-#include "platform/screen_capture.h"
-#include "platform/window_server.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -22,9 +14,8 @@
 
 namespace lumetry {
 
-/// The X11 side of the desktop. Everything it has handed out ends before it does; tokens may
-/// outlive it.
-class X11Desktop {
+/// The X11 side of the desktop.
+class X11Desktop final : public LinuxDisplay {
 public:
     /// Connects to the X server that $DISPLAY names.
     /// @param problem a sentence for the user that says what to do, when the answer is empty
@@ -34,23 +25,21 @@ public:
          std::optional<double> chosenScale = std::nullopt);
     X11Desktop(const X11Desktop&) = delete;
     X11Desktop& operator=(const X11Desktop&) = delete;
-    ~X11Desktop();
+    ~X11Desktop() override;
 
-    [[nodiscard]] WindowServer& windowServer();
-    [[nodiscard]] DesktopWindows& desktopWindows();
-    [[nodiscard]] Pointer& pointer();
-    [[nodiscard]] EventMonitors& eventMonitors();
-    [[nodiscard]] ScreenCapture& screenCapture();
-    [[nodiscard]] HotKeys& hotKeys();
-    /// Calls the handler when a hot key that was registered turns out to be another program's,
-    /// once.
-    void onHotKeyTaken(std::function<void()> handler);
-    /// @param rasterizer draws the windows' contents, and outlives them; that of the first call
-    /// counts
-    [[nodiscard]] OverlayWindows& overlayWindows(const Rasterizer& rasterizer);
-
+    [[nodiscard]] WindowServer& windowServer() override;
+    [[nodiscard]] DesktopWindows& desktopWindows() override;
+    [[nodiscard]] Pointer& pointer() override;
+    [[nodiscard]] EventMonitors& eventMonitors() override;
+    [[nodiscard]] ScreenCapture& screenCapture() override;
+    [[nodiscard]] HotKeys& hotKeys() override;
+    void onHotKeyTaken(std::function<void()> handler) override;
+    [[nodiscard]] OverlayWindows& overlayWindows(const Rasterizer& rasterizer) override;
     /// Watches for a locker's window, and the server's screen saver.
-    [[nodiscard]] std::unique_ptr<LockWatch> watchLock();
+    [[nodiscard]] std::unique_ptr<LockWatch> watchLock() override;
+    void onConnectionLost(std::function<void()> handler) override;
+    [[nodiscard]] std::size_t roundTrips() const override;
+
     /// The platform's code of a key: that of Escape or M, else keyCodeUnknown.
     /// @param key the server's code
     [[nodiscard]] std::uint16_t keyCode(std::uint32_t key);
@@ -62,12 +51,6 @@ public:
     [[nodiscard]] std::optional<Color> systemTrayForeground();
     /// Calls the handler whenever such a tray has come or gone.
     [[nodiscard]] Token onSystemTrayChange(std::function<void()> handler);
-
-    /// Calls the handler once, from the main queue, when the server has gone. From then on
-    /// everything is absent.
-    void onConnectionLost(std::function<void()> handler);
-    /// How often the program has had to wait for the server so far.
-    [[nodiscard]] std::size_t roundTrips() const;
 
 private:
     struct Parts;

@@ -9,6 +9,7 @@
 #include "platform/qt/widgets/running_instance.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 
 #include <iostream>
 #include <utility>
@@ -24,10 +25,18 @@ std::string unansweredProblem(pid_t process) {
            "\", and start it again.";
 }
 
-KeyboardReader keyboardReader(X11Desktop& x11) {
-    return {[&x11](std::uint32_t key) { return x11.keyCode(key); },
-            [&x11](std::uint32_t key) { return x11.isModifier(key); },
-            [&x11] { return x11.pointer().modifierFlags(); }};
+/// What a key event of Qt's carries is the state before it: the X server is asked.
+KeyboardReader x11KeyboardReader(X11Desktop& x11) {
+    return {[&x11](const QKeyEvent& key) { return x11.keyCode(key.nativeScanCode()); },
+            [&x11](const QKeyEvent& key) { return x11.isModifier(key.nativeScanCode()); },
+            [&x11](const QKeyEvent* /*key*/) { return x11.pointer().modifierFlags(); }};
+}
+
+std::unique_ptr<EmbeddingTray> embeddingTrayOf(LinuxDesktop& desktop) {
+    if (desktop.x11() != nullptr) {
+        return std::make_unique<X11EmbeddingTray>(*desktop.x11());
+    }
+    return std::make_unique<NoEmbeddingTray>();
 }
 
 class LinuxShell final : public NativeShell {
@@ -35,9 +44,11 @@ public:
     LinuxShell(std::unique_ptr<LinuxDesktop> desktop, std::unique_ptr<RunningInstance> instance,
                const QProcessEnvironment& environment)
         : desktop_(std::move(desktop)), instance_(std::move(instance)),
-          embeddingTray_(desktop_->x11()), statusBar_(embeddingTray_),
-          localEventMonitors_(keyboardReader(desktop_->x11())), // which outlives them
-          application_(environment), platform_{desktop_->platform(), desktop_->x11().hotKeys(),
+          embeddingTray_(embeddingTrayOf(*desktop_)), statusBar_(*embeddingTray_),
+          // The desktop outlives them.
+          localEventMonitors_(desktop_->x11() != nullptr ? x11KeyboardReader(*desktop_->x11())
+                                                         : qtKeyboardReader()),
+          application_(environment), platform_{desktop_->platform(), desktop_->display().hotKeys(),
                                                localEventMonitors_, application_, statusBar_} {}
 
     [[nodiscard]] const ShellPlatform& platform() const override { return platform_; }
@@ -45,7 +56,7 @@ public:
     [[nodiscard]] int run(ApplicationDelegate& delegate) override {
         instance_->onReopen(
             [&delegate] { delegate.applicationShouldHandleReopen(hasVisibleWindows()); });
-        desktop_->x11().onHotKeyTaken([] {
+        desktop_->display().onHotKeyTaken([] {
             std::cerr << "lumetry: another program has taken Control-Shift-M; until it lets go of "
                          "it, use the tray's menu, or start lumetry again for its control panel\n";
         });
@@ -66,7 +77,7 @@ public:
 private:
     std::unique_ptr<LinuxDesktop> desktop_;
     std::unique_ptr<RunningInstance> instance_;
-    X11EmbeddingTray embeddingTray_;
+    std::unique_ptr<EmbeddingTray> embeddingTray_;
     QtStatusBar statusBar_;
     QtLocalEventMonitors localEventMonitors_;
     QtOwnApplication application_;

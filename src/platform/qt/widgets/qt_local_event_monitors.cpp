@@ -13,7 +13,7 @@ QtLocalEventMonitors::QtLocalEventMonitors(KeyboardReader keyboard)
 }
 
 Token QtLocalEventMonitors::addLocalMonitorForEvents(EventMask mask, Handler handler) {
-    flags_ = keyboard_.modifierFlags();
+    flags_ = keyboard_.modifierFlags(nullptr);
     return monitors_.add([mask, handler = std::move(handler)](const Event& event) {
         return (mask & eventMask(event.type)) != 0 ? handler(event) : EventFate::passOn;
     });
@@ -27,7 +27,7 @@ bool QtLocalEventMonitors::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
     case QEvent::FocusIn:
         // Modifiers may have come and gone while another program had the keyboard.
-        deliverFlags(keyCodeUnknown);
+        deliverFlags(keyCodeUnknown, nullptr);
         return false;
     case QEvent::KeyPress:
     case QEvent::KeyRelease:
@@ -38,20 +38,18 @@ bool QtLocalEventMonitors::eventFilter(QObject* watched, QEvent* event) {
 }
 
 EventFate QtLocalEventMonitors::deliverKey(const QKeyEvent& key) {
-    const std::uint32_t native = key.nativeScanCode();
-    const std::uint16_t keyCode = keyboard_.keyCode(native);
-    if (deliverFlags(keyCode) == EventFate::swallow) {
+    const std::uint16_t keyCode = keyboard_.keyCode(key);
+    if (deliverFlags(keyCode, &key) == EventFate::swallow) {
         return EventFate::swallow;
     }
-    if (key.type() != QEvent::KeyPress || keyboard_.isModifier(native)) {
+    if (key.type() != QEvent::KeyPress || keyboard_.isModifier(key)) {
         return EventFate::passOn;
     }
     return deliver({EventType::keyDown, keyCode, flags_});
 }
 
-EventFate QtLocalEventMonitors::deliverFlags(std::uint16_t keyCode) {
-    // What a key event carries is the state before it.
-    const ModifierFlags flags = keyboard_.modifierFlags();
+EventFate QtLocalEventMonitors::deliverFlags(std::uint16_t keyCode, const QKeyEvent* key) {
+    const ModifierFlags flags = keyboard_.modifierFlags(key);
     if (std::exchange(flags_, flags) == flags) {
         return EventFate::passOn;
     }

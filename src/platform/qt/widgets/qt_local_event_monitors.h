@@ -2,22 +2,13 @@
 
 #include "base/handler_list.h"
 #include "platform/local_event_monitors.h"
+#include "platform/qt/widgets/keyboard_reader.h"
 
 #include <QObject>
 
 #include <cstdint>
-#include <functional>
-
-class QKeyEvent;
 
 namespace lumetry {
-
-/// What the window system knows of the keyboard.
-struct KeyboardReader {
-    std::function<std::uint16_t(std::uint32_t key)> keyCode; ///< of a key that it has a code for
-    std::function<bool(std::uint32_t key)> isModifier;
-    std::function<ModifierFlags()> modifierFlags; ///< at this moment
-};
 
 /// Keys on their way to the program's own windows. Needs a QGuiApplication.
 class QtLocalEventMonitors final : public QObject, public LocalEventMonitors {
@@ -29,7 +20,7 @@ public:
 private:
     bool eventFilter(QObject* watched, QEvent* event) override;
     /// Tells of the modifiers if they are not the ones that were told last.
-    EventFate deliverFlags(std::uint16_t keyCode);
+    EventFate deliverFlags(std::uint16_t keyCode, const QKeyEvent* key);
     [[nodiscard]] EventFate deliverKey(const QKeyEvent& key);
     [[nodiscard]] EventFate deliver(const Event& event);
 

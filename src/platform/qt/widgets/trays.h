@@ -24,4 +24,12 @@ public:
     [[nodiscard]] virtual std::optional<QColor> foreground() = 0;
 };
 
+/// Where the window system has none.
+class NoEmbeddingTray final : public EmbeddingTray {
+public:
+    [[nodiscard]] bool isPresent() override { return false; }
+    [[nodiscard]] Token onChange(std::function<void()> /*handler*/) override { return {}; }
+    [[nodiscard]] std::optional<QColor> foreground() override { return std::nullopt; }
+};
+
 } // namespace lumetry

@@ -16,8 +16,8 @@ namespace lumetry::atspi {
 /// What all elements share. It outlives every use of them.
 struct Context {
     Context(DesktopWindows& desktopWindows, FileDescriptorWatcher& watcher)
-        : windows(desktopWindows), bus(watcher), cache(bus, toolkits), processes(bus),
-          hitTest(windows, bus, cache, processes, toolkits) {}
+        : windows(desktopWindows), bus(watcher), toolkits(desktopWindows.placesAreInWindows()),
+          cache(bus, toolkits), processes(bus), hitTest(windows, bus, cache, processes, toolkits) {}
 
     DesktopWindows& windows;
     Bus bus;

@@ -61,18 +61,18 @@ std::optional<ObjectReference> HitTest::objectIn(const DesktopWindow& window, pi
         if (!topLevel) {
             return std::nullopt;
         }
-        const Placement placement =
-            topLevel->toolkit == Toolkit::chromium ? Placement() : placementOf(topLevel->object);
+        const bool countsFromScreen = topLevel->toolkit == Toolkit::chromium && !window.surface;
+        const Placement placement = countsFromScreen ? Placement() : placementOf(topLevel->object);
         const IntPoint at = unitAt(point, placement);
-        const bool inPixels = habitsOf(topLevel->toolkit).hitsInPixels;
-        const HitPoint hit = {inPixels ? unitAt(point, Placement()) : at, at};
-        PointQueries queries(cache_, hit, topLevel->toolkit, deadline);
+        const Habits& habits = toolkits_.habits(topLevel->toolkit);
+        const HitPoint hit = {habits.hitsInPixels ? unitAt(point, Placement()) : at, at};
+        PointQueries queries(cache_, hit, habits, deadline);
         if (lastTopLevel_ == topLevel->object) {
             askAboutLastWay(queries);
         }
         Descent descent = descend(queries, popovers_, *topLevel);
         if (descent.object && *descent.object != topLevel->object) {
-            askWhatTellsRole(queries, *descent.object, habitsOf(topLevel->toolkit));
+            askWhatTellsRole(queries, *descent.object, habits);
         }
         // Of one that was too slow, too: the next hit test begins where this one ended.
         if (descent.object || descent.outcome == Outcome::silent) {

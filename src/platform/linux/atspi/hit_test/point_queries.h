@@ -26,8 +26,9 @@ struct HitPoint {
 class PointQueries {
 public:
     /// @param cache keeps replies for as long as this lives
-    PointQueries(ReplyCache& cache, const HitPoint& at, Toolkit toolkit, Deadline deadline)
-        : cache_(cache), at_(at), habits_(habitsOf(toolkit)), deadline_(deadline) {}
+    /// @param habits of the application that is asked
+    PointQueries(ReplyCache& cache, const HitPoint& at, const Habits& habits, Deadline deadline)
+        : cache_(cache), at_(at), habits_(habits), deadline_(deadline) {}
 
     /// To be compared with reported places.
     [[nodiscard]] IntPoint at() const { return at_.reported; }

@@ -64,6 +64,20 @@ Placement placementInside(const IntRect& reported, const Rect& client) {
              client.y + (client.height - reported.height * scale) / 2}};
 }
 
+Placement placementOnSurface(const IntRect& reported, const Rect& client, const Rect& frame,
+                             const Rect& surface) {
+    const auto difference = [&](const Rect& rect) {
+        return std::abs(rect.width - reported.width) + std::abs(rect.height - reported.height);
+    };
+    Rect drawn = client;
+    for (const Rect& other : {frame, surface}) {
+        if (difference(other) < difference(drawn)) {
+            drawn = other;
+        }
+    }
+    return {1, {drawn.x - reported.x, drawn.y - reported.y}};
+}
+
 Placement placementFilling(const IntRect& reported, const Rect& client) {
     const double scale =
         scaleBetween({0, 0, reported.width, reported.height}, {0, 0, client.width, client.height});

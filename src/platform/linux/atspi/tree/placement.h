@@ -29,6 +29,13 @@ struct Placement {
 /// @param client pixels of the root window, without decorations and shadow
 [[nodiscard]] Placement placementInside(const IntRect& reported, const Rect& client);
 
+/// Of an application that counts from what it draws, which may be its window with or without
+/// decorations, or with its shadow: it is that of which the size is nearest to what it reports of
+/// itself.
+/// @param client, frame, surface in the units of the root window
+[[nodiscard]] Placement placementOnSurface(const IntRect& reported, const Rect& client,
+                                           const Rect& frame, const Rect& surface);
+
 /// Of something in such an application that has a window of its own, which it fills: of its place
 /// only the size counts, as it is said to lie where what has opened it begins.
 /// @param client as above

@@ -221,7 +221,7 @@ bool TextLeaves::mayHoldText(const ObjectReference& object) const {
 /// The pieces that have no objects, without their places yet.
 std::vector<TextLeaf> TextLeaves::piecesOfOwn(const ObjectReference& object, Deadline deadline) {
     const Toolkit toolkit = toolkits_.of(object);
-    const Habits& habits = habitsOf(toolkit);
+    const Habits& habits = toolkits_.habits(toolkit);
     if (asksMayHoldText(toolkit) && !mayHoldText(object)) {
         return {};
     }

@@ -1,6 +1,7 @@
 #include "platform/linux/atspi/tree/toolkits.h"
 
 #include <array>
+#include <map>
 #include <utility>
 
 namespace lumetry::atspi {
@@ -72,6 +73,23 @@ const Habits& habitsOf(Toolkit toolkit) {
         break;
     }
     return standard;
+}
+
+const Habits& habitsInWindows(Toolkit toolkit) {
+    static const auto all = [] {
+        std::map<Toolkit, Habits> habits;
+        for (const Toolkit one :
+             {Toolkit::gtk, Toolkit::gtk4, Toolkit::libreOffice, Toolkit::chromium, Toolkit::gecko,
+              Toolkit::qt, Toolkit::java, Toolkit::other}) {
+            Habits own = habitsOf(one);
+            own.coordinates = ATSPI_COORD_TYPE_WINDOW;
+            own.hitsInPixels = false;
+            own.rounding = Rounding::none;
+            habits.emplace(one, own);
+        }
+        return habits;
+    }();
+    return all.at(toolkit);
 }
 
 } // namespace lumetry::atspi

@@ -61,10 +61,16 @@ struct Habits {
 };
 
 [[nodiscard]] const Habits& habitsOf(Toolkit toolkit);
+/// The same on a desktop that tells no application where its windows are.
+[[nodiscard]] const Habits& habitsInWindows(Toolkit toolkit);
 
 /// What the applications on the bus are built with.
 class Toolkits {
 public:
+    /// @param onlyInWindows nothing tells applications where their windows are, so that all of them
+    /// are asked for places in these
+    explicit Toolkits(bool onlyInWindows = false) : onlyInWindows_(onlyInWindows) {}
+
     void remember(const std::string& application, Toolkit toolkit) {
         toolkits_.insert_or_assign(application, toolkit);
     }
@@ -75,10 +81,14 @@ public:
         return toolkit == toolkits_.end() ? Toolkit::other : toolkit->second;
     }
     [[nodiscard]] const Habits& habitsFor(const ObjectReference& object) const {
-        return habitsOf(of(object));
+        return habits(of(object));
+    }
+    [[nodiscard]] const Habits& habits(Toolkit toolkit) const {
+        return onlyInWindows_ ? habitsInWindows(toolkit) : habitsOf(toolkit);
     }
 
 private:
+    bool onlyInWindows_;
     std::map<std::string, Toolkit> toolkits_; ///< by the connection's name
 };
 

@@ -24,10 +24,6 @@ constexpr int mostSearches = 3;
 /// Windows as alike as this cannot be told apart by their places.
 constexpr double ambiguity = 0.02;
 
-bool countsFromWindow(Toolkit toolkit) {
-    return habitsOf(toolkit).coordinates == ATSPI_COORD_TYPE_WINDOW;
-}
-
 /// The same as from the window's own origin, which goes with it when it is moved.
 Placement relativeTo(const DesktopWindow& window, const Placement& placement) {
     return {placement.scale,
@@ -39,10 +35,10 @@ Placement relativeTo(const DesktopWindow& window, const Placement& placement) {
 std::optional<TopLevel> TopLevels::at(Point at, const DesktopWindow& window, pid_t pid,
                                       Deadline deadline) {
     auto topLevel = find(window, pid, deadline);
-    if (topLevel && habitsOf(topLevel->toolkit).placelessFrames) {
+    if (topLevel && toolkits_.habits(topLevel->toolkit).placelessFrames) {
         framePlaces_.insert_or_assign(topLevel->object, window.bounds);
     }
-    if (!topLevel || !habitsOf(topLevel->toolkit).embeds) {
+    if (!topLevel || !toolkits_.habits(topLevel->toolkit).embeds) {
         return topLevel;
     }
     // What was hit before may have lain below the menu bar of this window or another one.
@@ -112,7 +108,12 @@ std::optional<TopLevel> TopLevels::find(const DesktopWindow& window, pid_t pid, 
         };
         return rank(a) > rank(b);
     });
-    const Candidate& best = candidates.front();
+    Candidate& best = candidates.front();
+    if (window.surface && best.topLevel.toolkit == Toolkit::chromium) {
+        // Its window is reported in points there, and what is on its pages in device pixels.
+        framePlaces_.insert_or_assign(best.topLevel.object, best.place);
+        best.placement.scale = 1 / window.pixelsPerUnit;
+    }
     const bool fits = best.showing && lieAlike(best.place, window.bounds);
     const bool distinct = candidates.size() == 1 || best.active ||
                           best.showing != candidates[1].showing ||
@@ -185,7 +186,7 @@ std::vector<TopLevels::Candidate> TopLevels::rate(const std::vector<TopLevel>& t
         const auto states = replies.get<Question::states>(topLevel.object).value_or(0);
         Candidate candidate;
         candidate.topLevel = topLevel;
-        candidate.showing = hasState(states, habitsOf(topLevel.toolkit).shown);
+        candidate.showing = hasState(states, toolkits_.habits(topLevel.toolkit).shown);
         candidate.active = hasState(states, ATSPI_STATE_ACTIVE);
         if (const auto content = contents.find(topLevel.object); content != contents.end()) {
             const IntRect& inside = content->second;
@@ -203,8 +204,15 @@ std::vector<TopLevels::Candidate> TopLevels::rate(const std::vector<TopLevel>& t
     return candidates;
 }
 
+bool TopLevels::countsFromWindow(Toolkit toolkit) const {
+    return toolkits_.habits(toolkit).coordinates == ATSPI_COORD_TYPE_WINDOW;
+}
+
 Placement TopLevels::placementFrom(const IntRect& reported, const TopLevel& topLevel,
                                    const DesktopWindow& window) const {
+    if (window.surface) {
+        return placementOnSurface(reported, window.client, window.bounds, *window.surface);
+    }
     if (countsFromWindow(topLevel.toolkit)) {
         return placementInside(reported, window.client);
     }
@@ -218,7 +226,7 @@ std::map<ObjectReference, IntRect> TopLevels::contentsOf(const std::vector<TopLe
                                                          Deadline deadline) {
     std::vector<Query> frames;
     for (const auto& [object, toolkit] : topLevels) {
-        if (habitsOf(toolkit).placelessFrames) {
+        if (toolkits_.habits(toolkit).placelessFrames) {
             frames.push_back({object, Question::children});
         }
     }
@@ -281,9 +289,9 @@ std::optional<TopLevel> TopLevels::searchPopup(const std::vector<TopLevel>& topL
 /// pages in pixels.
 void TopLevels::learnPlacement(const Candidate& candidate) {
     const auto& [object, toolkit] = candidate.topLevel;
-    if (toolkit == Toolkit::chromium) {
+    if (toolkit == Toolkit::chromium && !countsFromWindow(toolkit)) {
         windowScales_[object] = candidate.placement.scale;
-    } else if (countsFromWindow(toolkit) || habitsOf(toolkit).placelessFrames) {
+    } else if (countsFromWindow(toolkit) || toolkits_.habits(toolkit).placelessFrames) {
         placements_.insert_or_assign(object.name, candidate.placement);
     } else {
         placements_.emplace(object.name, candidate.placement);

@@ -80,6 +80,7 @@ private:
     [[nodiscard]] std::vector<TopLevel> topLevelsOf(pid_t pid, Deadline deadline);
     [[nodiscard]] std::vector<Candidate> rate(const std::vector<TopLevel>& topLevels,
                                               const DesktopWindow& window, Deadline deadline);
+    [[nodiscard]] bool countsFromWindow(Toolkit toolkit) const;
     [[nodiscard]] Placement placementFrom(const IntRect& reported, const TopLevel& topLevel,
                                           const DesktopWindow& window) const;
     [[nodiscard]] std::map<ObjectReference, IntRect>

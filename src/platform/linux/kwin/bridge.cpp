@@ -1,0 +1,374 @@
+#include "platform/linux/kwin/bridge.h"
+
+#include "base/text.h"
+#include "platform/linux/kwin/call.h"
+#include "platform/linux/kwin/script.h"
+#include "platform/linux/system/environment.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <fstream>
+#include <utility>
+
+namespace lumetry::kwin {
+namespace {
+
+constexpr const char* service = "org.kde.KWin";
+constexpr const char* scriptingPath = "/Scripting";
+constexpr const char* scriptingInterface = "org.kde.kwin.Scripting";
+constexpr const char* scriptInterface = "org.kde.kwin.Script";
+constexpr const char* ownInterface = "app.lumetry.KWin";
+constexpr const char* scriptName = "lumetry";
+constexpr double lingerSeconds = 2;
+constexpr double checkSeconds = 2;
+
+BusMessage callOf(const std::string& path, const char* interface, const char* method,
+                  const std::vector<std::string>& texts = {}) {
+    BusMessage call(dbus_message_new_method_call(service, path.c_str(), interface, method));
+    for (const std::string& text : texts) {
+        const char* letters = text.c_str();
+        dbus_message_append_args(call.get(), DBUS_TYPE_STRING, &letters, DBUS_TYPE_INVALID);
+    }
+    dbus_message_set_auto_start(call.get(), FALSE);
+    return call;
+}
+
+std::optional<double> numberIn(const std::string& text) {
+    double value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    return error == std::errc() && end == text.data() + text.size() ? std::optional(value)
+                                                                    : std::nullopt;
+}
+
+std::optional<std::vector<double>> numbersIn(const std::string& text, std::size_t count) {
+    std::vector<double> values;
+    for (const std::string& word : nonEmptyParts(text, ' ')) {
+        const auto value = numberIn(word);
+        if (!value) {
+            return std::nullopt;
+        }
+        values.push_back(*value);
+    }
+    return values.size() == count ? std::optional(std::move(values)) : std::nullopt;
+}
+
+std::optional<Rect> rectIn(const std::string& text) {
+    const auto values = numbersIn(text, 4);
+    return values ? std::optional(Rect{(*values)[0], (*values)[1], (*values)[2], (*values)[3]})
+                  : std::nullopt;
+}
+
+Kind kindNamed(const std::string& name) {
+    constexpr std::array<std::pair<std::string_view, Kind>, 4> kinds = {
+        {{"desktop", Kind::desktop},
+         {"dock", Kind::dock},
+         {"popup", Kind::popup},
+         {"floating", Kind::floating}}};
+    const auto* const found =
+        std::ranges::find(kinds, name, &std::pair<std::string_view, Kind>::first);
+    return found == kinds.end() ? Kind::normal : found->second;
+}
+
+/// Also the empty ones, and one behind a separator at the end.
+std::vector<std::string> fieldsOf(std::string_view line) {
+    std::vector<std::string> fields;
+    for (;;) {
+        const auto end = line.find('\t');
+        fields.emplace_back(line.substr(0, end));
+        if (end == std::string_view::npos) {
+            return fields;
+        }
+        line.remove_prefix(end + 1);
+    }
+}
+
+std::optional<Window> readWindow(std::string_view line) {
+    constexpr std::size_t fieldCount = 13;
+    const auto fields = fieldsOf(line);
+    if (fields.size() != fieldCount || fields[0].empty()) {
+        return std::nullopt;
+    }
+    const auto frame = rectIn(fields[5]);
+    if (!frame) {
+        return std::nullopt;
+    }
+    Window window;
+    window.id = fields[0];
+    const auto pid = numberIn(fields[1]);
+    window.pid = pid && *pid > 0 ? std::optional(static_cast<pid_t>(*pid)) : std::nullopt;
+    window.kind = kindNamed(fields[2]);
+    window.active = fields[3] == "1";
+    window.opacity = numberIn(fields[4]).value_or(1);
+    window.frame = *frame;
+    window.client = rectIn(fields[6]).value_or(*frame);
+    window.buffer = rectIn(fields[7]).value_or(window.client);
+    window.inTaskBar = fields[8] != "1";
+    for (std::size_t place = 9; place < 12; ++place) {
+        if (!fields[place].empty()) {
+            window.classes.push_back(fields[place]);
+        }
+    }
+    window.caption = fields[12];
+    return window;
+}
+
+} // namespace
+
+std::vector<Window> readWindows(std::string_view report) {
+    std::vector<Window> windows;
+    for (const std::string& line : nonEmptyParts(report, '\n')) {
+        if (auto window = readWindow(line)) {
+            windows.push_back(std::move(*window));
+        }
+    }
+    return windows;
+}
+
+std::unique_ptr<Bridge> Bridge::open(FileDescriptorWatcher& watcher, RunLoop& runLoop,
+                                     std::string& problem) {
+    BusConnection bus = openBus(sessionBusAddress());
+    if (!bus) {
+        problem = "Lumetry cannot reach the session bus that KWin is on: start it inside the "
+                  "Plasma session, or set DBUS_SESSION_BUS_ADDRESS to that session's address.";
+        return nullptr;
+    }
+    if (dbus_bus_name_has_owner(bus.get(), service, nullptr) == FALSE) {
+        problem = "KWin is not on the session bus: start Lumetry inside the Plasma session.";
+        return nullptr;
+    }
+    std::unique_ptr<Bridge> bridge(new Bridge(watcher, runLoop, std::move(bus)));
+    // One that was killed may have left its own behind.
+    bridge->unload();
+    return bridge;
+}
+
+Bridge::Bridge(FileDescriptorWatcher& watcher, RunLoop& runLoop, BusConnection bus)
+    : watcher_(watcher), runLoop_(runLoop), bus_(std::move(bus)) {
+    int descriptor = -1;
+    if (dbus_connection_get_unix_fd(bus_.get(), &descriptor) != FALSE) {
+        readable_ = watcher_.watchReadable(descriptor, [this] { read(); });
+    }
+    const std::string rule = std::string("type='signal',sender='org.freedesktop.DBus',"
+                                         "member='NameOwnerChanged',arg0='") +
+                             service + "'";
+    dbus_bus_add_match(bus_.get(), rule.c_str(), nullptr);
+    dbus_connection_flush(bus_.get());
+}
+
+Bridge::~Bridge() {
+    if (loaded_) {
+        unload();
+    }
+}
+
+Token Bridge::use() {
+    if (++users_ == 1) {
+        load();
+        check();
+    }
+    return Token(lifetime_.guard([this] {
+        if (--users_ == 0) {
+            linger();
+        }
+    }));
+}
+
+const std::optional<std::vector<Window>>& Bridge::windows() {
+    if (!loaded_) {
+        load();
+        linger();
+    }
+    await([this] { return windows_.has_value(); });
+    return windows_;
+}
+
+std::optional<Point> Bridge::pointer() {
+    if (!loaded_) {
+        load();
+        linger();
+    }
+    await([this] { return pointer_.has_value(); });
+    return pointer_;
+}
+
+Token Bridge::onPointer(std::function<void()> handler) {
+    return pointerHandlers_.add(std::move(handler));
+}
+
+/// Takes in what has arrived.
+void Bridge::read() {
+    if (!bus_) {
+        return;
+    }
+    const bool connected = dbus_connection_read_write(bus_.get(), 0) != FALSE;
+    while (const BusMessage message{dbus_connection_pop_message(bus_.get())}) {
+        handle(*message);
+    }
+    if (!connected) {
+        readable_.reset();
+        bus_.reset();
+        loaded_ = false;
+        windows_.reset();
+        pointer_.reset();
+        ++version_;
+    }
+}
+
+void Bridge::handle(DBusMessage& message) {
+    if (dbus_message_is_signal(&message, DBUS_INTERFACE_DBUS, "NameOwnerChanged") != FALSE) {
+        const char* name = nullptr;
+        const char* before = nullptr;
+        const char* after = nullptr;
+        dbus_message_get_args(&message, nullptr, DBUS_TYPE_STRING, &name, DBUS_TYPE_STRING, &before,
+                              DBUS_TYPE_STRING, &after, DBUS_TYPE_INVALID);
+        // A KWin that has begun anew knows nothing of the script.
+        windows_.reset();
+        pointer_.reset();
+        loaded_ = false;
+        ++version_;
+        if (users_ > 0 && after != nullptr && *after != '\0') {
+            load();
+        }
+        return;
+    }
+    const char* const interface = dbus_message_get_interface(&message);
+    if (dbus_message_get_type(&message) != DBUS_MESSAGE_TYPE_METHOD_CALL || interface == nullptr ||
+        std::string_view(interface) != ownInterface) {
+        return;
+    }
+    const char* text = nullptr;
+    if (dbus_message_get_args(&message, nullptr, DBUS_TYPE_STRING, &text, DBUS_TYPE_INVALID) !=
+        FALSE) {
+        take(dbus_message_get_member(&message), text);
+    }
+    if (dbus_message_get_no_reply(&message) == FALSE) {
+        const BusMessage reply(dbus_message_new_method_return(&message));
+        dbus_connection_send(bus_.get(), reply.get(), nullptr);
+    }
+}
+
+void Bridge::take(const char* method, const char* text) {
+    if (!loaded_) {
+        return; // a last word of a script that was unloaded
+    }
+    if (std::string_view(method) == "windows") {
+        auto windows = readWindows(text);
+        for (Window& window : windows) {
+            const auto known = windows_ ? std::ranges::find(*windows_, window.id, &Window::id)
+                                        : std::vector<Window>::iterator();
+            window.number = windows_ && known != windows_->end() ? known->number : ++lastNumber_;
+        }
+        if (!windows_ || *windows_ != windows) {
+            windows_ = std::move(windows);
+            ++version_;
+        }
+    } else if (std::string_view(method) == "pointer") {
+        const auto place = numbersIn(text, 2);
+        const bool moved = place && pointer_ != Point{(*place)[0], (*place)[1]};
+        if (moved) {
+            pointer_ = Point{(*place)[0], (*place)[1]};
+            pointerHandlers_.call();
+        }
+    }
+}
+
+/// Writes the script to a file, has KWin load it, and runs it.
+void Bridge::load() {
+    if (!bus_ || loaded_) {
+        return;
+    }
+    std::string text(script);
+    const std::string placeholder = "@SERVICE@";
+    const std::string name = dbus_bus_get_unique_name(bus_.get());
+    for (auto at = text.find(placeholder); at != std::string::npos; at = text.find(placeholder)) {
+        text.replace(at, placeholder.size(), name);
+    }
+    scriptFile_ = environmentText("XDG_RUNTIME_DIR", "/tmp") + "/lumetry-kwin-" +
+                  std::to_string(getpid()) + ".js";
+    std::ofstream(scriptFile_) << text;
+    ++roundTrips_;
+    const auto loaded = answerTo(bus_.get(), callOf(scriptingPath, scriptingInterface, "loadScript",
+                                                    {scriptFile_, scriptName}));
+    dbus_int32_t id = -1;
+    if (!loaded ||
+        dbus_message_get_args(loaded.get(), nullptr, DBUS_TYPE_INT32, &id, DBUS_TYPE_INVALID) ==
+            FALSE ||
+        id < 0) {
+        unlink(scriptFile_.c_str());
+        return;
+    }
+    loaded_ = true;
+    // KWin 6, then KWin 5.
+    for (const std::string& path :
+         {scriptingPath + ("/Script" + std::to_string(id)), "/" + std::to_string(id)}) {
+        ++roundTrips_;
+        const auto ran = answerTo(bus_.get(), callOf(path, scriptInterface, "run"));
+        if (ran && dbus_message_get_type(ran.get()) == DBUS_MESSAGE_TYPE_METHOD_RETURN) {
+            break;
+        }
+    }
+    unlink(scriptFile_.c_str());
+}
+
+void Bridge::unload() {
+    if (bus_) {
+        const auto call = callOf(scriptingPath, scriptingInterface, "unloadScript", {scriptName});
+        dbus_message_set_no_reply(call.get(), TRUE);
+        dbus_connection_send(bus_.get(), call.get(), nullptr);
+        dbus_connection_flush(bus_.get());
+    }
+    loaded_ = false;
+    windows_.reset();
+    pointer_.reset();
+    ++version_;
+}
+
+/// Lets the script run on for a while, for whoever asks again soon.
+void Bridge::linger() {
+    if (lingers_) {
+        return;
+    }
+    lingers_ = true;
+    runLoop_.after(lingerSeconds, lifetime_.guard([this] {
+        lingers_ = false;
+        if (users_ == 0 && loaded_) {
+            unload();
+        }
+    }));
+}
+
+/// Loads the script anew when somebody else has unloaded it.
+void Bridge::check() {
+    if (users_ == 0 || !bus_) {
+        return;
+    }
+    const auto answer = answerTo(
+        bus_.get(), callOf(scriptingPath, scriptingInterface, "isScriptLoaded", {scriptName}));
+    dbus_bool_t isLoaded = TRUE;
+    if (answer &&
+        dbus_message_get_args(answer.get(), nullptr, DBUS_TYPE_BOOLEAN, &isLoaded,
+                              DBUS_TYPE_INVALID) != FALSE &&
+        isLoaded == FALSE) {
+        loaded_ = false;
+        load();
+    }
+    runLoop_.after(checkSeconds, lifetime_.guard([this] { check(); }));
+}
+
+/// Takes in messages until that is so, or the time is over.
+void Bridge::await(const std::function<bool()>& condition) {
+    using Clock = std::chrono::steady_clock;
+    read();
+    const auto end = Clock::now() + std::chrono::milliseconds(patienceMilliseconds);
+    while (bus_ && loaded_ && !condition() && Clock::now() < end) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+        ++roundTrips_;
+        dbus_connection_read_write(bus_.get(), static_cast<int>(left.count()));
+        read();
+    }
+}
+
+} // namespace lumetry::kwin

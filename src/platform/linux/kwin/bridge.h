@@ -1,0 +1,105 @@
+#pragma once
+
+#include "base/geometry.h"
+#include "base/handler_list.h"
+#include "base/lifetime.h"
+#include "base/token.h"
+#include "platform/linux/bus/connection.h"
+#include "platform/linux/loop/file_descriptor_watcher.h"
+#include "platform/run_loop.h"
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lumetry::kwin {
+
+enum class Kind : std::uint8_t { desktop, dock, popup, floating, normal };
+
+/// A window as KWin reports it. Places in KWin's coordinates: points from the top-left corner of
+/// all outputs, y downwards.
+struct Window {
+    std::string id;           ///< KWin's, the same for as long as it lives
+    std::uint32_t number = 0; ///< this program's, likewise
+    std::optional<pid_t> pid;
+    Kind kind = Kind::normal;
+    bool active = false;
+    double opacity = 1;
+    Rect frame;  ///< with decorations, without shadow
+    Rect client; ///< without decorations
+    Rect buffer; ///< what the application draws, its own shadow included
+    bool inTaskBar = true;
+    std::vector<std::string> classes; ///< resource name and class, and the desktop file's name
+    std::string caption;
+
+    friend bool operator==(const Window&, const Window&) = default;
+};
+
+/// Reads the script's report. Lines that make no sense are left out.
+[[nodiscard]] std::vector<Window> readWindows(std::string_view report);
+
+/// Has a script run in KWin while somebody uses it, and keeps what it reports.
+class Bridge {
+public:
+    /// Connects to the session bus.
+    /// @param problem why there is no KWin to work with, and what to do, when the answer is empty
+    [[nodiscard]] static std::unique_ptr<Bridge> open(FileDescriptorWatcher& watcher,
+                                                      RunLoop& runLoop, std::string& problem);
+    Bridge(const Bridge&) = delete;
+    Bridge& operator=(const Bridge&) = delete;
+    ~Bridge();
+
+    /// Keeps the script running for as long as the token lives.
+    [[nodiscard]] Token use();
+    /// Those on the screen, the topmost first. Runs the script for a while where nobody uses it.
+    /// Absent when KWin does not answer.
+    [[nodiscard]] const std::optional<std::vector<Window>>& windows();
+    /// Where the pointer is, in KWin's coordinates; absent when KWin does not answer.
+    [[nodiscard]] std::optional<Point> pointer();
+    /// Another number whenever the windows are others.
+    [[nodiscard]] std::size_t version() const { return version_; }
+    /// Calls the handler when the pointer has moved.
+    [[nodiscard]] Token onPointer(std::function<void()> handler);
+
+    /// How often KWin has been waited for.
+    [[nodiscard]] std::size_t roundTrips() const { return roundTrips_; }
+    /// The connection, for other services of KWin. Null when the bus is gone.
+    [[nodiscard]] DBusConnection* bus() const { return bus_.get(); }
+
+private:
+    Bridge(FileDescriptorWatcher& watcher, RunLoop& runLoop, BusConnection bus);
+
+    void read();
+    void handle(DBusMessage& message);
+    void take(const char* method, const char* text);
+    void load();
+    void unload();
+    void linger();
+    void check();
+    void await(const std::function<bool()>& condition);
+
+    FileDescriptorWatcher& watcher_;
+    RunLoop& runLoop_;
+    BusConnection bus_;
+    Token readable_;
+    int users_ = 0;
+    bool lingers_ = false;
+    bool loaded_ = false;
+    std::string scriptFile_;
+    std::optional<std::vector<Window>> windows_;
+    std::optional<Point> pointer_;
+    std::size_t version_ = 0;
+    std::size_t roundTrips_ = 0;
+    std::uint32_t lastNumber_ = 0;
+    HandlerList<> pointerHandlers_;
+    Lifetime lifetime_;
+};
+
+} // namespace lumetry::kwin

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "base/lifetime.h"
+#include "base/token.h"
+#include "platform/hot_keys.h"
+#include "platform/input.h"
+#include "platform/linux/bus/connection.h"
+#include "platform/linux/loop/file_descriptor_watcher.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace lumetry::kwin {
+
+/// Shortcuts that KWin keeps for programs (KGlobalAccel).
+class GlobalShortcuts final : public HotKeys {
+public:
+    explicit GlobalShortcuts(FileDescriptorWatcher& watcher);
+
+    /// Takes a key for as long as the token lives.
+    /// @param action its name among this program's
+    /// @param title what KWin's settings call it
+    /// @param key as Qt counts keys, with its modifiers
+    [[nodiscard]] Token take(const std::string& action, const std::string& title, int key,
+                             std::function<void()> handler);
+    /// Calls the handler when a hot key turns out to be another program's, once.
+    void onTaken(std::function<void()> handler) { onTaken_ = std::move(handler); }
+
+    [[nodiscard]] Token installEventHandler(Handler handler) override;
+    [[nodiscard]] Token registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
+                                            HotKeyID id) override;
+
+private:
+    struct Shortcut {
+        std::string action;
+        std::function<void()> handler;
+    };
+
+    void read();
+    void release(const std::string& action);
+
+    BusConnection bus_;
+    Token readable_;
+    std::vector<std::shared_ptr<Shortcut>> shortcuts_;
+    std::vector<std::shared_ptr<Handler>> handlers_; ///< the latest last
+    std::function<void()> onTaken_;
+    Lifetime lifetime_;
+};
+
+} // namespace lumetry::kwin
