@@ -40,7 +40,8 @@ public:
     /// The path of the compositor's socket.
     [[nodiscard]] std::string socket() const;
     [[nodiscard]] WaylandInput& input() { return *input_; }
-    /// What an output shows, in its device pixels, without the pointer. Opaque.
+    /// What an output shows, in its device pixels, without the pointer. Opaque. KWin stretches it
+    /// by a pixel where the output is not whole points long, and points not whole pixels.
     [[nodiscard]] Bitmap screenshot(std::size_t output = 0) const;
 
     /// Has KWin know a program by a desktop entry that permits it what is restricted: the windows'
