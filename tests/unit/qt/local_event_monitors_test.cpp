@@ -24,8 +24,11 @@ TEST(QtLocalEventMonitors, HearAKeyWhateverTheModifiersDidElsewhere) {
     QWindow window;
     ModifierFlags held = 0;
     QtLocalEventMonitors monitors(
-        {[](std::uint32_t key) { return key == mKey ? keyCodeM : keyCodeUnknown; },
-         [](std::uint32_t key) { return key == shiftKey; }, [&] { return held; }});
+        {[](const QKeyEvent& key) {
+             return key.nativeScanCode() == mKey ? keyCodeM : keyCodeUnknown;
+         },
+         [](const QKeyEvent& key) { return key.nativeScanCode() == shiftKey; },
+         [&](const QKeyEvent* /*key*/) { return held; }});
     std::vector<Event> events;
     const Token token = monitors.addLocalMonitorForEvents(0xFFFFFFFF, [&](const Event& event) {
         events.push_back(event);
@@ -51,6 +54,22 @@ TEST(QtLocalEventMonitors, HearAKeyWhateverTheModifiersDidElsewhere) {
                                              Event{flagsChanged, keyCodeM, 0},
                                              Event{EventType::keyDown, keyCodeM, 0},
                                              Event{flagsChanged, keyCodeUnknown, modifierOption}));
+}
+
+TEST(QtKeyboardReader, TellsTheModifiersAfterAnEvent) {
+    const KeyboardReader keyboard = qtKeyboardReader();
+    const auto flags = [&](QEvent::Type type, int key, Qt::KeyboardModifiers before) {
+        const QKeyEvent event(type, key, before);
+        return keyboard.modifierFlags(&event);
+    };
+    EXPECT_EQ(flags(QEvent::KeyPress, Qt::Key_Shift, Qt::NoModifier), modifierShift);
+    EXPECT_EQ(flags(QEvent::KeyPress, Qt::Key_Control, Qt::ShiftModifier),
+              modifierShift | modifierControl);
+    EXPECT_EQ(flags(QEvent::KeyRelease, Qt::Key_Shift, Qt::ShiftModifier | Qt::ControlModifier),
+              modifierControl);
+    EXPECT_EQ(flags(QEvent::KeyPress, Qt::Key_M, Qt::AltModifier), modifierOption);
+    EXPECT_EQ(keyboard.keyCode(QKeyEvent(QEvent::KeyPress, Qt::Key_M, Qt::NoModifier)), keyCodeM);
+    EXPECT_TRUE(keyboard.isModifier(QKeyEvent(QEvent::KeyPress, Qt::Key_AltGr, Qt::NoModifier)));
 }
 
 } // namespace
