@@ -19,6 +19,8 @@ namespace lumetry {
 namespace {
 
 constexpr std::uint32_t noWindow = 0;
+constexpr int pixelsOfFill = 4096;    ///< enough to see which colour prevails
+constexpr int pixelsOfText = 200'000; ///< every one, but for whole pages
 
 std::string textOf(const AXUIElement& element) {
     return trimmed(axString(element, "AXValue").value_or(""));
@@ -130,7 +132,7 @@ Component ComponentReader::componentOf(const ComponentChoice& choice) {
         component.typeface = typefaceOf(*component.measures.text.font);
     }
     if (auto& fill = component.measures.surface.fill) {
-        const auto even = AreaColors(picture_, choice.frame).evenFill(*fill);
+        const auto even = AreaColors(picture_, choice.frame, pixelsOfFill).evenFill(*fill);
         component.evenFill = even.has_value();
         fill = even ? even : fill;
     }
@@ -222,7 +224,8 @@ bool ComponentReader::readColors(const ComponentChoice& choice, Component& compo
     }
     const bool ownsText = component.bucket == Bucket::text ||
                           !(choice.resolved.component == choice.resolved.textSource);
-    const AreaColors colors(picture_, ownsText ? choice.textFrame : insideOf(choice.textFrame));
+    const AreaColors colors(picture_, ownsText ? choice.textFrame : insideOf(choice.textFrame),
+                            pixelsOfText);
     const auto ink = colors.inkOn(*fill);
     const auto& told = component.measures.text.color;
     if (told && wcagContrast(*told, *fill) < sameColor) {

@@ -27,21 +27,27 @@ PixelColor pixelColorOf(const Color& color) {
 
 } // namespace
 
-AreaColors::AreaColors(const PictureCapture& picture, const Rect& area) {
-    constexpr int mostPixels = 200000; // a whole paragraph; of more, some rows
+AreaColors::AreaColors(const PictureCapture& picture, const Rect& area, int mostPixels) {
     const Bitmap& bitmap = picture.picture();
     const IntRect pixels = picture.pixelsIn(area);
     if (pixels.isEmpty()) {
         return;
     }
-    const int step =
-        1 + static_cast<int>(static_cast<std::int64_t>(pixels.width) * pixels.height / mostPixels);
+    const double all = static_cast<double>(pixels.width) * pixels.height;
+    const int step = std::max(1, static_cast<int>(std::ceil(std::sqrt(all / mostPixels))));
     std::unordered_map<std::uint32_t, std::size_t> counts;
+    Counted run; // most pixels are like the one before
     for (int y = pixels.y; y < pixels.endY(); y += step) {
-        for (int x = pixels.x; x < pixels.endX(); ++x) {
-            ++counts[bitmap.at(x, y)];
+        for (int x = pixels.x; x < pixels.endX(); x += step) {
+            const std::uint32_t pixel = bitmap.at(x, y);
+            if (pixel != run.pixel) {
+                counts[run.pixel] += run.count;
+                run = {pixel, 0};
+            }
+            ++run.count;
         }
     }
+    counts[run.pixel] += run.count;
     counts.erase(missingPixel);
     colors_.reserve(counts.size());
     for (const auto& [pixel, count] : counts) {

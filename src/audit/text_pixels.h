@@ -16,7 +16,8 @@ class PictureCapture;
 class AreaColors {
 public:
     /// @param area accessibility space; what the picture does not have of it is left out
-    AreaColors(const PictureCapture& picture, const Rect& area);
+    /// @param mostPixels that are looked at, spread over the area
+    AreaColors(const PictureCapture& picture, const Rect& area, int mostPixels);
 
     /// The colour that most pixels have among those that an estimate was made from. Absent where
     /// no single one prevails, as in a gradient.

@@ -34,7 +34,7 @@ public:
     [[nodiscard]] virtual Token keepReplies() = 0;
     /// Asks for attributes of several elements together, so that one wait serves them all; the
     /// replies are kept for the scope that is open. Of "AXAttributedStringForRange" that is the one
-    /// of the first character, where a text is known to have any. Only a hint: a desktop that
+    /// of the first character, where a text has any. Only a hint: a desktop that
     /// cannot do it does nothing, and without an open scope nothing is asked.
     virtual void prefetch(std::span<const AXUIElement> elements,
                           std::span<const std::string_view> attributes) = 0;

@@ -181,8 +181,9 @@ Glance deriveGlance(const Platform& platform, const ResolvedComponent& resolved,
         return browserGlance(platform, pid, frame.size());
     }
     // Nearly all of this will be read: by the header, by spacing and by typography.
-    constexpr std::array<std::string_view, 4> shown = {"AXRole", "AXTitle", "AXValue",
-                                                       "AXChildren"};
+    constexpr std::array<std::string_view, 6> shown = {"AXRole",     "AXTitle",
+                                                       "AXValue",    "AXNumberOfCharacters",
+                                                       "AXChildren", "AXAttributedStringForRange"};
     platform.accessibility.prefetch(std::array{resolved.component, resolved.textSource}, shown);
     const std::string role = axString(resolved.component, "AXRole").value_or("AXUnknown");
     std::string header = componentHeader(role, titleOf(resolved));

@@ -134,7 +134,7 @@ void judge(Verdict& verdict, const Scene& scene, const Json& report, Point origi
     for (const std::string& wrong : scene.wrong) {
         std::vector<Json> found;
         std::erase_if(findings, [&](const Json& finding) {
-            const bool fits = finding.at("path").get<std::string>().ends_with("/ " + wrong);
+            const bool fits = finding.at("kind") == wrong;
             if (fits) {
                 found.push_back(finding);
             }

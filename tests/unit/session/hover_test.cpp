@@ -84,14 +84,16 @@ TEST_F(Hover, AsksForWhatItNeedsOnceInOneSample) {
     button.setFrame({121, 120, 80, 30});
     hover(onLabel);
     using Reads = decltype(button.reads);
-    EXPECT_EQ(button.reads, (Reads{{"AXChildren", 1},
+    EXPECT_EQ(button.reads, (Reads{{"AXAttributedStringForRange", 1},
+                                   {"AXChildren", 1},
                                    {"AXNumberOfCharacters", 1},
                                    {"AXPosition", 1},
                                    {"AXRole", 1},
                                    {"AXSize", 1},
                                    {"AXTitle", 1},
                                    {"AXValue", 1}}));
-    EXPECT_EQ(label.reads, (Reads{{"AXChildren", 1},
+    EXPECT_EQ(label.reads, (Reads{{"AXAttributedStringForRange", 1},
+                                  {"AXChildren", 1},
                                   {"AXNumberOfCharacters", 1},
                                   {"AXParent", 1},
                                   {"AXPosition", 1},

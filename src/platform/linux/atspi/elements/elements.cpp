@@ -149,11 +149,16 @@ void ObjectElement::askForChildren(Context& context, std::span<const ObjectRefer
 void Element::addQueries(std::string_view /*attribute*/, std::vector<Query>& /*queries*/) const {}
 
 void ObjectElement::addQueries(std::string_view attribute, std::vector<Query>& queries) const {
-    // Of a text that is known to have characters, how the first one is set.
-    if (attribute == "AXAttributedStringForRange" &&
-        context().cache.get<Question::characterCount>(object_).value_or(0) > 0) {
-        addTextQuery(context().cache, object_, 0, 1, queries);
-        queries.push_back({object_, Question::attributeRun, 0, 1});
+    // How the first character of a text is set, where it is known to have any. Some may be asked
+    // for that without being asked first whether there are any.
+    if (attribute == "AXAttributedStringForRange") {
+        const auto count = context().cache.get<Question::characterCount>(object_);
+        if (count.value_or(0) > 0) {
+            addTextQuery(context().cache, object_, 0, 1, queries);
+        }
+        if (count ? *count > 0 : context().toolkits.habitsFor(object_).clipsText) {
+            queries.push_back({object_, Question::attributeRun, 0, 1});
+        }
     }
     for (const Question question : questionsFor(attribute)) {
         queries.push_back({object_, question});
