@@ -21,6 +21,11 @@ bool isSpeck(const Rect& frame) {
     return frame.width <= largest || frame.height <= largest;
 }
 
+bool isMeasurable(const ElementNode& node) {
+    return node.presence == Presence::whole ||
+           (!isGone(node.presence) && holdsOthers(bucketFor(node.role)));
+}
+
 void count(LeftOut& leftOut, Presence presence) {
     switch (presence) {
     case Presence::whole:
@@ -83,11 +88,6 @@ void ComponentChooser::fold() {
             folded_[texts == 1 ? place : *node.parent] = true;
         }
     }
-}
-
-bool ComponentChooser::isMeasurable(const ElementNode& node) const {
-    return node.presence == Presence::whole ||
-           (!isGone(node.presence) && holdsOthers(bucketFor(node.role)));
 }
 
 std::vector<ComponentChoice> ComponentChooser::choose(WindowAudit& audit, std::size_t limit) {

@@ -32,7 +32,6 @@ public:
 private:
     void selectPage();
     void fold();
-    [[nodiscard]] bool isMeasurable(const ElementNode& node) const;
     void take(std::size_t place, const ResolvedComponent& resolved, WindowAudit& audit,
               std::size_t limit);
 

@@ -65,8 +65,9 @@ void ComponentReader::read(std::span<const ComponentChoice> choices, WindowAudit
     for (const ComponentChoice& choice : choices) {
         Component component = componentOf(choice);
         if (!component.showsText || readColors(choice, component)) {
-            audit.unknownTextColors += component.showsText && component.enabled &&
-                                       (!component.textColor || !component.measures.surface.fill);
+            const bool isUnknown = component.showsText && component.enabled &&
+                                   (!component.textColor || !component.measures.surface.fill);
+            audit.unknownTextColors += isUnknown ? 1 : 0;
             audit.components.push_back(std::move(component));
         } else {
             ++audit.leftOut.covered;

@@ -40,9 +40,9 @@ public:
                           std::span<const std::string_view> attributes) = 0;
     /// How many questions to other applications have gone without an answer in time so far.
     [[nodiscard]] virtual std::size_t unanswered() const = 0;
-    /// The same as prefetch for the children of several elements, and for all that tells which there are:
-    /// nothing is left to be asked when they are read. Of an element without much to read that is
-    /// more than "AXChildren" asks.
+    /// The same as prefetch for the children of several elements, and for all that tells which
+    /// there are: nothing is left to be asked when they are read. Of an element without much to
+    /// read that is more than "AXChildren" asks.
     virtual void prefetchChildren(std::span<const AXUIElement> elements) = 0;
 };
 

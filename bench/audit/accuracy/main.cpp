@@ -211,7 +211,9 @@ void print(const char* kit, const Verdict& verdict) {
     std::printf("%s\n  %-12s %8s %8s %8s %10s %8s\n", kit, "rule", "expected", "found", "right",
                 "precision", "recall");
     for (const auto& [rule, score] : verdict.scores) {
-        const auto share = [&](int whole) { return whole > 0 ? 100.0 * score.right / whole : 100; };
+        const auto share = [right = score.right](int whole) {
+            return whole > 0 ? 100.0 * right / whole : 100;
+        };
         std::printf("  %-12s %8d %8d %8d %8.1f %% %6.1f %%\n", rule.c_str(), score.expected,
                     score.found, score.right, share(score.found), share(score.expected));
     }

@@ -60,7 +60,7 @@ Scene nameScene() {
         const char* label; ///< beside it
         bool missing;
     };
-    constexpr Case cases[] = {
+    constexpr auto cases = std::to_array<Case>({
         {"button with a text", "button", "Save", "", "", false},
         {"button with nothing", "button", "", "", "", true},
         {"button with a name", "button", "", "Close", "", false},
@@ -84,7 +84,7 @@ Scene nameScene() {
         {"switch with a label", "switch", "", "", "On", false},
         {"picture with nothing", "image", "", "", "", true},
         {"picture with a name", "image", "", "Cover", "", false},
-    };
+    });
     Scene scene = {"names", {}, {"name"}, {}};
     Layout layout;
     for (const Case& each : cases) {

@@ -214,8 +214,10 @@ void reportLargePage() {
     const Subject subject = {"Audited grid", "Chromium", page.items()};
     static_cast<void>(warmUp(desktop, subject, page.items() * 9 / 10));
     std::printf("%zu elements on a page, 3 rounds, medians\n", page.items());
+    constexpr int rounds = 3;
     std::vector<AuditCost> audits;
-    for (int round = 0; round < 3; ++round) {
+    audits.reserve(rounds);
+    for (int round = 0; round < rounds; ++round) {
         audits.push_back(auditAgain(desktop, subject));
     }
     printAudit("audit", audits);
