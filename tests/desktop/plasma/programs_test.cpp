@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -49,13 +50,19 @@ std::string row(const Json& measured, const std::string& label) {
 /// may be read: KWin learns of new desktop entries within seconds.
 Json measureUntil(const KwinDesktop& desktop, Point at, const std::string& header) {
     Json measured;
-    requireUntil("\"" + header + "\" to be measured", [&] {
-        const auto finished =
-            run(desktop, {LUMETRY_MEASURE, "--json", std::to_string(at.x), std::to_string(at.y)});
-        measured = finished.status.code == 0 ? Json::parse(finished.output) : Json();
-        return measured.is_object() && measured["header"] == header &&
-               row(measured, "colors") == "-" && (header[0] != 'B' || row(measured, "fill") != "-");
-    });
+    // Browsers start slowly where KWin draws without a graphics card.
+    constexpr auto patience = std::chrono::seconds(90);
+    requireUntil(
+        "\"" + header + "\" to be measured",
+        [&] {
+            const auto finished = run(
+                desktop, {LUMETRY_MEASURE, "--json", std::to_string(at.x), std::to_string(at.y)});
+            measured = finished.status.code == 0 ? Json::parse(finished.output) : Json();
+            return measured.is_object() && measured["header"] == header &&
+                   row(measured, "colors") == "-" &&
+                   (header[0] != 'B' || row(measured, "fill") != "-");
+        },
+        patience);
     return measured;
 }
 

@@ -30,6 +30,20 @@ TEST(Placement, ScaleIsToldByAWindowThatIsReportedSmaller) {
     }
 }
 
+TEST(Placement, BeginsWhereApplicationsDrawWhereTheyCountFromTheirWindows) {
+    // A window of KWin's: what is drawn, shadow included; the window; without its title bar.
+    constexpr Rect surface = {74, 27, 692, 464};
+    constexpr Rect frame = {100, 50, 640, 400};
+    constexpr Rect client = {100, 76, 640, 374};
+    const auto originOf = [&](const IntRect& reported) {
+        return atspi::placementOnSurface(reported, client, frame, surface).origin;
+    };
+    EXPECT_EQ(originOf({26, 23, 640, 400}), (Point{74, 27})); // counts from its shadow's corner
+    EXPECT_EQ(originOf({0, 0, 692, 464}), (Point{74, 27}));   // is as large as all it draws
+    EXPECT_EQ(originOf({0, 0, 640, 400}), (Point{100, 50}));  // knows of no shadow
+    EXPECT_EQ(originOf({0, 0, 640, 374}), (Point{100, 76}));  // knows of no title bar
+}
+
 TEST(Placement, FindsTheWholePointsThatWereRounded) {
     using atspi::onWholePoints;
     using atspi::Rounding;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <functional>
 #include <vector>
 
 namespace lumetry::atspi {
@@ -136,7 +137,7 @@ const Replies::Entry* Replies::find(const ObjectReference& object, const Asked& 
     if (known == entries_.end()) {
         return nullptr;
     }
-    const auto entry = std::ranges::lower_bound(known->second, asked, {}, &Entry::asked);
+    const auto entry = std::ranges::lower_bound(known->second, asked, std::less<>(), &Entry::asked);
     return entry != known->second.end() && entry->asked == asked ? &*entry : nullptr;
 }
 
@@ -148,7 +149,7 @@ Outcome Replies::outcome(const Query& query) const {
 void Replies::insert(const Query& query, const Reply& reply) {
     const Asked asked = {query.question, query.first, query.second};
     std::vector<Entry>& entries = entries_[query.object];
-    auto entry = std::ranges::lower_bound(entries, asked, {}, &Entry::asked);
+    auto entry = std::ranges::lower_bound(entries, asked, std::less<>(), &Entry::asked);
     if (entry == entries.end() || entry->asked != asked) {
         entry = entries.insert(entry, {asked, Outcome::silent, {}});
     }

@@ -147,7 +147,11 @@ private:
         std::int32_t first = 0;
         std::int32_t second = 0;
 
-        friend auto operator<=>(const Asked&, const Asked&) = default;
+        friend bool operator==(const Asked&, const Asked&) = default;
+        friend bool operator<(const Asked& a, const Asked& b) {
+            return std::tie(a.question, a.first, a.second) <
+                   std::tie(b.question, b.first, b.second);
+        }
     };
     struct Entry {
         Asked asked;
