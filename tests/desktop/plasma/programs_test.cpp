@@ -124,7 +124,7 @@ TEST_F(PlasmaPrograms, AuditApplicationsOfEveryKind) {
         SCOPED_TRACE(title);
         auto application = desktop.start(command, variables);
         Json report;
-        requireUntil("\"" + title + "\" to be audited", [&] {
+        requireUntil("\"" + title + "\" to be audited", [&, title = title] {
             const auto finished = run(desktop, {LUMETRY_AUDIT, "--json", "--window", title});
             report = finished.output.empty() ? Json() : Json::parse(finished.output);
             return report.is_object();
