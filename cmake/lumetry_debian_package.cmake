@@ -11,7 +11,8 @@ measures the distance between two elements.
 .
 The program lumetry lives in the tray; lumetry-measure prints the same
 measurements for scripts, and lumetry-audit says what is wrong with a whole
-window. Needs an X11 session with accessibility switched on.")
+window. Needs an X11 session, or Plasma on Wayland, with accessibility switched
+on.")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_VERBATIM_VARIABLES ON)
 
@@ -26,7 +27,7 @@ set(CPACK_DEBIAN_PACKAGE_SECTION devel)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS at-spi2-core)
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS fonts-inter)
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "fonts-inter, qt6-wayland")
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE https://lumetry.app)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
