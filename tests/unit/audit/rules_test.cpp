@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -51,6 +53,7 @@ Component control(const Rect& frame, const std::string& title = "Save") {
 /// "severity value wanted" of each, errors as "!" and estimates as "~".
 std::vector<std::string> said(const std::vector<Finding>& findings) {
     std::vector<std::string> lines;
+    lines.reserve(findings.size());
     for (const Finding& finding : findings) {
         lines.push_back(std::string(finding.severity == Severity::error ? "! " : "? ") +
                         (finding.estimated ? "~" : "") + finding.value + " | " + finding.wanted);
@@ -136,8 +139,10 @@ TEST(TargetSizeRule, AllowsSmallTargetsThatHaveRoom) {
         control({600, 0, 80, 23}, "flat, above another"),
         control({600, 23, 80, 23}, "flat, below another"),
     };
+    const auto findings = targetSizeFindings(components, {});
     std::vector<std::string> paths;
-    for (const Finding& finding : targetSizeFindings(components, {})) {
+    paths.reserve(findings.size());
+    for (const Finding& finding : findings) {
         paths.push_back(finding.header);
     }
     EXPECT_EQ(paths, (std::vector<std::string>{
@@ -215,23 +220,23 @@ TEST(ConsistencyRule, ComparesNeighboursOfOneKind) {
 }
 
 TEST(ConsistencyRule, FindsGapsThatMissTheGridByOne) {
-    std::vector<Component> components;
-    for (const double gap : {8.0, 7.0, 6.0, 5.0, 0.0}) {
-        components.push_back(control({}, "list"));
-        components.back().role = "AXList";
-        components.back().bucket = Bucket::collection;
-        components.back().measures.spacing = CollectionGap{gap, 4, 20, true};
+    constexpr std::array gaps = {8.0, 7.0, 6.0, 5.0, 0.0};
+    std::vector<Component> components(gaps.size(), control({}, "list"));
+    for (std::size_t place = 0; place < gaps.size(); ++place) {
+        components[place].role = "AXList";
+        components[place].bucket = Bucket::collection;
+        components[place].measures.spacing = CollectionGap{gaps.at(place), 4, 20, true};
     }
     EXPECT_EQ(said(consistencyFindings(windowOf(components), {})),
               (Said{"? gap 7px | 8px", "? gap 5px | 4px"}));
 }
 
 TEST(ConsistencyRule, CountsSizesFamiliesAndRadii) {
-    std::vector<Component> components;
+    std::vector<Component> components(3, text(grey(0)));
     for (int i = 0; i < 3; ++i) {
-        components.push_back(text(grey(0)));
-        components.back().typeface = Typeface{"Family " + std::to_string(i), 12.0 + i, false};
-        components.back().measures.surface.radius = 4 * i;
+        Component& component = components[static_cast<std::size_t>(i)];
+        component.typeface = Typeface{"Family " + std::to_string(i), 12.0 + i, false};
+        component.measures.surface.radius = 4 * i;
     }
     Thresholds thresholds;
     thresholds.fontSizes = thresholds.families = thresholds.radii = 3;
@@ -249,8 +254,10 @@ TEST(Findings, ComeByRuleThenBySeverityThenFromTheTop) {
     components.push_back(estimated(grey(0x77)));
     components.push_back(text(grey(0xAA)));
     components.back().frame = {0, 900, 40, 20};
+    const auto findings = findingsOf(windowOf(components), {});
     std::vector<std::string> values;
-    for (const Finding& finding : findingsOf(windowOf(components), {})) {
+    values.reserve(findings.size());
+    for (const Finding& finding : findings) {
         values.push_back(std::string(describe(finding.rule).identifier) + " " +
                          std::to_string(static_cast<int>(finding.box.y)));
     }

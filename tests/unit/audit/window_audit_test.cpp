@@ -36,6 +36,7 @@ protected:
         icon.setFrame({122, 125, 8, 20});
         button.setChildren({&icon, &label});
         list.setFrame({120, 200, 300, 100});
+        rows.reserve(5);
         for (int row = 0; row < 5; ++row) {
             rows.push_back(&desktop.accessibility.makeElement(pid, "AXStaticText"));
             rows.back()
@@ -53,8 +54,10 @@ protected:
     }
     std::vector<std::string> headers(std::size_t limit = 100) {
         const auto result = audit(limit);
+        const auto components = result ? result->components : std::vector<Component>();
         std::vector<std::string> lines;
-        for (const Component& component : result ? result->components : std::vector<Component>()) {
+        lines.reserve(components.size());
+        for (const Component& component : components) {
             lines.push_back(component.header);
         }
         return lines;
