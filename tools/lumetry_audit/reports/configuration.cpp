@@ -145,7 +145,7 @@ public:
                 thresholds.enhanced = level == "AAA";
                 return level == "AA" || level == "AAA";
             },
-            "\"AA\" or \"AAA\"");
+            R"("AA" or "AAA")");
         reader.addText(
             "fail-on",
             [&](const std::string& name) {

@@ -117,7 +117,7 @@ private:
             return;
         }
         const double width = audit_.window.width;
-        out_ << "<div class=\"frame\" style=\"width:" << fixedText(width, 2)
+        out_ << R"(<div class="frame" style="width:)" << fixedText(width, 2)
              << "px;min-width:" << fixedText(std::min(width, narrowestPicture), 2)
              << "px\">\n<img alt=\"The window " << escaped(title) << " as it was audited\" width=\""
              << audit_.picture.width << "\" height=\"" << audit_.picture.height
@@ -142,7 +142,7 @@ private:
         const BadgePlaces::Place place = places.next(box);
         out_ << "<a class=\"badge " << (place.inside ? "inside " : "") << kindOf(finding)
              << "\" id=\"mark-" << number << "\" href=\"#finding-" << number
-             << "\" tabindex=\"-1\" aria-label=\"Finding " << number << ": "
+             << R"(" tabindex="-1" aria-label="Finding )" << number << ": "
              << describe(finding.rule).identifier << ", " << escaped(finding.header)
              << "\" style=\"left:" << percent(place.left, 1) << ";top:" << percent(place.edge, 1)
              << "\">" << number << "</a><span class=\"outline " << kindOf(finding)
@@ -175,7 +175,7 @@ private:
     void addFinding(const Finding& finding, std::size_t number) {
         out_ << "<li id=\"finding-" << number << "\" class=\"" << kindOf(finding) << "\">\n<p>";
         if (isMarked(finding)) {
-            out_ << "<a class=\"number\" href=\"#mark-" << number << "\" aria-label=\"Show finding "
+            out_ << R"(<a class="number" href="#mark-)" << number << "\" aria-label=\"Show finding "
                  << number << " in the picture\">" << number << "</a>";
         } else {
             out_ << "<span class=\"number\">" << number << "</span>";
@@ -193,7 +193,7 @@ private:
         beginList("Palette", "palette", inventory.palette.empty());
         for (const PaletteColor& color : inventory.palette) {
             const std::string hex = hexString(color.color);
-            out_ << "<li><span class=\"swatch\" style=\"background:" << hex << "\"></span>" << hex
+            out_ << R"(<li><span class="swatch" style="background:)" << hex << "\"></span>" << hex
                  << " " << usesText(color) << " (" << color.count << ")</li>\n";
         }
         endList(inventory.palette.empty());
@@ -210,7 +210,7 @@ private:
         endList(inventory.type.empty());
         beginList("Corner radii", "radii", inventory.radii.empty());
         for (const auto& [radius, count] : inventory.radii) {
-            out_ << "<li><span class=\"corner\" style=\"border-top-left-radius:" << radius
+            out_ << R"(<li><span class="corner" style="border-top-left-radius:)" << radius
                  << "px\"></span>≈ " << radius << "px (" << count << ")</li>\n";
         }
         endList(inventory.radii.empty());

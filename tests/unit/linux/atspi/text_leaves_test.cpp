@@ -81,7 +81,7 @@ TEST_F(TextLeaves, AreFetchedTogetherWithChildren) {
                              toolkit));
         showWindow(application);
         std::vector<AXUIElement> buttons;
-        for (const double y : {55.0, 155.0}) {
+        for (const float y : {55.0F, 155.0F}) {
             const auto found = hit(application, 60, y);
             ASSERT_TRUE(found);
             buttons.push_back(*found);
