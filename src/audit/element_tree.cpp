@@ -38,7 +38,9 @@ TreeReading ElementTree::read(const AXUIElement& root, std::size_t most, const P
     cutOff_ = busy_ = false;
     nodes_.push_back({root, {}, {}, {}, {}, {}, visibility_.window(), Presence::whole});
     places_.emplace(root, 0);
-    for (std::size_t begin = 0; begin < nodes_.size();) {
+    const std::size_t unanswered = platform_.accessibility.unanswered();
+    for (std::size_t begin = 0;
+         begin < nodes_.size() && platform_.accessibility.unanswered() == unanswered;) {
         const std::size_t end = std::min(nodes_.size(), begin + batchSize);
         readBatch(begin, end);
         for (std::size_t place = begin; place < end; ++place) {

@@ -27,7 +27,8 @@ struct ElementNode {
     Presence presence = Presence::whole;
 };
 
-/// How the reading of a tree ended.
+/// How the reading of a tree ended; that its application stopped answering shows in
+/// Accessibility::unanswered.
 enum class TreeReading {
     complete,
     cutOff, ///< there are more elements than were wanted

@@ -105,6 +105,7 @@ bool mayBeFrameOf(const std::optional<Rect>& frame, const Rect& window) {
 std::optional<AXUIElement> windowElement(const Platform& platform, ProbeState& state, pid_t pid,
                                          const Surroundings& surroundings) {
     constexpr std::array<double, 5> shares = {0.5, 0.25, 0.75, 0.1, 0.9};
+    const std::size_t unanswered = platform.accessibility.unanswered();
     const WindowHit window = {pid, surroundings.window};
     for (const double down : shares) {
         for (const double right : shares) {
@@ -114,6 +115,9 @@ std::optional<AXUIElement> windowElement(const Platform& platform, ProbeState& s
             if (std::ranges::any_of(surroundings.above,
                                     [&](const Rect& other) { return other.contains(at); })) {
                 continue;
+            }
+            if (platform.accessibility.unanswered() != unanswered) {
+                return std::nullopt; // nor would it answer at the other points
             }
             if (auto hit = axElementAt(platform, state, at, window)) {
                 AXUIElement element = outermost(std::move(*hit));

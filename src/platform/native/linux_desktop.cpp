@@ -43,9 +43,9 @@ LinuxDesktop::LinuxDesktop(const ApplicationMaker& makeApplication)
 }
 
 std::unique_ptr<LinuxDesktop> LinuxDesktop::open(const ApplicationMaker& makeApplication,
-                                                 std::string& problem) {
+                                                 bool hasWindows, std::string& problem) {
     if (PlasmaDesktop::isPresent()) {
-        setenv("QT_QPA_PLATFORM", "wayland;offscreen", 0);
+        setenv("QT_QPA_PLATFORM", hasWindows ? "wayland;offscreen" : "offscreen", 0);
         std::unique_ptr<LinuxDesktop> desktop(new LinuxDesktop(makeApplication));
         return desktop->connectToPlasma(problem) ? std::move(desktop) : nullptr;
     }
@@ -122,7 +122,7 @@ RoundTrips LinuxDesktop::roundTrips() const {
 }
 
 std::unique_ptr<NativeDesktop> NativeDesktop::open(int& argc, char** argv, std::string& problem) {
-    return LinuxDesktop::open([&] { return std::make_unique<QGuiApplication>(argc, argv); },
+    return LinuxDesktop::open([&] { return std::make_unique<QGuiApplication>(argc, argv); }, false,
                               problem);
 }
 

@@ -27,9 +27,10 @@ public:
     /// Makes Qt's application object, of the kind that the program needs.
     using ApplicationMaker = std::function<std::unique_ptr<QGuiApplication>()>;
 
+    /// @param hasWindows whether the program shows windows of its own besides the overlay
     /// @param problem as in NativeDesktop::open
     [[nodiscard]] static std::unique_ptr<LinuxDesktop> open(const ApplicationMaker& makeApplication,
-                                                            std::string& problem);
+                                                            bool hasWindows, std::string& problem);
 
     [[nodiscard]] const Platform& platform() const override { return *platform_; }
     [[nodiscard]] std::string trustProblem() override { return accessibility_->trustProblem(); }

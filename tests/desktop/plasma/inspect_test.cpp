@@ -31,14 +31,14 @@ bool showsOutlineOfButton(const KwinDesktop& desktop) {
            isAccent(screen.at(140, 80)) && isAccent(screen.at(140, 123));
 }
 
-/// Whether a script of Lumetry's runs in KWin.
-bool scriptRuns(const KwinDesktop& desktop) {
+/// Whether a process's script runs in KWin.
+bool scriptRuns(const KwinDesktop& desktop, pid_t process) {
     ProcessOptions options;
     options.environment = desktop.environment();
-    const auto answer =
-        runProgram({"dbus-send", "--session", "--print-reply", "--dest=org.kde.KWin", "/Scripting",
-                    "org.kde.kwin.Scripting.isScriptLoaded", "string:lumetry"},
-                   options);
+    const auto answer = runProgram(
+        {"dbus-send", "--session", "--print-reply", "--dest=org.kde.KWin", "/Scripting",
+         "org.kde.kwin.Scripting.isScriptLoaded", "string:lumetry-" + std::to_string(process)},
+        options);
     return answer.output.find("boolean true") != std::string::npos;
 }
 
@@ -75,9 +75,10 @@ TEST(PlasmaInspect, OutlinesWhatThePointerIsOverUntilEscape) {
     });
     EXPECT_TRUE(lumetry.running()) << lumetry.standardError();
     // Killed, it leaves its script behind, which the next start takes away.
+    const pid_t killed = lumetry.pid();
     lumetry.signal(SIGKILL);
     ASSERT_TRUE(lumetry.wait());
-    EXPECT_TRUE(scriptRuns(desktop));
+    EXPECT_TRUE(scriptRuns(desktop, killed));
     requireUntil("the overlay to go", [&] { return !showsOutlineOfButton(desktop); });
     lumetry = desktop.start({LUMETRY_PROGRAM});
     requireUntil("an outline", [&] {
@@ -85,8 +86,10 @@ TEST(PlasmaInspect, OutlinesWhatThePointerIsOverUntilEscape) {
         desktop.input().glidePointer({180, 102});
         return showsOutlineOfButton(desktop);
     });
+    EXPECT_FALSE(scriptRuns(desktop, killed));
+    EXPECT_TRUE(scriptRuns(desktop, lumetry.pid()));
     desktop.input().typeKey(KEY_ESC);
-    requireUntil("the script to be unloaded", [&] { return !scriptRuns(desktop); });
+    requireUntil("the script to be unloaded", [&] { return !scriptRuns(desktop, lumetry.pid()); });
 }
 
 } // namespace

@@ -9,8 +9,13 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <charconv>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <system_error>
 #include <utility>
 
 namespace lumetry::kwin {
@@ -21,7 +26,8 @@ constexpr const char* scriptingPath = "/Scripting";
 constexpr const char* scriptingInterface = "org.kde.kwin.Scripting";
 constexpr const char* scriptInterface = "org.kde.kwin.Script";
 constexpr const char* ownInterface = "app.lumetry.KWin";
-constexpr const char* scriptName = "lumetry";
+/// Of the scripts' files, which stay as long as the scripts do; a process's number follows.
+constexpr std::string_view filePrefix = "lumetry-kwin-";
 constexpr double lingerSeconds = 2;
 constexpr double checkSeconds = 2;
 
@@ -127,6 +133,38 @@ std::vector<Window> readWindows(std::string_view report) {
     return windows;
 }
 
+namespace {
+
+/// What KWin knows a process's script by: two at a time are not to take each other's away.
+std::string scriptNameOf(pid_t process) {
+    return "lumetry-" + std::to_string(process);
+}
+
+std::filesystem::path scriptFileOf(pid_t process) {
+    return std::filesystem::path(environmentText("XDG_RUNTIME_DIR", "/tmp")) /
+           (std::string(filePrefix) + std::to_string(process) + ".js");
+}
+
+/// Takes away what processes that were killed have left in KWin.
+void unloadLeftovers(DBusConnection* bus) {
+    std::error_code error;
+    const auto folder = scriptFileOf(0).parent_path();
+    for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+        const std::string name = entry.path().filename().string();
+        const auto process =
+            name.starts_with(filePrefix)
+                ? static_cast<pid_t>(std::strtol(&name[filePrefix.size()], nullptr, 10))
+                : 0;
+        if (process > 0 && kill(process, 0) != 0 && errno == ESRCH) {
+            static_cast<void>(answerTo(bus, callOf(scriptingPath, scriptingInterface,
+                                                   "unloadScript", {scriptNameOf(process)})));
+            std::filesystem::remove(entry.path(), error);
+        }
+    }
+}
+
+} // namespace
+
 std::unique_ptr<Bridge> Bridge::open(FileDescriptorWatcher& watcher, RunLoop& runLoop,
                                      std::string& problem) {
     BusConnection bus = openBus(sessionBusAddress());
@@ -139,10 +177,8 @@ std::unique_ptr<Bridge> Bridge::open(FileDescriptorWatcher& watcher, RunLoop& ru
         problem = "KWin is not on the session bus: start Lumetry inside the Plasma session.";
         return nullptr;
     }
-    std::unique_ptr<Bridge> bridge(new Bridge(watcher, runLoop, std::move(bus)));
-    // One that was killed may have left its own behind.
-    bridge->unload();
-    return bridge;
+    unloadLeftovers(bus.get());
+    return std::unique_ptr<Bridge>(new Bridge(watcher, runLoop, std::move(bus)));
 }
 
 Bridge::Bridge(FileDescriptorWatcher& watcher, RunLoop& runLoop, BusConnection bus)
@@ -177,21 +213,36 @@ Token Bridge::use() {
 }
 
 const std::optional<std::vector<Window>>& Bridge::windows() {
-    if (!loaded_) {
-        load();
-        linger();
-    }
-    await([this] { return windows_.has_value(); });
+    ensureReport([this] { return windows_.has_value(); });
     return windows_;
 }
 
 std::optional<Point> Bridge::pointer() {
+    ensureReport([this] { return pointer_.has_value(); });
+    return pointer_;
+}
+
+/// Has the script run, and waits for its first report. After one that did not come there is a
+/// while without another try.
+void Bridge::ensureReport(const std::function<bool()>& isThere) {
+    constexpr auto pause = std::chrono::seconds(1);
+    read();
+    if (isThere() || (silentSince_ && Clock::now() - *silentSince_ < pause)) {
+        return;
+    }
     if (!loaded_) {
         load();
         linger();
     }
-    await([this] { return pointer_.has_value(); });
-    return pointer_;
+    await(isThere);
+    if (isThere()) {
+        silentSince_.reset();
+        return;
+    }
+    silentSince_ = Clock::now();
+    if (loaded_) {
+        unload();
+    }
 }
 
 Token Bridge::onPointer(std::function<void()> handler) {
@@ -286,18 +337,16 @@ void Bridge::load() {
     for (auto at = text.find(placeholder); at != std::string::npos; at = text.find(placeholder)) {
         text.replace(at, placeholder.size(), name);
     }
-    scriptFile_ = environmentText("XDG_RUNTIME_DIR", "/tmp") + "/lumetry-kwin-" +
-                  std::to_string(getpid()) + ".js";
-    std::ofstream(scriptFile_) << text;
+    const auto file = scriptFileOf(getpid());
+    std::ofstream(file) << text;
     ++roundTrips_;
     const auto loaded = answerTo(bus_.get(), callOf(scriptingPath, scriptingInterface, "loadScript",
-                                                    {scriptFile_, scriptName}));
+                                                    {file.string(), scriptNameOf(getpid())}));
     dbus_int32_t id = -1;
     if (!loaded ||
         dbus_message_get_args(loaded.get(), nullptr, DBUS_TYPE_INT32, &id, DBUS_TYPE_INVALID) ==
             FALSE ||
         id < 0) {
-        unlink(scriptFile_.c_str());
         return;
     }
     loaded_ = true;
@@ -310,16 +359,18 @@ void Bridge::load() {
             break;
         }
     }
-    unlink(scriptFile_.c_str());
 }
 
 void Bridge::unload() {
     if (bus_) {
-        const auto call = callOf(scriptingPath, scriptingInterface, "unloadScript", {scriptName});
+        const auto call =
+            callOf(scriptingPath, scriptingInterface, "unloadScript", {scriptNameOf(getpid())});
         dbus_message_set_no_reply(call.get(), TRUE);
         dbus_connection_send(bus_.get(), call.get(), nullptr);
         dbus_connection_flush(bus_.get());
     }
+    std::error_code error;
+    std::filesystem::remove(scriptFileOf(getpid()), error);
     loaded_ = false;
     windows_.reset();
     pointer_.reset();
@@ -345,8 +396,8 @@ void Bridge::check() {
     if (users_ == 0 || !bus_) {
         return;
     }
-    const auto answer = answerTo(
-        bus_.get(), callOf(scriptingPath, scriptingInterface, "isScriptLoaded", {scriptName}));
+    const auto answer = answerTo(bus_.get(), callOf(scriptingPath, scriptingInterface,
+                                                    "isScriptLoaded", {scriptNameOf(getpid())}));
     dbus_bool_t isLoaded = TRUE;
     if (answer &&
         dbus_message_get_args(answer.get(), nullptr, DBUS_TYPE_BOOLEAN, &isLoaded,
@@ -360,7 +411,6 @@ void Bridge::check() {
 
 /// Takes in messages until that is so, or the time is over.
 void Bridge::await(const std::function<bool()>& condition) {
-    using Clock = std::chrono::steady_clock;
     read();
     const auto end = Clock::now() + std::chrono::milliseconds(patienceMilliseconds);
     while (bus_ && loaded_ && !condition() && Clock::now() < end) {

@@ -74,6 +74,8 @@ public:
     [[nodiscard]] DBusConnection* bus() const { return bus_.get(); }
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     Bridge(FileDescriptorWatcher& watcher, RunLoop& runLoop, BusConnection bus);
 
     void read();
@@ -84,6 +86,7 @@ private:
     void linger();
     void check();
     void await(const std::function<bool()>& condition);
+    void ensureReport(const std::function<bool()>& isThere);
 
     FileDescriptorWatcher& watcher_;
     RunLoop& runLoop_;
@@ -92,7 +95,7 @@ private:
     int users_ = 0;
     bool lingers_ = false;
     bool loaded_ = false;
-    std::string scriptFile_;
+    std::optional<Clock::time_point> silentSince_; ///< since a report did not come
     std::optional<std::vector<Window>> windows_;
     std::optional<Point> pointer_;
     std::size_t version_ = 0;

@@ -88,8 +88,8 @@ private:
 
 std::unique_ptr<NativeShell> NativeShell::open(int& argc, char** argv, std::string& problem) {
     auto environment = environmentForOthers();
-    auto desktop =
-        LinuxDesktop::open([&] { return std::make_unique<QApplication>(argc, argv); }, problem);
+    auto desktop = LinuxDesktop::open([&] { return std::make_unique<QApplication>(argc, argv); },
+                                      true, problem);
     if (!desktop) {
         return nullptr;
     }
