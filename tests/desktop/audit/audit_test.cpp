@@ -3,6 +3,7 @@
 #include "rig/desktop_windows.h"
 #include "rig/private_desktop.h"
 #include "rig/processes/child_process.h"
+#include "rig/processes/wait_until.h"
 #include "rig/screenshot.h"
 
 #include <X11/keysym.h>
@@ -227,8 +228,11 @@ TEST(Audit, StartsACommandAndEndsIt) {
         {"--sarif", "--", "sh", "-c", "echo starting; setsid -f gtk3-widget-factory"});
     EXPECT_EQ(finished.status.code, 1) << finished.error;
     EXPECT_NE(finished.error.find("starting"), std::string::npos);
-    EXPECT_TRUE(std::ranges::none_of(desktopWindows(audited.desktop.server()),
-                                     hasClass("Gtk3-widget-factory")));
+    // The window manager hears of it a little later.
+    requireUntil("the application to be gone", [&] {
+        return std::ranges::none_of(desktopWindows(audited.desktop.server()),
+                                    hasClass("Gtk3-widget-factory"));
+    });
     const Json log = Json::parse(finished.output);
     EXPECT_EQ(log["version"], "2.1.0");
     const Json& run = log["runs"][0];
