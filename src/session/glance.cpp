@@ -15,6 +15,7 @@
 #include <array>
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -181,10 +182,19 @@ Glance deriveGlance(const Platform& platform, const ResolvedComponent& resolved,
         return browserGlance(platform, pid, frame.size());
     }
     // Nearly all of this will be read: by the header, by spacing and by typography.
-    constexpr std::array<std::string_view, 6> shown = {"AXRole",     "AXTitle",
-                                                       "AXValue",    "AXNumberOfCharacters",
-                                                       "AXChildren", "AXAttributedStringForRange"};
-    platform.accessibility.prefetch(std::array{resolved.component, resolved.textSource}, shown);
+    constexpr std::array<std::string_view, 6> shown = {"AXRole",
+                                                       "AXTitle",
+                                                       "AXValue",
+                                                       "AXChildren",
+                                                       "AXNumberOfCharacters",
+                                                       "AXAttributedStringForRange"};
+    constexpr std::size_t withoutTypography = 4;
+    const bool showsTypography = resolved.bucket == Bucket::text ||
+                                 resolved.bucket == Bucket::control ||
+                                 resolved.bucket == Bucket::input;
+    platform.accessibility.prefetch(
+        std::array{resolved.component, resolved.textSource},
+        std::span(shown).first(showsTypography ? shown.size() : withoutTypography));
     const std::string role = axString(resolved.component, "AXRole").value_or("AXUnknown");
     std::string header = componentHeader(role, titleOf(resolved));
     RowWriter writer(platform, resolved, frame, windowNumber);
