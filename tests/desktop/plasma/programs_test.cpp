@@ -59,6 +59,7 @@ Json measureUntil(const KwinDesktop& desktop, Point at, const std::string& heade
                 desktop, {LUMETRY_MEASURE, "--json", std::to_string(at.x), std::to_string(at.y)});
             measured = finished.status.code == 0 ? Json::parse(finished.output) : Json();
             return measured.is_object() && measured["header"] == header &&
+                   measured["box"] != measured["window"] && // the page is there, too
                    row(measured, "colors") == "-" &&
                    (header[0] != 'B' || row(measured, "fill") != "-");
         },

@@ -264,7 +264,6 @@ void Bridge::read() {
         loaded_ = false;
         windows_.reset();
         pointer_.reset();
-        ++version_;
     }
 }
 
@@ -279,7 +278,6 @@ void Bridge::handle(DBusMessage& message) {
         windows_.reset();
         pointer_.reset();
         loaded_ = false;
-        ++version_;
         if (users_ > 0 && after != nullptr && *after != '\0') {
             load();
         }
@@ -312,10 +310,7 @@ void Bridge::take(const char* method, const char* text) {
                                         : std::vector<Window>::iterator();
             window.number = windows_ && known != windows_->end() ? known->number : ++lastNumber_;
         }
-        if (!windows_ || *windows_ != windows) {
-            windows_ = std::move(windows);
-            ++version_;
-        }
+        windows_ = std::move(windows);
     } else if (std::string_view(method) == "pointer") {
         const auto place = numbersIn(text, 2);
         const bool moved = place && pointer_ != Point{(*place)[0], (*place)[1]};
@@ -374,7 +369,6 @@ void Bridge::unload() {
     loaded_ = false;
     windows_.reset();
     pointer_.reset();
-    ++version_;
 }
 
 /// Lets the script run on for a while, for whoever asks again soon.

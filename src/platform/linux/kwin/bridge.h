@@ -63,8 +63,6 @@ public:
     [[nodiscard]] const std::optional<std::vector<Window>>& windows();
     /// Where the pointer is, in KWin's coordinates; absent when KWin does not answer.
     [[nodiscard]] std::optional<Point> pointer();
-    /// Another number whenever the windows are others.
-    [[nodiscard]] std::size_t version() const { return version_; }
     /// Calls the handler when the pointer has moved.
     [[nodiscard]] Token onPointer(std::function<void()> handler);
 
@@ -98,7 +96,6 @@ private:
     std::optional<Clock::time_point> silentSince_; ///< since a report did not come
     std::optional<std::vector<Window>> windows_;
     std::optional<Point> pointer_;
-    std::size_t version_ = 0;
     std::size_t roundTrips_ = 0;
     std::uint32_t lastNumber_ = 0;
     HandlerList<> pointerHandlers_;

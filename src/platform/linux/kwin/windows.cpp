@@ -49,20 +49,24 @@ std::optional<std::vector<WindowInfo>> KWinWindows::onScreenWindows() {
 }
 
 std::optional<std::uint32_t> KWinWindows::activeWindow() {
-    const auto& windows = bridge_.windows();
-    const auto active = windows ? std::ranges::find_if(*windows, &Window::active)
-                                : std::vector<Window>::const_iterator();
-    return windows && active != windows->end() && !isOwn(*active) ? std::optional(active->number)
-                                                                  : std::nullopt;
+    const auto& windows = shown();
+    const auto active = std::ranges::find_if(windows, &Window::active);
+    return active != windows.end() && !isOwn(*active) ? std::optional(active->number)
+                                                      : std::nullopt;
 }
 
 std::optional<std::string> KWinWindows::windowName(std::uint32_t number) {
+    const auto& windows = shown();
+    const auto window = std::ranges::find(windows, number, &Window::number);
+    return window != windows.end() && !window->caption.empty() ? std::optional(window->caption)
+                                                               : std::nullopt;
+}
+
+/// Those on the screen, the topmost first; none when KWin does not answer.
+const std::vector<Window>& KWinWindows::shown() {
+    static const std::vector<Window> none;
     const auto& windows = bridge_.windows();
-    const auto window = windows ? std::ranges::find(*windows, number, &Window::number)
-                                : std::vector<Window>::const_iterator();
-    return windows && window != windows->end() && !window->caption.empty()
-               ? std::optional(window->caption)
-               : std::nullopt;
+    return windows ? *windows : none;
 }
 
 std::vector<Screen> KWinWindows::screens() {
@@ -84,10 +88,9 @@ std::optional<Screen> KWinWindows::mainScreen() {
     if (all.empty()) {
         return std::nullopt;
     }
-    const auto& windows = bridge_.windows();
-    const auto active = windows ? std::ranges::find_if(*windows, &Window::active)
-                                : std::vector<Window>::const_iterator();
-    if (windows && active != windows->end()) {
+    const auto& windows = shown();
+    const auto active = std::ranges::find_if(windows, &Window::active);
+    if (active != windows.end()) {
         const Rect frame = rootSpace().toAccessibility(active->frame);
         const Point centre = {frame.midX(), frame.midY()};
         for (const Screen& screen : all) {
@@ -106,8 +109,7 @@ RootSpace KWinWindows::rootSpace() {
 
 std::optional<DesktopWindow> KWinWindows::windowAt(Point point, std::optional<pid_t> pid) {
     const Point at = rootSpace().toRoot(point);
-    const auto& windows = bridge_.windows();
-    for (const Window& window : windows ? *windows : std::vector<Window>()) {
+    for (const Window& window : shown()) {
         if (!isOwn(window) && (!pid || window.pid == pid) && window.frame.contains(at)) {
             return DesktopWindow{
                 window.number, window.pid,    window.frame,   window.kind == Kind::popup,
@@ -134,8 +136,7 @@ double KWinWindows::scaleOf(const Window& window) const {
 
 ProcessWindows KWinWindows::windowsOf(pid_t pid) {
     ProcessWindows process;
-    const auto& windows = bridge_.windows();
-    for (const Window& window : windows ? *windows : std::vector<Window>()) {
+    for (const Window& window : shown()) {
         if (window.pid != pid || window.kind == Kind::popup) {
             continue;
         }

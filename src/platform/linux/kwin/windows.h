@@ -45,6 +45,7 @@ public:
     [[nodiscard]] bool placesAreInWindows() const override { return true; }
 
 private:
+    [[nodiscard]] const std::vector<Window>& shown();
     [[nodiscard]] double scaleOf(const Window& window) const;
     [[nodiscard]] bool isOwn(const Window& window) const { return window.pid == ownPid_; }
 
