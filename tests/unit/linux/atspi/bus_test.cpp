@@ -62,7 +62,7 @@ TEST_F(Bus, RepliesComeInTheOrderOfTheirRequestsAfterOneWait) {
     EXPECT_EQ(replies[count + 2].outcome, Outcome::refused) << "libdbus would abort over it";
     EXPECT_EQ(replies[count + 3].outcome, Outcome::refused);
     EXPECT_EQ(requests.waits(), 1);
-    EXPECT_EQ(requests.requests(), count + 2);
+    EXPECT_EQ(requests.requests(), count + 3) << "it is asked for a way past the bus, too";
 }
 
 // One application that stands still must not hold up every movement of the pointer.
@@ -97,6 +97,76 @@ TEST_F(Bus, WhoDoesNotAnswerIsLeftAloneUntilItSpeaks) {
         return textOf(requests.exchange(requestFor({at(frozen, "/x"), Question::name}),
                                         deadlineIn(generousSeconds))) == "x";
     })) << "its late answer shows that it is awake, and is not taken for another one";
+}
+
+// An application that is asked much is reached without the bus between, where it allows that.
+TEST_F(Bus, GoesStraightToAnApplicationThatIsAskedMuch) {
+    ScriptedTree tree;
+    tree["/x"].name = "x";
+    auto& onTheBus = start(tree);
+    tree["/x"].name = "y";
+    tree[rootPath].directAddress = "unix:path=" + (bus.folder() / "direct").string();
+    auto& reachable = start(tree);
+    const auto askBoth = [&](double seconds) {
+        std::vector<Message> both;
+        both.push_back(requestFor({at(reachable, "/x"), Question::name}));
+        both.push_back(requestFor({at(onTheBus, "/x"), Question::name}));
+        return requests.exchange(std::move(both), deadlineIn(seconds));
+    };
+    const auto bothAnswer = [&] {
+        const auto replies = askBoth(generousSeconds);
+        return textOf(replies[0]) == "y" && textOf(replies[1]) == "x";
+    };
+    ASSERT_TRUE(bothAnswer());
+    EXPECT_EQ(reachable.directRequests(), 0);
+    ASSERT_TRUE(desktop::waitUntil([&] {
+        EXPECT_TRUE(bothAnswer());
+        return reachable.directRequests() > 0;
+    }));
+    EXPECT_EQ(onTheBus.directRequests(), 0);
+
+    std::vector<std::string> got;
+    requests.send(
+        requestFor({at(reachable, "/x"), Question::name}),
+        [&](const atspi::Reply& reply) { got.push_back(textOf(reply).value_or("nothing")); });
+    EXPECT_TRUE(loop.runUntil([&] { return got == std::vector<std::string>{"y"}; }));
+
+    reachable.freeze();
+    const auto replies = askBoth(shortSeconds);
+    EXPECT_EQ(replies[0].outcome, Outcome::silent);
+    EXPECT_EQ(textOf(replies[1]), "x");
+    reachable.thaw();
+    EXPECT_TRUE(desktop::waitUntil(bothAnswer));
+
+    reachable.end();
+    EXPECT_TRUE(
+        desktop::waitUntil([&] { return askBoth(generousSeconds)[0].outcome == Outcome::gone; }));
+    EXPECT_TRUE(loop.runUntil([&] { return !loop.watches(); }));
+}
+
+// What an application gives as its address must neither start a program nor lead off the machine.
+TEST_F(Bus, StaysOnTheBusWhereAnApplicationGivesNoSocketOfThisMachine) {
+    const auto trace = bus.folder() / "trace";
+    for (const std::string& address :
+         {"unixexec:path=/usr/bin/touch,argv1=" + trace.string(),
+          "unix:path=/nowhere;unixexec:path=/usr/bin/touch,argv1=" + trace.string(),
+          std::string("tcp:host=127.0.0.1,port=1"), "unix:path=" + trace.string(),
+          std::string("words")}) {
+        ScriptedTree tree;
+        tree["/x"].name = "x";
+        tree[rootPath].answers["GetApplicationBusAddress"] = text(address);
+        auto& application = start(tree);
+        for (int time = 0; time < 200; ++time) {
+            ASSERT_EQ(textOf(requests.exchange(requestFor({at(application, "/x"), Question::name}),
+                                               deadlineIn(generousSeconds))),
+                      "x")
+                << address;
+        }
+    }
+    EXPECT_FALSE(std::filesystem::exists(trace));
+    EXPECT_FALSE(atspi::isLocalSocket("unixexec:path=/usr/bin/touch"));
+    EXPECT_FALSE(atspi::isLocalSocket("tcp:host=127.0.0.1,port=1"));
+    EXPECT_TRUE(atspi::isLocalSocket("unix:abstract=/tmp/at-spi"));
 }
 
 TEST_F(Bus, IsFoundAgainAfterItWentAway) {

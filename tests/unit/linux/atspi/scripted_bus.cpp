@@ -3,6 +3,7 @@
 #include "rig/processes/file_descriptor.h"
 
 #include <glib.h>
+#include <poll.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -108,8 +109,8 @@ std::string signatureOf(const Answer& answer) {
 class Server {
 public:
     Server(const std::string& address, ScriptedTree tree,
-           const std::vector<std::string>& wellKnownNames, int& faults)
-        : faults_(faults), tree_(std::move(tree)),
+           const std::vector<std::string>& wellKnownNames, Counts& counts)
+        : counts_(counts), tree_(std::move(tree)),
           connection_(dbus_connection_open_private(address.c_str(), nullptr)) {
         if (connection_ == nullptr || dbus_bus_register(connection_, nullptr) == FALSE) {
             _exit(EXIT_FAILURE);
@@ -117,24 +118,76 @@ public:
         for (const std::string& name : wellKnownNames) {
             dbus_bus_request_name(connection_, name.c_str(), 0, nullptr);
         }
+        const auto root = tree_.find(rootPath);
+        if (root != tree_.end() && root->second.directAddress) {
+            listen(*root->second.directAddress);
+        }
     }
 
     [[nodiscard]] std::string name() const { return dbus_bus_get_unique_name(connection_); }
 
     void run() {
-        while (dbus_connection_read_write(connection_, -1) != FALSE) {
-            while (DBusMessage* request = dbus_connection_pop_message(connection_)) {
-                if (dbus_message_get_type(request) == DBUS_MESSAGE_TYPE_METHOD_CALL) {
-                    handle(*request);
-                }
-                dbus_message_unref(request);
+        while (takeIn(*connection_)) {
+            for (DBusConnection* const direct : direct_) {
+                takeIn(*direct);
             }
-            dbus_connection_flush(connection_);
+            std::vector<pollfd> awaited;
+            const auto add = [&awaited](int descriptor) {
+                awaited.push_back({descriptor, POLLIN, 0});
+            };
+            add(descriptorOf(*connection_));
+            add(listening_ != nullptr ? dbus_watch_get_unix_fd(listening_) : -1);
+            for (DBusConnection* const direct : direct_) {
+                add(descriptorOf(*direct));
+            }
+            poll(awaited.data(), awaited.size(), -1);
+            if (awaited[1].revents != 0) {
+                dbus_watch_handle(listening_, DBUS_WATCH_READABLE);
+            }
         }
     }
 
 private:
-    void handle(DBusMessage& request) {
+    /// Lets others reach it past the bus.
+    void listen(const std::string& address) {
+        DBusServer* const server = dbus_server_listen(address.c_str(), nullptr);
+        dbus_server_set_new_connection_function(
+            server,
+            [](DBusServer*, DBusConnection* connection, void* self) {
+                static_cast<Server*>(self)->direct_.push_back(dbus_connection_ref(connection));
+            },
+            this, nullptr);
+        dbus_server_set_watch_functions(
+            server,
+            [](DBusWatch* watch, void* self) -> dbus_bool_t {
+                static_cast<Server*>(self)->listening_ = watch;
+                return TRUE;
+            },
+            [](DBusWatch*, void*) {}, nullptr, this, nullptr);
+    }
+
+    static int descriptorOf(DBusConnection& connection) {
+        int descriptor = -1;
+        dbus_connection_get_unix_fd(&connection, &descriptor);
+        return descriptor;
+    }
+
+    /// Answers what has come; false when nothing more will.
+    bool takeIn(DBusConnection& connection) {
+        const bool connected = dbus_connection_read_write(&connection, 0) != FALSE;
+        while (DBusMessage* request = dbus_connection_pop_message(&connection)) {
+            if (dbus_message_get_type(request) == DBUS_MESSAGE_TYPE_METHOD_CALL) {
+                counts_.directRequests += &connection == connection_ ? 0 : 1;
+                handle(connection, *request);
+            }
+            dbus_message_unref(request);
+            // More may come meanwhile, which the socket does not tell of any more.
+            dbus_connection_flush(&connection);
+        }
+        return connected;
+    }
+
+    void handle(DBusConnection& connection, DBusMessage& request) {
         std::string member = dbus_message_get_member(&request);
         std::string interfaceName = dbus_message_get_interface(&request);
         const bool property = member == "Get" || member == "Set";
@@ -154,7 +207,7 @@ private:
             return;
         }
         if (object != tree_.end() && !implements(object->second, interfaceName)) {
-            ++faults_;
+            ++counts_.faults;
         }
         const Answer answer =
             object == tree_.end() ? Answer() : answerOf(object->second, member, request);
@@ -174,7 +227,7 @@ private:
             dbus_message_iter_init_append(reply, &at);
             answer(at);
         }
-        dbus_connection_send(connection_, reply, nullptr);
+        dbus_connection_send(&connection, reply, nullptr);
         dbus_message_unref(reply);
     }
 
@@ -243,6 +296,9 @@ private:
         }
         if (member == "GetInterfaces") {
             return texts(interfacesOf(object));
+        }
+        if (member == "GetApplicationBusAddress" && object.directAddress) {
+            return text(*object.directAddress);
         }
         if (member == "GetRole" && object.role) {
             return unsignedNumber(*object.role);
@@ -332,7 +388,7 @@ private:
             dbus_message_get_args(&request, nullptr, DBUS_TYPE_INT32, &first, DBUS_TYPE_INT32,
                                   &second, DBUS_TYPE_INVALID) != FALSE) {
             if (!object.lenientAboutText && second > charactersIn(*object.textContent)) {
-                ++faults_;
+                ++counts_.faults;
                 return text("");
             }
             return text(charactersOf(*object.textContent, first, second));
@@ -343,12 +399,15 @@ private:
     void expectCoordinates(const ScriptedObject& object, dbus_uint32_t coordinates) const {
         constexpr dbus_uint32_t ofTheScreen = 0;
         constexpr dbus_uint32_t ofTheWindow = 1;
-        faults_ += coordinates == (object.knowsOnlyItsWindow ? ofTheWindow : ofTheScreen) ? 0 : 1;
+        counts_.faults +=
+            coordinates == (object.knowsOnlyItsWindow ? ofTheWindow : ofTheScreen) ? 0 : 1;
     }
 
-    int& faults_;
+    Counts& counts_;
     ScriptedTree tree_;
     DBusConnection* connection_;
+    DBusWatch* listening_ = nullptr; ///< for those that come past the bus
+    std::vector<DBusConnection*> direct_;
 };
 
 } // namespace
@@ -452,8 +511,8 @@ void ScriptedBus::restart() {
 
 ScriptedApplication::ScriptedApplication(const ScriptedBus& bus, ScriptedTree tree,
                                          const std::vector<std::string>& wellKnownNames)
-    : faults_(static_cast<int*>(
-          mmap(nullptr, sizeof(int), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0))) {
+    : counts_(static_cast<Counts*>(mmap(nullptr, sizeof(Counts), PROT_READ | PROT_WRITE,
+                                        MAP_SHARED | MAP_ANONYMOUS, -1, 0))) {
     desktop::Pipe pipe = desktop::makePipe();
     pid_ = fork();
     if (pid_ < 0) {
@@ -461,7 +520,7 @@ ScriptedApplication::ScriptedApplication(const ScriptedBus& bus, ScriptedTree tr
     }
     if (pid_ == 0) {
         prctl(PR_SET_PDEATHSIG, SIGKILL);
-        Server server(bus.address(), std::move(tree), wellKnownNames, *faults_);
+        Server server(bus.address(), std::move(tree), wellKnownNames, *counts_);
         const std::string line = server.name() + "\n";
         if (write(pipe.writeEnd.get(), line.data(), line.size()) > 0) {
             server.run();
@@ -477,7 +536,7 @@ ScriptedApplication::ScriptedApplication(const ScriptedBus& bus, ScriptedTree tr
 
 ScriptedApplication::~ScriptedApplication() {
     end();
-    munmap(faults_, sizeof(int));
+    munmap(counts_, sizeof(Counts));
 }
 
 void ScriptedApplication::freeze() const {

@@ -71,6 +71,8 @@ struct ScriptedObject {
     bool knowsOnlyItsWindow = false;
     std::optional<double> value;
     bool isEditableText = false;
+    /// Of the object that stands for the application: where it listens, to be reached past the bus.
+    std::optional<std::string> directAddress;
     /// Its rows and columns, as it tells them; the cells are the objects at cellPath().
     std::optional<std::array<std::int32_t, 2>> table;
     std::optional<Reference> parent;
@@ -90,6 +92,12 @@ struct ScriptedObject {
 using ScriptedTree = std::map<std::string, ScriptedObject>;
 inline constexpr const char* rootPath = "/org/a11y/atspi/accessible/root";
 
+/// What an application counts.
+struct Counts {
+    int faults = 0;
+    int directRequests = 0;
+};
+
 /// A process of its own that has objects on a bus.
 class ScriptedApplication {
 public:
@@ -105,13 +113,15 @@ public:
     [[nodiscard]] Reference root() const { return {name_, rootPath}; }
     /// How often it has been asked what is not its to answer: for an interface that an object does
     /// not have, for text beyond its end, for places in coordinates that it does not know.
-    [[nodiscard]] int faults() const { return *faults_; }
+    [[nodiscard]] int faults() const { return counts_->faults; }
+    /// How many requests have come past the bus.
+    [[nodiscard]] int directRequests() const { return counts_->directRequests; }
     void freeze() const;
     void thaw() const;
     void end();
 
 private:
-    int* faults_; ///< in memory that it shares
+    Counts* counts_; ///< in memory that it shares
     pid_t pid_ = -1;
     std::string name_;
 };

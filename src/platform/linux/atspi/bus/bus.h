@@ -3,6 +3,7 @@
 #include "base/token.h"
 #include "platform/linux/atspi/bus/connection.h"
 #include "platform/linux/atspi/bus/deadline.h"
+#include "platform/linux/atspi/bus/direct_connections.h"
 #include "platform/linux/atspi/bus/message.h"
 #include "platform/linux/loop/file_descriptor_watcher.h"
 
@@ -13,14 +14,15 @@
 #include <map>
 #include <optional>
 #include <string>
-#include <unordered_map>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace lumetry::atspi {
 
 /// The accessibility bus: requests to other applications, sent together and waited for once. It is
-/// connected when it is first needed, and again after it went away and came back.
+/// connected when it is first needed, and again after it went away and came back. With applications
+/// that are asked much and allow it, it goes on directly, past the bus.
 ///
 /// An application that has let a deadline pass is not asked again until it has said something or a
 /// while has passed, so that one that stands still holds up one exchange, not every one.
@@ -60,25 +62,32 @@ public:
     [[nodiscard]] std::uint64_t waits() const { return waits_; }
 
 private:
-    using Serial = dbus_uint32_t;
+    /// Where a request was sent, and its number there.
+    using Ticket = std::pair<DBusConnection*, dbus_uint32_t>;
     /// One exchange on its way.
     struct Batch {
         std::vector<Message> requests;
         std::vector<Reply> replies;
-        std::size_t next = 0;                                ///< the first one not looked at yet
-        std::unordered_map<Serial, std::size_t> outstanding; ///< to the request's place
+        std::size_t next = 0;                      ///< the first one not looked at yet
+        std::map<Ticket, std::size_t> outstanding; ///< to the request's place
     };
 
     [[nodiscard]] bool isOverdue(const DBusMessage& request);
     void markOverdue(const Batch& batch);
-    [[nodiscard]] std::optional<Serial> post(DBusMessage& request);
+    [[nodiscard]] std::optional<Ticket> post(DBusMessage& request);
+    void askForDirectConnection(const std::string& application);
     void postMore(Batch& batch);
     void awaitReplies(Batch& batch, Deadline deadline);
     /// Takes in what has arrived, waiting at most that long for something to arrive.
     /// @return false when the connection is lost
     bool read(Batch* batch, int milliseconds);
-    void handle(const Message& message, Batch* batch);
-    void finish(Serial serial, const Reply& reply);
+    bool takeIn(DBusConnection& connection, std::string_view application, Batch* batch,
+                int milliseconds);
+    void handle(DBusConnection& connection, std::string_view application, const Message& message,
+                Batch* batch);
+    void settle(const Ticket& ticket, Reply reply, Batch* batch);
+    void abandon(DBusConnection& connection, Batch* batch);
+    void keepWatch();
     void disconnect();
     void runContinuations();
 
@@ -92,9 +101,10 @@ private:
     std::uint64_t waits_ = 0;
     std::uint64_t unanswered_ = 0;
     std::map<std::string, Clock::time_point, std::less<>> overdueSince_; ///< by connection name
-    std::map<Serial, Continuation> continuations_;                       ///< oldest first
+    std::vector<std::pair<Ticket, Continuation>> continuations_;         ///< oldest first
     std::vector<std::pair<Continuation, Reply>> answered_;               ///< to be continued
     Token watch_;                                                        ///< while any continues
+    DirectConnections direct_;
 };
 
 } // namespace lumetry::atspi

@@ -90,6 +90,12 @@ Descent descendThroughGtk(PointQueries& queries, Popovers& popovers, const TopLe
         current = std::move(*next);
         next = queries.childAtPoint(current);
     }
+    if (!queries.isKnown({current, Question::role})) {
+        // A new one is going to be read: what nearly every element shows comes along.
+        queries.ask(std::array{Query{current, Question::extents}, Query{current, Question::role},
+                               Query{current, Question::interfaces}, Query{current, Question::name},
+                               Query{current, Question::children}});
+    }
     queries.use(current, {Question::extents, Question::role, Question::interfaces});
     if (!queries.isAtPoint(current)) {
         current =

@@ -76,7 +76,7 @@ std::optional<ObjectReference> HitTest::objectIn(const DesktopWindow& window, pi
         }
         // Of one that was too slow, too: the next hit test begins where this one ended.
         if (descent.object || descent.outcome == Outcome::silent) {
-            keepWhatHelps(queries, *topLevel);
+            keepWhatHelps(queries, *topLevel, descent.object);
         }
         if (descent.object) {
             if (window.popup && *descent.object == topLevel->object) {
@@ -158,11 +158,19 @@ void HitTest::askAboutLastWay(PointQueries& queries) {
             return;
         }
     }
-    queries.askAgain(lastWay_);
+    std::vector<Query> way = lastWay_;
+    // Where the pointer has left the element, what it says is of no use.
+    if (lastPlace_ && !lastPlace_->contains(queries.at())) {
+        std::erase_if(way, [this](const Query& query) { return query.object == lastTarget_; });
+    }
+    queries.askAgain(std::move(way));
 }
 
-void HitTest::keepWhatHelps(const PointQueries& queries, const TopLevel& topLevel) {
+void HitTest::keepWhatHelps(const PointQueries& queries, const TopLevel& topLevel,
+                            const std::optional<ObjectReference>& target) {
     lastTopLevel_ = topLevel.object;
+    lastTarget_ = target.value_or(ObjectReference());
+    lastPlace_ = cache_.get<Question::extents>(lastTarget_);
     lastWay_ = queries.way();
     const Query child = queries.childAtPointQuery(topLevel.object);
     lastChild_ = cache_.get<Question::objectAtPoint>(child.object, child.first, child.second);

@@ -84,7 +84,8 @@ private:
     void askWhatTellsRole(PointQueries& queries, const ObjectReference& object,
                           const Habits& habits);
     void askAboutLastWay(PointQueries& queries);
-    void keepWhatHelps(const PointQueries& queries, const TopLevel& topLevel);
+    void keepWhatHelps(const PointQueries& queries, const TopLevel& topLevel,
+                       const std::optional<ObjectReference>& target);
     [[nodiscard]] ObjectReference textBehind(ObjectReference object, Deadline deadline);
 
     DesktopWindows& windows_;
@@ -98,6 +99,8 @@ private:
     /// then one exchange serves the whole way down.
     std::vector<Query> lastWay_;
     ObjectReference lastTopLevel_;
+    ObjectReference lastTarget_;       ///< where it ended
+    std::optional<IntRect> lastPlace_; ///< of that, as the application reports places
     Rect lastClient_;
     std::optional<ObjectReference> lastChild_; ///< what that window answered
 };
