@@ -154,10 +154,7 @@ void GlobalShortcuts::read() {
 }
 
 Token GlobalShortcuts::installEventHandler(Handler handler) {
-    auto entry = std::make_shared<Handler>(std::move(handler));
-    handlers_.push_back(entry);
-    return Token(lifetime_.guard(
-        [this, entry = std::weak_ptr(entry)] { std::erase(handlers_, entry.lock()); }));
+    return handlers_.add(std::move(handler));
 }
 
 Token GlobalShortcuts::registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
@@ -172,12 +169,7 @@ Token GlobalShortcuts::registerEventHotKey(std::uint32_t keyCode, std::uint32_t 
                     ((modifiers & hotKeyControl) != 0 ? control : 0);
     return take("inspect", "Inspect mode on and off", key, [this, id] {
         const HotKeyEvent event = {id};
-        const auto handlers = handlers_;
-        for (std::size_t place = handlers.size(); place-- > 0;) {
-            if ((*handlers[place])(&event) == noErr) {
-                return;
-            }
-        }
+        handlers_.callUntil(noErr, &event);
     });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/handler_list.h"
 #include "base/lifetime.h"
 #include "base/token.h"
 #include "platform/hot_keys.h"
@@ -44,7 +45,7 @@ private:
     BusConnection bus_;
     Token readable_;
     std::vector<std::shared_ptr<Shortcut>> shortcuts_;
-    std::vector<std::shared_ptr<Handler>> handlers_; ///< the latest last
+    AnsweringHandlerList<EventStatus, const HotKeyEvent*> handlers_;
     std::function<void()> onTaken_;
     Lifetime lifetime_;
 };

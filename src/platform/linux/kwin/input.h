@@ -1,42 +1,48 @@
 #pragma once
 
+#include "base/handler_list.h"
+#include "base/lifetime.h"
 #include "platform/input.h"
 #include "platform/linux/kwin/bridge.h"
 #include "platform/linux/kwin/global_shortcuts.h"
 #include "platform/linux/kwin/windows.h"
 
 #include <functional>
-#include <memory>
 #include <vector>
 
 namespace lumetry::kwin {
 
-/// The pointer as the script reports it. KWin 5 tells no client which modifiers are down: in place
-/// of holding Alt stands a shortcut that pins an element, and lets go of it.
+/// How the compositor tells which modifier keys are down.
+struct ModifierSource {
+    std::function<bool()> isThere;
+    std::function<ModifierFlags()> down;
+    /// Calls a handler whenever that changes.
+    std::function<Token(std::function<void()>)> watch;
+};
+
+/// The pointer as the script reports it, and keys. Where KWin tells no client which modifiers are
+/// down (version 5), a shortcut stands in place of holding Alt: it pins an element, and lets go of
+/// it.
 class KWinInput final : public Pointer, public EventMonitors {
 public:
-    KWinInput(Bridge& bridge, GlobalShortcuts& shortcuts,
+    KWinInput(Bridge& bridge, GlobalShortcuts& shortcuts, ModifierSource modifiers,
               std::function<std::vector<Output>()> outputs);
 
     [[nodiscard]] Point location() override;
-    [[nodiscard]] ModifierFlags modifierFlags() override { return pinned_ ? modifierOption : 0; }
+    [[nodiscard]] ModifierFlags modifierFlags() override;
     [[nodiscard]] Token
     addGlobalMonitorForEvents(EventMask mask, std::function<void(const Event&)> handler) override;
 
 private:
-    struct Monitor {
-        EventMask mask = 0;
-        std::function<void(const Event&)> handler;
-        std::vector<Token> sources;
-    };
-
-    void dispatch(const Event& event);
-    void togglePin();
+    [[nodiscard]] Token watchModifiers();
+    void pointerMoved();
+    [[nodiscard]] bool isOverOwnWindow();
 
     Bridge& bridge_;
     GlobalShortcuts& shortcuts_;
+    ModifierSource modifiers_;
     std::function<std::vector<Output>()> outputs_;
-    std::vector<std::shared_ptr<Monitor>> monitors_;
+    HandlerList<const Event&> monitors_;
     Token pointerEvents_;
     bool pinned_ = false;
     Lifetime lifetime_;

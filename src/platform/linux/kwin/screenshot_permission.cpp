@@ -31,7 +31,8 @@ bool writeEntry(const fs::path& folder, const fs::path& program) {
     std::ofstream file(folder / ("app.lumetry." + name + ".permission.desktop"));
     file << "[Desktop Entry]\nType=Application\nName=" << name
          << "\nExec=" << quoted(program.string())
-         << "\nNoDisplay=true\nX-KDE-DBUS-Restricted-Interfaces=org.kde.KWin.ScreenShot2\n";
+         << "\nNoDisplay=true\nX-KDE-DBUS-Restricted-Interfaces=org.kde.KWin.ScreenShot2"
+            "\nX-KDE-Wayland-Interfaces=org_kde_kwin_keystate\n";
     file.close();
     return !file.fail();
 }

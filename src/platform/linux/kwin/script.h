@@ -29,7 +29,8 @@ function shows(window) {
     var here = window.onAllDesktops ||
         (six ? window.desktops.length == 0 || window.desktops.indexOf(desktop) >= 0
              : window.desktop == desktop);
-    return here && !window.minimized && !window.deleted && !window.hidden;
+    return here && !window.minimized && !window.deleted && !window.hidden &&
+        !window.hiddenByShowDesktop;
 }
 function plain(text) {
     return String(text === undefined || text === null ? "" : text).replace(/[\t\r\n]/g, " ");
@@ -56,9 +57,9 @@ function report() {
 }
 function follow(window) {
     var changes = ["frameGeometryChanged", "bufferGeometryChanged", "clientGeometryChanged",
-                   "minimizedChanged", "hiddenChanged", "opacityChanged", "captionChanged",
-                   "stackingOrderChanged", "desktopChanged", "desktopsChanged", "windowShown",
-                   "windowHidden"];
+                   "minimizedChanged", "hiddenChanged", "hiddenByShowDesktopChanged",
+                   "opacityChanged", "captionChanged", "stackingOrderChanged", "desktopChanged",
+                   "desktopsChanged", "windowShown", "windowHidden"];
     for (var i = 0; i < changes.length; ++i) {
         if (window[changes[i]] && window[changes[i]].connect) {
             window[changes[i]].connect(report);
@@ -74,9 +75,6 @@ function pointer() {
 (six ? workspace.windowRemoved : workspace.clientRemoved).connect(report);
 (six ? workspace.windowActivated : workspace.clientActivated).connect(report);
 workspace.currentDesktopChanged.connect(report);
-if (six) {
-    workspace.stackingOrderChanged.connect(report);
-}
 workspace.cursorPosChanged.connect(pointer);
 pointer();
 report();

@@ -25,7 +25,13 @@ struct PlasmaDesktop::Parts {
                   return capture.isAllowed() || kwin::permitScreenshots(kwin::userDataFolder());
               },
               runLoop),
-          input(*bridge, shortcuts, [this] { return outputs(); }) {}
+          input(*bridge, shortcuts,
+                {[this] { return wayland->tellsModifierKeys(); },
+                 [this] { return wayland->modifierFlags(); },
+                 [this](std::function<void()> handler) {
+                     return wayland->onModifierFlags(std::move(handler));
+                 }},
+                [this] { return outputs(); }) {}
 
     /// In KWin's coordinates, the primary one first.
     [[nodiscard]] std::vector<kwin::Output> outputs() const {

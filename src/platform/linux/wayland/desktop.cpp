@@ -2,6 +2,7 @@
 
 #include "platform/linux/system/environment.h"
 #include "platform/linux/wayland/connection/connection.h"
+#include "platform/linux/wayland/keys/modifier_keys.h"
 #include "platform/linux/wayland/outputs/outputs.h"
 #include "platform/linux/wayland/overlay/surface.h"
 #include "platform/linux/wayland/overlay/window.h"
@@ -31,11 +32,12 @@ private:
 struct WaylandDesktop::Parts {
     explicit Parts(std::unique_ptr<wayland::Connection> opened)
         : connection(std::move(opened)), makers(wayland::bindSurfaceMakers(*connection)),
-          outputs(*connection) {}
+          outputs(*connection), modifierKeys(*connection) {}
 
     std::unique_ptr<wayland::Connection> connection;
     wayland::SurfaceMakers makers;
     wayland::Outputs outputs;
+    wayland::ModifierKeys modifierKeys;
     std::optional<WaylandOverlayWindows> overlayWindows;
 };
 
@@ -83,6 +85,18 @@ std::vector<Screen> WaylandDesktop::screens() const {
 
 Token WaylandDesktop::onScreenChange(std::function<void()> handler) {
     return parts_->outputs.onChange(std::move(handler));
+}
+
+bool WaylandDesktop::tellsModifierKeys() const {
+    return parts_->modifierKeys.areTold();
+}
+
+ModifierFlags WaylandDesktop::modifierFlags() const {
+    return parts_->modifierKeys.down();
+}
+
+Token WaylandDesktop::onModifierFlags(std::function<void()> handler) {
+    return parts_->modifierKeys.watch(std::move(handler));
 }
 
 OverlayWindows& WaylandDesktop::overlayWindows(const Rasterizer& rasterizer) {

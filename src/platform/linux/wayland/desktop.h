@@ -2,6 +2,7 @@
 
 #include "base/geometry.h"
 #include "base/token.h"
+#include "platform/input.h"
 #include "platform/linux/loop/file_descriptor_watcher.h"
 #include "platform/overlay_window.h"
 #include "platform/rasterizer.h"
@@ -37,6 +38,13 @@ public:
     [[nodiscard]] std::vector<Screen> screens() const;
     /// Calls the handler whenever screens have come, gone, moved or changed their scale.
     [[nodiscard]] Token onScreenChange(std::function<void()> handler);
+
+    /// Whether the compositor tells which modifier keys are down.
+    [[nodiscard]] bool tellsModifierKeys() const;
+    /// Those that are down; none while nobody watches.
+    [[nodiscard]] ModifierFlags modifierFlags() const;
+    /// Calls the handler whenever that changes.
+    [[nodiscard]] Token onModifierFlags(std::function<void()> handler);
 
     /// @param rasterizer draws the windows' contents, and outlives them; that of the first call
     /// counts

@@ -57,8 +57,9 @@ public:
         const Global* const global = find(interface);
         return global ? bind<Proxy>(*global, interface, version) : nullptr;
     }
-    [[nodiscard]] bool offers(const wl_interface& interface) const {
-        return find(interface) != nullptr;
+    [[nodiscard]] bool offers(const wl_interface& interface, std::uint32_t version) const {
+        const Global* const global = find(interface);
+        return global != nullptr && global->version >= version;
     }
 
     /// @{ Calls the handler when the compositor offers something new, or takes it back.

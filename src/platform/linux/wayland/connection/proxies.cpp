@@ -3,6 +3,7 @@
 #include "platform/linux/wayland/connection/layer_shell.h"
 
 #include <kde-output-order-v1-client-protocol.h>
+#include <keystate-client-protocol.h>
 #include <viewporter-client-protocol.h>
 #include <wayland-client.h>
 #include <xdg-output-unstable-v1-client-protocol.h>
@@ -11,6 +12,10 @@ namespace lumetry::wayland {
 
 void DestroyProxy::operator()(kde_output_order_v1* proxy) const {
     kde_output_order_v1_destroy(proxy);
+}
+
+void DestroyProxy::operator()(org_kde_kwin_keystate* proxy) const {
+    org_kde_kwin_keystate_destroy(proxy);
 }
 
 void DestroyProxy::operator()(wl_buffer* proxy) const {

@@ -3,6 +3,7 @@
 #include <memory>
 
 struct kde_output_order_v1;
+struct org_kde_kwin_keystate;
 struct wl_buffer;
 struct wl_callback;
 struct wl_compositor;
@@ -24,6 +25,7 @@ namespace lumetry::wayland {
 /// Tells the compositor that its object is not needed any more.
 struct DestroyProxy {
     void operator()(kde_output_order_v1* proxy) const;
+    void operator()(org_kde_kwin_keystate* proxy) const;
     void operator()(wl_buffer* proxy) const;
     void operator()(wl_callback* proxy) const;
     void operator()(wl_compositor* proxy) const;
