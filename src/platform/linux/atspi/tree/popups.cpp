@@ -87,8 +87,13 @@ ObjectReference Popovers::covering(const ObjectReference& topLevel, const Object
     if (topLevel != topLevel_ || Clock::now() - lookedAt_ > longestTrusted) {
         look(topLevel, deadline);
     }
+    // On Wayland a popover has a surface of its own, and counts its place from there: where that lies
+    // nobody says.
+    const auto isAt = [at](const IntRect& extents) {
+        return extents.contains(at) && extents.origin() != IntPoint{0, 0};
+    };
     const auto isTopmost = [&](const Child& candidate) {
-        return candidate.object == child || (candidate.extents && candidate.extents->contains(at));
+        return candidate.object == child || (candidate.extents && isAt(*candidate.extents));
     };
     // The last child is the topmost one.
     const auto topmost = std::find_if(children_.rbegin(), children_.rend(), isTopmost);
