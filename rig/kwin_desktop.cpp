@@ -5,7 +5,9 @@
 #include "rig/processes/programs.h"
 #include "rig/processes/wait_until.h"
 
+#include <csignal>
 #include <fstream>
+#include <stdexcept>
 #include <vector>
 
 namespace lumetry::desktop {
@@ -48,12 +50,13 @@ std::optional<std::string> KwinDesktop::problem() {
     return std::nullopt;
 }
 
-KwinDesktop::KwinDesktop(const KwinOptions& options) : DesktopSession(variables) {
+KwinDesktop::KwinDesktop(const KwinOptions& options)
+    : DesktopSession(variables), options_(options) {
     std::ofstream(std::filesystem::path(environment().at("XDG_CONFIG_HOME")) / "kdeglobals")
         << kdeSettings;
     permit(std::filesystem::read_symlink("/proc/self/exe"));
     startSessionBus();
-    startCompositor(options);
+    startCompositor();
     startAccessibility(options.accessibility);
     input_.emplace(socket());
 }
@@ -68,16 +71,18 @@ std::string KwinDesktop::socket() const {
     return environment().at("XDG_RUNTIME_DIR") + '/' + socketName;
 }
 
-void KwinDesktop::startCompositor(const KwinOptions& options) {
+void KwinDesktop::startCompositor() {
     // A copy has none of the capabilities that the installed file asks for, and that a container
     // refuses.
     const auto program = folder() / compositorProgram;
-    std::filesystem::copy_file(requireProgram(compositorProgram), program);
+    std::filesystem::copy_file(requireProgram(compositorProgram), program,
+                               std::filesystem::copy_options::skip_existing);
     // What KWin starts itself finds the X server's name in its environment.
     const auto startedWith = folder() / "variables";
+    std::filesystem::remove(startedWith);
     const std::string note = "sh -c 'env > " + startedWith.string() + ".part && mv " +
                              startedWith.string() + ".part " + startedWith.string() + "'";
-    auto command = commandLine(program.string(), options);
+    auto command = commandLine(program.string(), options_);
     command.push_back(note);
     compositor_ = &startService(command);
     const auto session = connectToBus(sessionBusAddress());
@@ -85,7 +90,7 @@ void KwinDesktop::startCompositor(const KwinOptions& options) {
         return std::filesystem::exists(startedWith) &&
                isOnBus(*session, "org.kde.KWin.ScreenShot2");
     });
-    if (options.xwayland) {
+    if (options_.xwayland) {
         adoptVariables(startedWith);
     }
 }
@@ -119,6 +124,16 @@ void KwinDesktop::permit(const std::filesystem::path& program) {
 
 void KwinDesktop::stopCompositor() {
     stopService(*compositor_);
+}
+
+void KwinDesktop::restartCompositor() {
+    input_.reset();
+    compositor_->signal(SIGKILL);
+    if (!compositor_->wait()) {
+        throw std::runtime_error("KWin does not end");
+    }
+    startCompositor();
+    input_.emplace(socket());
 }
 
 } // namespace lumetry::desktop

@@ -51,11 +51,14 @@ public:
     /// Ends KWin, and with it whatever cannot do without. Neither input nor screenshots are of use
     /// after that.
     void stopCompositor();
+    /// Ends KWin as a crash does, and starts it again. Its clients are gone, or have to come back.
+    void restartCompositor();
 
 private:
-    void startCompositor(const KwinOptions& options);
+    void startCompositor();
     void adoptVariables(const std::filesystem::path& file);
 
+    KwinOptions options_;
     std::optional<WaylandInput> input_;
     ChildProcess* compositor_ = nullptr;
     int permitted_ = 0;

@@ -32,8 +32,10 @@ void AppDelegate::applicationDidFinishLaunching() {
     if (!platform_.desktop.accessibility.isProcessTrusted()) {
         watchForAccessibilityGrant();
     }
-    platform_.desktop.runLoop.after(launchDelaySeconds,
-                                    lifetime_.guard([this] { startOrOnboard(); }));
+    if (!platform_.application.isResumed()) {
+        platform_.desktop.runLoop.after(launchDelaySeconds,
+                                        lifetime_.guard([this] { startOrOnboard(); }));
+    }
 }
 
 void AppDelegate::installStatusItem() {

@@ -39,6 +39,9 @@ public:
     /// The absolute path of the bundle that it is the main program of (NSBundle.main); where it is
     /// in none, a path that does not end as a bundle's does, or nothing.
     [[nodiscard]] virtual std::string bundlePath() = 0;
+    /// Whether the desktop has started the program again to go on where it was interrupted, so that
+    /// nothing is to be begun.
+    [[nodiscard]] virtual bool isResumed() { return false; }
     virtual void setActivationPolicy(ActivationPolicy policy) = 0;
     /// Brings the program's windows to the front, whatever application is there.
     virtual void activateIgnoringOtherApps() = 0;

@@ -4,6 +4,7 @@
 #include "platform/linux/loop/idle_loop.h"
 #include "platform/linux/plasma/desktop.h"
 #include "platform/linux/windows/root_space.h"
+#include "platform/native/resumption.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -47,7 +48,13 @@ std::unique_ptr<LinuxDesktop> LinuxDesktop::open(const ApplicationMaker& makeApp
     if (PlasmaDesktop::isPresent()) {
         setenv("QT_QPA_PLATFORM", hasWindows ? "wayland;offscreen" : "offscreen", 0);
         std::unique_ptr<LinuxDesktop> desktop(new LinuxDesktop(makeApplication));
-        return desktop->connectToPlasma(problem) ? std::move(desktop) : nullptr;
+        if (!desktop->connectToPlasma(problem)) {
+            return nullptr;
+        }
+        if (hasWindows) {
+            desktop->outliveCompositor();
+        }
+        return desktop;
     }
     // Qt ends the process without a display, so that this has to be known before. A server that
     // nobody else is connected to may begin anew once the last one leaves: until Qt is there, this
@@ -86,13 +93,36 @@ bool LinuxDesktop::connectToPlasma(std::string& problem) {
     if (!display_) {
         return false;
     }
-    display_->onConnectionLost([this] {
-        std::cerr << "lumetry: the Wayland compositor closed the connection; start Lumetry again "
-                     "in a running session\n";
-        quit(EXIT_FAILURE);
-    });
+    display_->onConnectionLost([this] { quitWithoutCompositor(); });
     putTogether();
     return true;
+}
+
+void LinuxDesktop::quitWithoutCompositor() {
+    std::cerr << "lumetry: the Wayland compositor closed the connection; start Lumetry again in a "
+                 "running session\n";
+    quit(EXIT_FAILURE);
+}
+
+/// Qt ends a process that has windows as soon as it finds its own connection lost, with a warning
+/// before: whichever connection shows it first, it is then that this process begins anew.
+void LinuxDesktop::outliveCompositor() {
+    static LinuxDesktop* desktop = nullptr;
+    static QtMessageHandler printMessage = nullptr;
+    desktop = this;
+    display_->onConnectionLost([this] {
+        beginAnewOnceBack(terminationSignals_);
+        quitWithoutCompositor();
+    });
+    printMessage = qInstallMessageHandler(
+        [](QtMsgType type, const QMessageLogContext& context, const QString& text) {
+            if (printMessage != nullptr) {
+                printMessage(type, context, text);
+            }
+            if (text.startsWith(QLatin1String("The Wayland connection "))) {
+                beginAnewOnceBack(desktop->terminationSignals_);
+            }
+        });
 }
 
 void LinuxDesktop::putTogether() {

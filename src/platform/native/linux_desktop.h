@@ -49,6 +49,8 @@ private:
     explicit LinuxDesktop(const ApplicationMaker& makeApplication);
     [[nodiscard]] bool connectToX11(std::string& problem);
     [[nodiscard]] bool connectToPlasma(std::string& problem);
+    void outliveCompositor();
+    void quitWithoutCompositor();
     void putTogether();
 
     TerminationSignals terminationSignals_;

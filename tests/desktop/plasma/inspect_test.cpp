@@ -31,15 +31,49 @@ bool showsOutlineOfButton(const KwinDesktop& desktop) {
            isAccent(screen.at(140, 80)) && isAccent(screen.at(140, 123));
 }
 
-/// Whether a process's script runs in KWin.
-bool scriptRuns(const KwinDesktop& desktop, pid_t process) {
+/// What KWin answers when it is asked something about a process's script.
+std::string askAboutScript(const KwinDesktop& desktop, const std::string& method, pid_t process) {
     ProcessOptions options;
     options.environment = desktop.environment();
-    const auto answer = runProgram(
-        {"dbus-send", "--session", "--print-reply", "--dest=org.kde.KWin", "/Scripting",
-         "org.kde.kwin.Scripting.isScriptLoaded", "string:lumetry-" + std::to_string(process)},
-        options);
-    return answer.output.find("boolean true") != std::string::npos;
+    return runProgram({"dbus-send", "--session", "--print-reply", "--dest=org.kde.KWin",
+                       "/Scripting", "org.kde.kwin.Scripting." + method,
+                       "string:lumetry-" + std::to_string(process)},
+                      options)
+        .output;
+}
+
+bool scriptRuns(const KwinDesktop& desktop, pid_t process) {
+    return askAboutScript(desktop, "isScriptLoaded", process).find("boolean true") !=
+           std::string::npos;
+}
+
+void unloadScript(const KwinDesktop& desktop, pid_t process) {
+    EXPECT_NE(askAboutScript(desktop, "unloadScript", process).find("boolean true"),
+              std::string::npos);
+}
+
+ChildProcess startChromium(KwinDesktop& desktop) {
+    const std::string profile = makeProfileFolder(desktop, "chromium").string();
+    return desktop.start({"chromium", "--no-sandbox", "--ozone-platform=wayland", "--no-first-run",
+                          "--test-type", "--user-data-dir=" + profile, "--kiosk",
+                          "--app=file://" + writePage(desktop, page).string()});
+}
+
+void requireOutline(KwinDesktop& desktop, ChildProcess& lumetry) {
+    requireUntil("an outline", [&] {
+        desktop.input().movePointer({600, 400});
+        desktop.input().glidePointer({180, 102});
+        return !lumetry.running() || showsOutlineOfButton(desktop);
+    });
+    ASSERT_TRUE(lumetry.running()) << lumetry.standardError();
+}
+
+void pressShortcut(KwinDesktop& desktop) {
+    desktop.input().pressKey(KEY_LEFTCTRL);
+    desktop.input().pressKey(KEY_LEFTSHIFT);
+    desktop.input().typeKey(KEY_M);
+    desktop.input().releaseKey(KEY_LEFTSHIFT);
+    desktop.input().releaseKey(KEY_LEFTCTRL);
 }
 
 TEST(PlasmaInspect, OutlinesWhatThePointerIsOverUntilEscape) {
@@ -49,31 +83,17 @@ TEST(PlasmaInspect, OutlinesWhatThePointerIsOverUntilEscape) {
     KwinDesktop desktop;
     desktop.permit(LUMETRY_PROGRAM);
     markOnboarded(desktop);
-    const std::string profile = makeProfileFolder(desktop, "chromium").string();
-    const auto browser =
-        desktop.start({"chromium", "--no-sandbox", "--ozone-platform=wayland", "--no-first-run",
-                       "--test-type", "--user-data-dir=" + profile, "--kiosk",
-                       "--app=file://" + writePage(desktop, page).string()});
+    const auto browser = startChromium(desktop);
     auto lumetry = desktop.start({LUMETRY_PROGRAM});
-    requireUntil("an outline", [&] {
-        desktop.input().movePointer({600, 400});
-        desktop.input().glidePointer({180, 102});
-        return !lumetry.running() || showsOutlineOfButton(desktop);
-    });
-    ASSERT_TRUE(lumetry.running()) << lumetry.standardError();
+    ASSERT_NO_FATAL_FAILURE(requireOutline(desktop, lumetry));
     desktop.input().typeKey(KEY_ESC);
     requireUntil("the outline to go", [&] { return !showsOutlineOfButton(desktop); });
-    desktop.input().pressKey(KEY_LEFTCTRL);
-    desktop.input().pressKey(KEY_LEFTSHIFT);
-    desktop.input().typeKey(KEY_M);
-    desktop.input().releaseKey(KEY_LEFTSHIFT);
-    desktop.input().releaseKey(KEY_LEFTCTRL);
-    requireUntil("inspect mode to come back", [&] {
-        desktop.input().movePointer({600, 400});
-        desktop.input().glidePointer({180, 102});
-        return showsOutlineOfButton(desktop);
-    });
-    EXPECT_TRUE(lumetry.running()) << lumetry.standardError();
+    pressShortcut(desktop);
+    ASSERT_NO_FATAL_FAILURE(requireOutline(desktop, lumetry));
+    // Somebody else unloads the script: it is loaded again.
+    unloadScript(desktop, lumetry.pid());
+    requireUntil("the script to run again", [&] { return scriptRuns(desktop, lumetry.pid()); });
+    ASSERT_NO_FATAL_FAILURE(requireOutline(desktop, lumetry));
     // Killed, it leaves its script behind, which the next start takes away.
     const pid_t killed = lumetry.pid();
     lumetry.signal(SIGKILL);
@@ -81,15 +101,32 @@ TEST(PlasmaInspect, OutlinesWhatThePointerIsOverUntilEscape) {
     EXPECT_TRUE(scriptRuns(desktop, killed));
     requireUntil("the overlay to go", [&] { return !showsOutlineOfButton(desktop); });
     lumetry = desktop.start({LUMETRY_PROGRAM});
-    requireUntil("an outline", [&] {
-        desktop.input().movePointer({600, 400});
-        desktop.input().glidePointer({180, 102});
-        return showsOutlineOfButton(desktop);
-    });
+    ASSERT_NO_FATAL_FAILURE(requireOutline(desktop, lumetry));
     EXPECT_FALSE(scriptRuns(desktop, killed));
     EXPECT_TRUE(scriptRuns(desktop, lumetry.pid()));
     desktop.input().typeKey(KEY_ESC);
     requireUntil("the script to be unloaded", [&] { return !scriptRuns(desktop, lumetry.pid()); });
+}
+
+// A crash of KWin takes Qt's windows with it: Lumetry begins anew, and rests until it is called.
+TEST(PlasmaInspect, ComesBackWithKWin) {
+    if (const auto problem = KwinDesktop::problem()) {
+        GTEST_SKIP() << *problem;
+    }
+    KwinDesktop desktop;
+    desktop.permit(LUMETRY_PROGRAM);
+    markOnboarded(desktop);
+    auto browser = startChromium(desktop);
+    auto lumetry = desktop.start({LUMETRY_PROGRAM});
+    ASSERT_NO_FATAL_FAILURE(requireOutline(desktop, lumetry));
+    desktop.restartCompositor();
+    browser = startChromium(desktop);
+    requireUntil("the shortcut to work again", [&] {
+        pressShortcut(desktop);
+        return !lumetry.running() || scriptRuns(desktop, lumetry.pid());
+    });
+    ASSERT_NO_FATAL_FAILURE(requireOutline(desktop, lumetry));
+    lumetry.terminate();
 }
 
 } // namespace

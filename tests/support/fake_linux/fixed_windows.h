@@ -14,6 +14,7 @@ public:
     std::vector<DesktopWindow> windows; ///< the topmost first
     std::map<pid_t, ProcessWindows> processes;
     RootSpace space;
+    bool placesInWindows = false;
 
     [[nodiscard]] RootSpace rootSpace() override { return space; }
     [[nodiscard]] std::optional<DesktopWindow> windowAt(Point point,
@@ -29,6 +30,7 @@ public:
         return std::nullopt;
     }
     [[nodiscard]] ProcessWindows windowsOf(pid_t pid) override { return processes[pid]; }
+    [[nodiscard]] bool placesAreInWindows() const override { return placesInWindows; }
 };
 
 } // namespace lumetry::test

@@ -109,14 +109,28 @@ RootSpace KWinWindows::rootSpace() {
 
 std::optional<DesktopWindow> KWinWindows::windowAt(Point point, std::optional<pid_t> pid) {
     const Point at = rootSpace().toRoot(point);
-    for (const Window& window : shown()) {
-        if (!isOwn(window) && (!pid || window.pid == pid) && window.frame.contains(at)) {
-            return DesktopWindow{
-                window.number, window.pid,    window.frame,   window.kind == Kind::popup,
-                window.client, window.buffer, scaleOf(window)};
-        }
+    const auto& windows = shown();
+    const auto found = std::ranges::find_if(windows, [&](const Window& window) {
+        return !isOwn(window) && (!pid || window.pid == pid) && window.frame.contains(at);
+    });
+    if (found == windows.end()) {
+        return std::nullopt;
     }
-    return std::nullopt;
+    DesktopWindow window;
+    window.id = found->number;
+    window.pid = found->pid;
+    window.bounds = found->frame;
+    window.popup = found->kind == Kind::popup;
+    window.client = found->client;
+    window.surface = found->buffer;
+    window.pixelsPerUnit = scaleOf(*found);
+    const auto opener = std::find_if(found, windows.end(), [&](const Window& below) {
+        return below.pid == found->pid && below.kind != Kind::popup;
+    });
+    if (window.popup && opener != windows.end()) {
+        window.openerSurface = opener->buffer;
+    }
+    return window;
 }
 
 /// Of the output that most of it is on.

@@ -22,6 +22,8 @@ struct DesktopWindow {
     /// What its application draws, shadow included; only where applications count from their
     /// windows, as nothing tells them where those are.
     std::optional<Rect> surface = {};
+    /// Of a popup, in that case: what the application draws of the window below that it belongs to.
+    std::optional<Rect> openerSurface = {};
     double pixelsPerUnit = 1; ///< device pixels for each unit of the places above
 };
 

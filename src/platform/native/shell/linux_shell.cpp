@@ -1,6 +1,7 @@
 #include "platform/native/shell/native_shell.h"
 
 #include "platform/native/linux_desktop.h"
+#include "platform/native/resumption.h"
 #include "platform/native/shell/x11_embedding_tray.h"
 #include "platform/qt/widgets/own_windows.h"
 #include "platform/qt/widgets/qt_local_event_monitors.h"
@@ -42,14 +43,16 @@ std::unique_ptr<EmbeddingTray> embeddingTrayOf(LinuxDesktop& desktop) {
 class LinuxShell final : public NativeShell {
 public:
     LinuxShell(std::unique_ptr<LinuxDesktop> desktop, std::unique_ptr<RunningInstance> instance,
-               const QProcessEnvironment& environment)
+               const QProcessEnvironment& environment, bool resumed)
         : desktop_(std::move(desktop)), instance_(std::move(instance)),
           embeddingTray_(embeddingTrayOf(*desktop_)), statusBar_(*embeddingTray_),
           // The desktop outlives them.
           localEventMonitors_(desktop_->x11() != nullptr ? x11KeyboardReader(*desktop_->x11())
                                                          : qtKeyboardReader()),
-          application_(environment), platform_{desktop_->platform(), desktop_->display().hotKeys(),
-                                               localEventMonitors_, application_, statusBar_} {}
+          application_(environment, resumed), platform_{desktop_->platform(),
+                                                        desktop_->display().hotKeys(),
+                                                        localEventMonitors_, application_,
+                                                        statusBar_} {}
 
     [[nodiscard]] const ShellPlatform& platform() const override { return platform_; }
 
@@ -87,6 +90,7 @@ private:
 } // namespace
 
 std::unique_ptr<NativeShell> NativeShell::open(int& argc, char** argv, std::string& problem) {
+    const bool resumed = hasBegunAnew();
     auto environment = environmentForOthers();
     auto desktop = LinuxDesktop::open([&] { return std::make_unique<QApplication>(argc, argv); },
                                       true, problem);
@@ -104,7 +108,8 @@ std::unique_ptr<NativeShell> NativeShell::open(int& argc, char** argv, std::stri
     case RunningInstance::Role::first:
         break;
     }
-    return std::make_unique<LinuxShell>(std::move(desktop), std::move(instance), environment);
+    return std::make_unique<LinuxShell>(std::move(desktop), std::move(instance), environment,
+                                        resumed);
 }
 
 } // namespace lumetry

@@ -14,9 +14,12 @@ namespace lumetry {
 class QtOwnApplication final : public OwnApplication {
 public:
     /// @param environment that of the programs it starts
-    explicit QtOwnApplication(const QProcessEnvironment& environment) : environment_(environment) {}
+    /// @param resumed what isResumed says
+    QtOwnApplication(const QProcessEnvironment& environment, bool resumed)
+        : environment_(environment), resumed_(resumed) {}
 
     [[nodiscard]] std::string bundlePath() override;
+    [[nodiscard]] bool isResumed() override { return resumed_; }
     /// Nothing to do: a window is in the task bar for as long as it is open, if it is of that kind.
     void setActivationPolicy(ActivationPolicy /*policy*/) override {}
     void activateIgnoringOtherApps() override;
@@ -30,6 +33,7 @@ private:
     void startDetached(const QString& program, const QStringList& arguments) const;
 
     QProcessEnvironment environment_;
+    bool resumed_;
 };
 
 } // namespace lumetry

@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace lumetry::test {
@@ -225,6 +226,43 @@ TEST_F(Hits, FindAGtk4PopoverByItsSize) {
     const auto button = hit(application, 35, 50);
     ASSERT_TRUE(button);
     EXPECT_EQ(button->copyAttributeValue("AXPosition")->as<Point>(), (Point{30, 40}));
+}
+
+// On Wayland Qt tells the places in a menu from the window below it, and takes points from the
+// menu.
+TEST_F(Hits, FindTheEntryOfAMenuThatIsASurfaceOfItsOwn) {
+    windows.placesInWindows = true;
+    accessibility = std::make_unique<AtspiAccessibility>(windows, loop);
+    ScriptedObject menu = object("menu", {6, 19, 120, 68}, {"/open", "/save"});
+    menu.childAt = [](int /*x*/, int y) { return y < 22 ? "/open" : "/save"; };
+    auto tree = windowWith(object("window", {0, 0, 600, 400}, {"/file", "/label"}),
+                           {{"/file", object("File", {6, 0, 29, 19}, {"/menu"})},
+                            {"/menu", menu},
+                            {"/open", object("Open", {6, 19, 120, 22})},
+                            {"/save", object("Save", {6, 41, 120, 22})},
+                            // As large as the menu, but elsewhere.
+                            {"/label", object("label", {24, 300, 120, 68})}},
+                           "Qt");
+    for (auto& [path, each] : tree) {
+        each.knowsOnlyItsWindow = true;
+    }
+    auto& application = start(tree);
+    const auto window = [&](std::uint32_t id, const Rect& place) {
+        DesktopWindow made = {id, application.pid(), place, false, place};
+        made.surface = place;
+        return made;
+    };
+    windows.windows = {window(2, {346, 219, 120, 68}), window(1, {340, 200, 600, 400})};
+    windows.windows.front().popup = true;
+    windows.windows.front().openerSurface = windows.windows.back().surface;
+    for (const auto& [y, title, top] :
+         {std::tuple(222, "Open", 219), {240, "Open", 219}, {242, "Save", 241}}) {
+        const auto entry = hit(application, 380, static_cast<float>(y));
+        ASSERT_TRUE(entry);
+        EXPECT_EQ(entry->copyAttributeValue("AXTitle")->as<std::string>(), title);
+        EXPECT_EQ(entry->copyAttributeValue("AXPosition")->as<Point>(), (Point{346, top * 1.0}));
+    }
+    EXPECT_EQ(titleAt(application, 370, 520), "label");
 }
 
 TEST_F(Hits, AskLittleOfALongList) {

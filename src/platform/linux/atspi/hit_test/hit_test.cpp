@@ -65,7 +65,11 @@ std::optional<ObjectReference> HitTest::objectIn(const DesktopWindow& window, pi
         const Placement placement = countsFromScreen ? Placement() : placementOf(topLevel->object);
         const IntPoint at = unitAt(point, placement);
         const Habits& habits = toolkits_.habits(topLevel->toolkit);
-        const HitPoint hit = {habits.hitsInPixels ? unitAt(point, Placement()) : at, at};
+        HitPoint hit = {habits.hitsInPixels ? unitAt(point, Placement()) : at, at};
+        if (window.popup && window.surface && topLevel->toolkit == Toolkit::qt) {
+            // Places are told from the window below, but points taken from the popup itself.
+            hit.asked = unitAt(point, {1, window.surface->origin()});
+        }
         PointQueries queries(cache_, hit, habits, deadline);
         if (lastTopLevel_ == topLevel->object) {
             askAboutLastWay(queries);

@@ -250,6 +250,22 @@ std::map<ObjectReference, IntRect> TopLevels::contentsOf(const std::vector<TopLe
     return contents;
 }
 
+/// What an application may count from in something that has a window of its own without being one
+/// of those it lists.
+std::vector<Placement> TopLevels::placementsInPopup(const IntRect& reported,
+                                                    const TopLevel& topLevel,
+                                                    const DesktopWindow& window) const {
+    if (window.surface && topLevel.toolkit != Toolkit::gtk4) {
+        std::vector<Placement> possible = {{1, window.surface->origin()}};
+        if (window.openerSurface) {
+            possible.push_back({1, window.openerSurface->origin()});
+        }
+        return possible;
+    }
+    return {countsFromWindow(topLevel.toolkit) ? placementFilling(reported, window.client)
+                                               : placementOf(topLevel.object)};
+}
+
 std::optional<TopLevel> TopLevels::searchPopup(const std::vector<TopLevel>& topLevels,
                                                const DesktopWindow& window, pid_t pid,
                                                Deadline deadline) {
@@ -264,13 +280,14 @@ std::optional<TopLevel> TopLevels::searchPopup(const std::vector<TopLevel>& topL
         starts.push_back(topLevel.object);
     }
     const Toolkit toolkit = topLevels.front().toolkit;
-    Placement placement = placementOf(topLevels.front().object);
+    Placement placement;
     const auto fills = [&](const IntRect& extents) {
-        if (countsFromWindow(toolkit)) {
-            placement = placementFilling(extents, window.client);
-        }
-        return intersectionOverUnion(placeOf(extents, placement), window.bounds) >=
-               leastPopupOverlap;
+        const auto possible = placementsInPopup(extents, topLevels.front(), window);
+        const auto fitting = std::ranges::find_if(possible, [&](const Placement& one) {
+            return intersectionOverUnion(placeOf(extents, one), window.bounds) >= leastPopupOverlap;
+        });
+        placement = fitting == possible.end() ? placement : *fitting;
+        return fitting != possible.end();
     };
     auto found = firstShowingBelow(bus_, toolkits_, std::move(starts), fills, deadline);
     if (!found) {

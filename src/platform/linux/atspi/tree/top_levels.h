@@ -85,6 +85,9 @@ private:
                                           const DesktopWindow& window) const;
     [[nodiscard]] std::map<ObjectReference, IntRect>
     contentsOf(const std::vector<TopLevel>& topLevels, Deadline deadline);
+    [[nodiscard]] std::vector<Placement> placementsInPopup(const IntRect& reported,
+                                                           const TopLevel& topLevel,
+                                                           const DesktopWindow& window) const;
     [[nodiscard]] std::optional<TopLevel> searchPopup(const std::vector<TopLevel>& topLevels,
                                                       const DesktopWindow& window, pid_t pid,
                                                       Deadline deadline);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 namespace lumetry::wayland {
 
@@ -105,6 +106,7 @@ void Connection::readEvents() {
               wl_display_dispatch_pending(display) >= 0;
     if (!healthy) {
         lose();
+        tellLoss();
         return;
     }
     batchHandlers_.call();
@@ -117,11 +119,13 @@ void Connection::lose() {
     }
     lost_ = true;
     readable_.reset();
-    runLoop_.async(lifetime_.guard([this] {
-        if (onLost) {
-            onLost();
-        }
-    }));
+    runLoop_.async(lifetime_.guard([this] { tellLoss(); }));
+}
+
+void Connection::tellLoss() {
+    if (const auto handler = std::exchange(onLost, nullptr)) {
+        handler();
+    }
 }
 
 } // namespace lumetry::wayland

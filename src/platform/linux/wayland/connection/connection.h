@@ -97,6 +97,7 @@ private:
                                   std::uint32_t version) const;
     void readEvents();
     void lose();
+    void tellLoss();
 
     FileDescriptorWatcher& watcher_;
     RunLoop& runLoop_;
