@@ -1,8 +1,9 @@
 // What a hover costs: Lumetry's own session against the bare accessibility calls at the same
 // points, over a real application, on a small and on a large screen; where the time goes, by the
-// class of the element; and what inspect mode costs at rest.
+// class of the element; from the pointer's move to the overlay's commit in a Plasma session; and
+// what inspect mode costs at rest.
 //
-//   lumetry_latency [hover] [buckets] [rest]    without arguments all three
+//   lumetry_latency [hover] [buckets] [plasma] [rest]    without arguments all of them
 
 #include "reports.h"
 
@@ -19,7 +20,7 @@ int main(int argc, char** argv) {
     CLI::App command("What a hover of Lumetry's inspect mode costs.");
     std::vector<std::string> reports;
     command.add_option("reports", reports, "Only these reports")
-        ->check(CLI::IsMember({"hover", "buckets", "rest"}));
+        ->check(CLI::IsMember({"hover", "buckets", "plasma", "rest"}));
     CLI11_PARSE(command, argc, argv);
     const auto wanted = [&reports](const char* report) {
         return reports.empty() || std::ranges::find(reports, report) != reports.end();
@@ -32,6 +33,9 @@ int main(int argc, char** argv) {
         }
         if (wanted("buckets")) {
             reportBuckets();
+        }
+        if (wanted("plasma")) {
+            reportPlasma();
         }
         if (wanted("rest")) {
             reportRest();

@@ -13,6 +13,9 @@ void reportHover(int width, int height, int scale = 1);
 /// compared with a button.
 void reportBuckets();
 
+/// In a Plasma session on Wayland: from the pointer's move to the overlay's commit.
+void reportPlasma();
+
 /// What inspect mode costs while the pointer rests.
 void reportRest();
 

@@ -87,8 +87,8 @@ ObjectReference Popovers::covering(const ObjectReference& topLevel, const Object
     if (topLevel != topLevel_ || Clock::now() - lookedAt_ > longestTrusted) {
         look(topLevel, deadline);
     }
-    // On Wayland a popover has a surface of its own, and counts its place from there: where that lies
-    // nobody says.
+    // On Wayland a popover has a surface of its own, and counts its place from there: where that
+    // lies nobody says.
     const auto isAt = [at](const IntRect& extents) {
         return extents.contains(at) && extents.origin() != IntPoint{0, 0};
     };
