@@ -7,6 +7,7 @@
 #include "platform/native/resumption.h"
 
 #include <cmath>
+#include <csignal>
 #include <cstdlib>
 #include <iostream>
 #include <optional>
@@ -45,6 +46,8 @@ LinuxDesktop::LinuxDesktop(const ApplicationMaker& makeApplication)
 
 std::unique_ptr<LinuxDesktop> LinuxDesktop::open(const ApplicationMaker& makeApplication,
                                                  bool hasWindows, std::string& problem) {
+    // That a display server or a bus has gone shows by what fails, and is not to end the process.
+    std::signal(SIGPIPE, SIG_IGN);
     if (PlasmaDesktop::isPresent()) {
         setenv("QT_QPA_PLATFORM", hasWindows ? "wayland;offscreen" : "offscreen", 0);
         std::unique_ptr<LinuxDesktop> desktop(new LinuxDesktop(makeApplication));

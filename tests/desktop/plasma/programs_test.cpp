@@ -47,13 +47,12 @@ std::string row(const Json& measured, const std::string& label) {
 }
 
 /// What is said of a point as JSON, once it is said of an element with that header, and its pixels
-/// may be read: KWin learns of new desktop entries within seconds.
+/// may be read: KWin learns of new desktop entries within seconds. Null where that does not come.
 Json measureUntil(const KwinDesktop& desktop, Point at, const std::string& header) {
     Json measured;
     // Browsers start slowly where KWin draws without a graphics card.
-    constexpr auto patience = std::chrono::seconds(90);
-    requireUntil(
-        "\"" + header + "\" to be measured",
+    constexpr auto patience = std::chrono::seconds(60);
+    const bool isThere = waitUntil(
         [&] {
             const auto finished = run(
                 desktop, {LUMETRY_MEASURE, "--json", std::to_string(at.x), std::to_string(at.y)});
@@ -64,7 +63,7 @@ Json measureUntil(const KwinDesktop& desktop, Point at, const std::string& heade
                    (header[0] != 'B' || row(measured, "fill") != "-");
         },
         patience);
-    return measured;
+    return isThere ? measured : Json();
 }
 
 /// A browser with that page over the whole output.
@@ -95,8 +94,15 @@ TEST_F(PlasmaPrograms, MeasureAPageWhereItIs) {
         options.scale = scale;
         KwinDesktop desktop(options);
         desktop.permit(LUMETRY_MEASURE);
-        const auto process = startBrowser(desktop, browser);
-        const Json button = measureUntil(desktop, {180, 102}, header);
+        auto process = startBrowser(desktop, browser);
+        Json button = measureUntil(desktop, {180, 102}, header);
+        if (button.is_null()) {
+            // Now and then a window of Firefox stays black, whoever looks on.
+            process.terminate();
+            process = startBrowser(desktop, browser);
+            button = measureUntil(desktop, {180, 102}, header);
+        }
+        ASSERT_TRUE(button.is_object());
         EXPECT_EQ(button["box"], Json::array({100, 80, 160, 44})) << button;
         EXPECT_EQ(button["scale"], scale);
         if (browser == "chromium") {

@@ -124,8 +124,9 @@ void QtOwnApplication::startDetached(const QString& program, const QStringList& 
     process.setProgram(program);
     process.setArguments(arguments);
     process.setProcessEnvironment(environment_);
-    // This process holds requests to end it back, and a program inherits that.
+    // This process holds requests to end it back and ignores broken pipes: a program inherits that.
     process.setChildProcessModifier([] {
+        std::signal(SIGPIPE, SIG_DFL);
         sigset_t none;
         sigemptyset(&none);
         sigprocmask(SIG_SETMASK, &none, nullptr);
