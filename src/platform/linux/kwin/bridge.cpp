@@ -155,7 +155,9 @@ void unloadLeftovers(DBusConnection* bus) {
             name.starts_with(filePrefix)
                 ? static_cast<pid_t>(std::strtol(&name[filePrefix.size()], nullptr, 10))
                 : 0;
-        if (process > 0 && kill(process, 0) != 0 && errno == ESRCH) {
+        // This one's own was left by the same process before it began anew.
+        const bool isLeft = process == getpid() || (kill(process, 0) != 0 && errno == ESRCH);
+        if (process > 0 && isLeft) {
             static_cast<void>(answerTo(bus, callOf(scriptingPath, scriptingInterface,
                                                    "unloadScript", {scriptNameOf(process)})));
             std::filesystem::remove(entry.path(), error);
@@ -203,7 +205,7 @@ Bridge::~Bridge() {
 Token Bridge::use() {
     if (++users_ == 1) {
         load();
-        check();
+        checkLater();
     }
     return Token(lifetime_.guard([this] {
         if (--users_ == 0) {
@@ -316,8 +318,18 @@ void Bridge::take(const char* method, const char* text) {
         const bool moved = place && pointer_ != Point{(*place)[0], (*place)[1]};
         if (moved) {
             pointer_ = Point{(*place)[0], (*place)[1]};
-            pointerHandlers_.call();
+            tellPointer();
         }
+    }
+}
+
+/// Later, and once for several moves: this may be in the middle of what the last one has begun.
+void Bridge::tellPointer() {
+    if (!std::exchange(tellsPointer_, true)) {
+        runLoop_.async(lifetime_.guard([this] {
+            tellsPointer_ = false;
+            pointerHandlers_.call();
+        }));
     }
 }
 
@@ -342,6 +354,7 @@ void Bridge::load() {
         dbus_message_get_args(loaded.get(), nullptr, DBUS_TYPE_INT32, &id, DBUS_TYPE_INVALID) ==
             FALSE ||
         id < 0) {
+        unload(); // it may have been loaded all the same, too late, and is refused until it is gone
         return;
     }
     loaded_ = true;
@@ -387,6 +400,7 @@ void Bridge::linger() {
 
 /// Loads the script anew when somebody else has unloaded it.
 void Bridge::check() {
+    checks_ = false;
     if (users_ == 0 || !bus_) {
         return;
     }
@@ -396,11 +410,17 @@ void Bridge::check() {
     if (answer &&
         dbus_message_get_args(answer.get(), nullptr, DBUS_TYPE_BOOLEAN, &isLoaded,
                               DBUS_TYPE_INVALID) != FALSE &&
-        isLoaded == FALSE) {
+        (isLoaded == FALSE || !loaded_)) {
         loaded_ = false;
         load();
     }
-    runLoop_.after(checkSeconds, lifetime_.guard([this] { check(); }));
+    checkLater();
+}
+
+void Bridge::checkLater() {
+    if (!std::exchange(checks_, true)) {
+        runLoop_.after(checkSeconds, lifetime_.guard([this] { check(); }));
+    }
 }
 
 /// Takes in messages until that is so, or the time is over.

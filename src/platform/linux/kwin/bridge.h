@@ -83,6 +83,8 @@ private:
     void unload();
     void linger();
     void check();
+    void checkLater();
+    void tellPointer();
     void await(const std::function<bool()>& condition);
     void ensureReport(const std::function<bool()>& isThere);
 
@@ -92,6 +94,8 @@ private:
     Token readable_;
     int users_ = 0;
     bool lingers_ = false;
+    bool checks_ = false;
+    bool tellsPointer_ = false;
     bool loaded_ = false;
     std::optional<Clock::time_point> silentSince_; ///< since a report did not come
     std::optional<std::vector<Window>> windows_;

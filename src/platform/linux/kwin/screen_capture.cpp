@@ -196,6 +196,11 @@ const KWinCapture::Shot* KWinCapture::shotOf(const Window& window) {
         shots_.erase(window.id);
         return nullptr;
     }
+    // Those of windows that are not looked at any more.
+    constexpr auto longestKept = std::chrono::seconds(2);
+    std::erase_if(shots_, [longestKept](const auto& entry) {
+        return Clock::now() - entry.second.taken > longestKept;
+    });
     // The scale that is told may be another than that of the pixels.
     shot->scale = shot->bitmap.width / window.frame.width;
     return &shots_.insert_or_assign(window.id, std::move(*shot)).first->second;

@@ -168,7 +168,7 @@ std::optional<Bus::Ticket> Bus::post(DBusMessage& request) {
         return std::nullopt;
     }
     ++requests_;
-    if (direct_.isWorthAsking(application)) {
+    if (isConnected(connection_) && direct_.isWorthAsking(application)) {
         askForDirectConnection(application);
     }
     return Ticket(way, serial);
@@ -235,6 +235,9 @@ void Bus::keepWatch() {
 }
 
 bool Bus::read(Batch* batch, int milliseconds) {
+    if (!connection_) {
+        return false;
+    }
     const auto links = direct_.links();
     if (!links.empty()) {
         awaitAny(*connection_, links, std::exchange(milliseconds, 0));
