@@ -97,7 +97,7 @@ TEST_F(PlasmaPrograms, MeasureAPageWhereItIs) {
         auto process = startBrowser(desktop, browser);
         Json button = measureUntil(desktop, {180, 102}, header);
         if (button.is_null()) {
-            // Now and then a window of Firefox stays black, whoever looks on.
+            // Now and then a window of Firefox stays black.
             process.terminate();
             process = startBrowser(desktop, browser);
             button = measureUntil(desktop, {180, 102}, header);
