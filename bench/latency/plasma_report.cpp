@@ -6,6 +6,7 @@
 #include "rig/lumetry_settings.h"
 #include "rig/processes/wait_until.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -21,7 +22,6 @@ namespace {
 
 using namespace desktop;
 
-constexpr const char* application = "gtk3-widget-factory";
 constexpr int width = 1600;
 constexpr int height = 1000;
 
@@ -56,26 +56,50 @@ std::optional<double> move(KwinDesktop& desktop, const ChildProcess& lumetry, Po
     return commit ? std::optional<double>(*commit - start) : std::nullopt;
 }
 
-void printRow(const char* what, const std::vector<double>& costs, std::size_t moves) {
-    constexpr double frame = 1e6 / 60;
-    const auto cost = bench::costOf(costs);
-    std::printf("  %-32s %6.0f us (%.2f frames)   %6.0f us (%.2f)   %zu of %zu drew\n", what,
-                cost.median, cost.median / frame, cost.slow, cost.slow / frame, costs.size(),
-                moves);
+/// What KWin takes for a picture of its screen when nobody asks for anything else.
+std::vector<double> bareCaptures(const KwinDesktop& desktop) {
+    constexpr int count = 20;
+    std::vector<double> costs;
+    costs.reserve(count);
+    for (int i = 0; i < count; ++i) {
+        const auto start = std::chrono::steady_clock::now();
+        (void)desktop.screenshot();
+        costs.push_back(
+            std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start)
+                .count());
+    }
+    return costs;
 }
 
-} // namespace
+void printRow(const char* what, const std::vector<double>& costs, std::size_t of) {
+    constexpr double frame = 1e6 / 60;
+    const auto within = [&costs](double frames) {
+        return std::ranges::count_if(costs, [=](double cost) { return cost <= frames * frame; });
+    };
+    const auto cost = bench::costOf(costs);
+    std::printf("  %-32s %6.0f us (%.2f frames)   %6.0f us (%.2f)   %td, %td of %zu (%zu)\n", what,
+                cost.median, cost.median / frame, cost.slow, cost.slow / frame, within(1),
+                within(2), costs.size(), of);
+}
 
-void reportPlasma() {
+struct Subject {
+    std::vector<std::string> command;
+    const char* role; ///< of an element that is there when the application is ready
+    const char* name;
+    const char* says; ///< what is to be known of it
+};
+
+void reportOn(const Subject& subject) {
     KwinOptions options;
     options.width = width;
     options.height = height;
     KwinDesktop desktop(options);
     desktop.permit(LUMETRY_PROGRAM);
     markOnboarded(desktop);
-    const auto factory = desktop.start({application});
+    const auto application = desktop.start(subject.command);
     (void)AccessibleTree(desktop.accessibilityBusAddress())
-        .waitFor(application, "toggle button", "togglebutton");
+        .waitFor(subject.command.front(), subject.role, subject.name);
+    const auto bare = bareCaptures(desktop);
     const auto lumetry = desktop.start({LUMETRY_PROGRAM}, {{"WAYLAND_DEBUG", "client"}});
     requireUntil("inspect mode", [&] {
         return move(desktop, lumetry, {300, 300}) || move(desktop, lumetry, {500, 400});
@@ -96,11 +120,20 @@ void reportPlasma() {
         }
     }
     constexpr std::size_t moves = std::size_t{columns} * rows;
-    std::printf("Plasma, %d x %d, over %s: from the pointer's move to the overlay's commit\n",
-                width, height, application);
-    std::printf("  %-32s %-26s   95 %%\n", "", "median");
+    std::printf("Plasma, %d x %d, over %s (%s): from the pointer's move to the overlay's commit\n",
+                width, height, subject.command.front().c_str(), subject.says);
+    std::printf("  %-32s %-26s   95 %%                  within 1, 2 frames of drawn (moves)\n", "",
+                "median");
     printRow("next point", next, moves);
     printRow("a point on, mostly same element", same, moves);
+    printRow("a picture of the screen, bare", bare, bare.size());
+}
+
+} // namespace
+
+void reportPlasma() {
+    reportOn({{"gtk3-demo"}, "label", "", "at rest"});
+    reportOn({{"gtk3-widget-factory"}, "toggle button", "togglebutton", "never at rest"});
 }
 
 } // namespace lumetry::latency

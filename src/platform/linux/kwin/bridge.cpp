@@ -30,6 +30,8 @@ constexpr const char* ownInterface = "app.lumetry.KWin";
 constexpr std::string_view filePrefix = "lumetry-kwin-";
 constexpr double lingerSeconds = 2;
 constexpr double checkSeconds = 2;
+/// How long the script is silent about a window that goes on drawing.
+constexpr auto damagePause = std::chrono::milliseconds(50);
 
 BusMessage callOf(const std::string& path, const char* interface, const char* method,
                   const std::vector<std::string>& texts = {}) {
@@ -92,7 +94,7 @@ std::vector<std::string> fieldsOf(std::string_view line) {
 }
 
 std::optional<Window> readWindow(std::string_view line) {
-    constexpr std::size_t fieldCount = 13;
+    constexpr std::size_t fieldCount = 14;
     const auto fields = fieldsOf(line);
     if (fields.size() != fieldCount || fields[0].empty()) {
         return std::nullopt;
@@ -112,12 +114,13 @@ std::optional<Window> readWindow(std::string_view line) {
     window.client = rectIn(fields[6]).value_or(*frame);
     window.buffer = rectIn(fields[7]).value_or(window.client);
     window.inTaskBar = fields[8] != "1";
-    for (std::size_t place = 9; place < 12; ++place) {
+    window.tellsDamage = fields[9] == "1";
+    for (std::size_t place = 10; place < 13; ++place) {
         if (!fields[place].empty()) {
             window.classes.push_back(fields[place]);
         }
     }
-    window.caption = fields[12];
+    window.caption = fields[13];
     return window;
 }
 
@@ -134,6 +137,13 @@ std::vector<Window> readWindows(std::string_view report) {
 }
 
 namespace {
+
+void replaceAll(std::string& text, std::string_view old, const std::string& other) {
+    for (auto at = text.find(old); at != std::string::npos; at = text.find(old, at)) {
+        text.replace(at, old.size(), other);
+        at += other.size();
+    }
+}
 
 /// What KWin knows a process's script by: two at a time are not to take each other's away.
 std::string scriptNameOf(pid_t process) {
@@ -251,6 +261,20 @@ Token Bridge::onPointer(std::function<void()> handler) {
     return pointerHandlers_.add(std::move(handler));
 }
 
+Token Bridge::onDamage(std::function<void(const std::string&)> handler) {
+    return damageHandlers_.add(std::move(handler));
+}
+
+std::optional<std::chrono::steady_clock::time_point>
+Bridge::unchangedSince(const Window& window) const {
+    if (!window.tellsDamage) {
+        return std::nullopt;
+    }
+    const auto last = damages_.find(window.id);
+    return last == damages_.end() ? reportsSince_
+                                  : std::max(reportsSince_, last->second + damagePause);
+}
+
 /// Takes in what has arrived.
 void Bridge::read() {
     if (!bus_) {
@@ -312,7 +336,13 @@ void Bridge::take(const char* method, const char* text) {
                                         : std::vector<Window>::iterator();
             window.number = windows_ && known != windows_->end() ? known->number : ++lastNumber_;
         }
+        if (!windows_) {
+            reportsSince_ = Clock::now();
+        }
         windows_ = std::move(windows);
+    } else if (std::string_view(method) == "damaged") {
+        damages_[text] = Clock::now();
+        damageHandlers_.call(text);
     } else if (std::string_view(method) == "pointer") {
         const auto place = numbersIn(text, 2);
         const bool moved = place && pointer_ != Point{(*place)[0], (*place)[1]};
@@ -339,11 +369,9 @@ void Bridge::load() {
         return;
     }
     std::string text(script);
-    const std::string placeholder = "@SERVICE@";
-    const std::string name = dbus_bus_get_unique_name(bus_.get());
-    for (auto at = text.find(placeholder); at != std::string::npos; at = text.find(placeholder)) {
-        text.replace(at, placeholder.size(), name);
-    }
+    replaceAll(text, "@SERVICE@", dbus_bus_get_unique_name(bus_.get()));
+    replaceAll(text, "@PID@", std::to_string(getpid()));
+    replaceAll(text, "@DAMAGE_PAUSE@", std::to_string(damagePause.count()));
     const auto file = scriptFileOf(getpid());
     std::ofstream(file) << text;
     ++roundTrips_;
@@ -358,6 +386,7 @@ void Bridge::load() {
         return;
     }
     loaded_ = true;
+    damages_.clear();
     // KWin 6, then KWin 5.
     for (const std::string& path :
          {scriptingPath + ("/Script" + std::to_string(id)), "/" + std::to_string(id)}) {

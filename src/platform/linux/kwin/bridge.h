@@ -13,6 +13,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -36,6 +37,7 @@ struct Window {
     Rect client; ///< without decorations
     Rect buffer; ///< what the application draws, its own shadow included
     bool inTaskBar = true;
+    bool tellsDamage = false;         ///< whether KWin says when it has drawn anew
     std::vector<std::string> classes; ///< resource name and class, and the desktop file's name
     std::string caption;
 
@@ -61,10 +63,21 @@ public:
     /// Those on the screen, the topmost first. Runs the script for a while where nobody uses it.
     /// Absent when KWin does not answer.
     [[nodiscard]] const std::optional<std::vector<Window>>& windows();
+    /// Those that were last reported, without having the script run.
+    [[nodiscard]] const std::optional<std::vector<Window>>& knownWindows() const {
+        return windows_;
+    }
     /// Where the pointer is, in KWin's coordinates; absent when KWin does not answer.
     [[nodiscard]] std::optional<Point> pointer();
     /// Calls the handler when the pointer has moved.
     [[nodiscard]] Token onPointer(std::function<void()> handler);
+
+    /// Calls the handler with the id of a window that has drawn anew; now and then while it goes on
+    /// drawing.
+    [[nodiscard]] Token onDamage(std::function<void(const std::string&)> handler);
+    /// Since when a window has surely looked the same. Absent when KWin does not say when it draws.
+    [[nodiscard]] std::optional<std::chrono::steady_clock::time_point>
+    unchangedSince(const Window& window) const;
 
     /// How often KWin has been waited for.
     [[nodiscard]] std::size_t roundTrips() const { return roundTrips_; }
@@ -100,9 +113,12 @@ private:
     std::optional<Clock::time_point> silentSince_; ///< since a report did not come
     std::optional<std::vector<Window>> windows_;
     std::optional<Point> pointer_;
+    Clock::time_point reportsSince_;                   ///< when the script's first report came
+    std::map<std::string, Clock::time_point> damages_; ///< when a window's last one was told
     std::size_t roundTrips_ = 0;
     std::uint32_t lastNumber_ = 0;
     HandlerList<> pointerHandlers_;
+    HandlerList<const std::string&> damageHandlers_;
     Lifetime lifetime_;
 };
 

@@ -7,7 +7,8 @@ namespace lumetry::kwin {
 /// What runs in KWin while somebody asks: reports windows and the pointer to the program's
 /// connection of the session bus, which takes the place of "@SERVICE@". A window is one line of
 /// fields that are separated by tabs; KWin 5 lists its windows by age, with their places in the
-/// stack, KWin 6 from the bottom up.
+/// stack, KWin 6 from the bottom up. That a window of another process than "@PID@" has drawn anew
+/// is told at once, and then not again before "@DAMAGE_PAUSE@" milliseconds have passed.
 inline constexpr std::string_view script = R"js(
 "use strict";
 var six = workspace.stackingOrder !== undefined;
@@ -32,6 +33,9 @@ function shows(window) {
     return here && !window.minimized && !window.deleted && !window.hidden &&
         !window.hiddenByShowDesktop;
 }
+function tellsDamage(window) {
+    return window.damaged !== undefined && window.damaged.connect !== undefined;
+}
 function plain(text) {
     return String(text === undefined || text === null ? "" : text).replace(/[\t\r\n]/g, " ");
 }
@@ -48,7 +52,8 @@ function report() {
             lines.push([plain(window.internalId), window.pid, kindOf(window),
                         window === active ? 1 : 0, window.opacity, place(window.frameGeometry),
                         place(window.clientGeometry), place(window.bufferGeometry),
-                        window.skipTaskbar ? 1 : 0, plain(window.resourceName),
+                        window.skipTaskbar ? 1 : 0, tellsDamage(window) ? 1 : 0,
+                        plain(window.resourceName),
                         plain(window.resourceClass), plain(window.desktopFileName),
                         plain(window.caption)].join("\t"));
         }
@@ -64,6 +69,16 @@ function follow(window) {
         if (window[changes[i]] && window[changes[i]].connect) {
             window[changes[i]].connect(report);
         }
+    }
+    if (tellsDamage(window) && window.pid != @PID@) {
+        var told = 0;
+        window.damaged.connect(function() {
+            var passed = Date.now() - told;
+            if (passed < 0 || passed >= @DAMAGE_PAUSE@) {
+                told = Date.now();
+                send("damaged", plain(window.internalId));
+            }
+        });
     }
 }
 function arrived(window) { follow(window); report(); }

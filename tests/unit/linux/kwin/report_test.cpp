@@ -14,7 +14,7 @@ namespace lumetry::kwin {
 namespace {
 
 constexpr const char* lineOfKwin5 =
-    "{1-2}\t77\tnormal\t1\t0.5\t10 20 300.5 200\t\t-16 10 352 224\t0\t"
+    "{1-2}\t77\tnormal\t1\t0.5\t10 20 300.5 200\t\t-16 10 352 224\t0\t1\t"
     "editor\tEditor\torg.example.Editor\tNotes: a b";
 
 TEST(WindowReport, SaysWhatKWinKnowsOfWindows) {
@@ -30,6 +30,7 @@ TEST(WindowReport, SaysWhatKWinKnowsOfWindows) {
     EXPECT_EQ(window.client, window.frame); // KWin 5 does not tell it
     EXPECT_EQ(window.buffer, (Rect{-16, 10, 352, 224}));
     EXPECT_TRUE(window.inTaskBar);
+    EXPECT_TRUE(window.tellsDamage);
     EXPECT_EQ(window.classes, (std::vector<std::string>{"editor", "Editor", "org.example.Editor"}));
     EXPECT_EQ(window.caption, "Notes: a b");
 }
