@@ -134,9 +134,8 @@ TEST_F(PlasmaPrograms, AuditApplicationsOfEveryKind) {
         requireUntil("\"" + title + "\" to be audited", [&, title = title] {
             const auto finished = run(desktop, {LUMETRY_AUDIT, "--json", "--window", title});
             report = finished.output.empty() ? Json() : Json::parse(finished.output);
-            return report.is_object();
+            return report.is_object() && report["elements"] > 10; // it may still be starting
         });
-        EXPECT_GT(report["elements"], 10);
         // What the pixels show is where the elements are: their fills are found.
         EXPECT_GT(report["summary"]["palette"].size(), 2U);
         application.terminate();

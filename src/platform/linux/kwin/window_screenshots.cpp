@@ -94,6 +94,12 @@ std::optional<Form> formIn(DBusMessage& message) {
     return isUsable ? std::optional(form) : std::nullopt;
 }
 
+/// @param error its name; null when there is none
+bool saysNoSuchWindow(const char* error) {
+    return error != nullptr &&
+           std::string_view(error).find("InvalidWindow") != std::string_view::npos;
+}
+
 bool swapsRedAndBlue(dbus_uint32_t format) {
     constexpr dbus_uint32_t firstRgba = 16; // QImage::Format_RGBX8888 to RGBA8888_Premultiplied
     constexpr dbus_uint32_t lastRgba = 18;
@@ -292,7 +298,9 @@ void WindowScreenshots::takeAnswer(DBusMessage& message) {
                           ? formIn(message)
                           : std::nullopt;
     if (!form) {
-        request.end(Request::State::failed);
+        request.end(saysNoSuchWindow(dbus_message_get_error_name(&message))
+                        ? Request::State::complete
+                        : Request::State::failed);
         return;
     }
     request.state = Request::State::answered;

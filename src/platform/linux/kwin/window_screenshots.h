@@ -36,7 +36,7 @@ private:
     int descriptor_;
 };
 
-/// A window's pixels, its decoration included, without its shadow.
+/// A window's pixels, its decoration included, without its shadow; none when the window is gone.
 struct Screenshot {
     Bitmap bitmap;
     std::chrono::steady_clock::time_point asked; ///< the window may have changed since
@@ -57,7 +57,7 @@ public:
     /// @param window its id in KWin
     void begin(const std::string& window, Clock::time_point notBefore);
     /// The picture that was asked for, for which it waits until the deadline. Absent when none was
-    /// asked for, and when KWin does not answer, or has no such window.
+    /// asked for, and when KWin does not answer, or refuses.
     [[nodiscard]] std::optional<Screenshot> finish(const std::string& window,
                                                    Clock::time_point deadline);
     /// The picture that was asked for, if it is there.
