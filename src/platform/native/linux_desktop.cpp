@@ -44,12 +44,24 @@ LinuxDesktop::LinuxDesktop(const ApplicationMaker& makeApplication)
     QGuiApplication::setQuitOnLastWindowClosed(false);
 }
 
+LinuxDesktop::~LinuxDesktop() {
+    if (x11_ == nullptr) {
+        // At its end Qt 6.4 may wait for its Wayland connection's thread, and that one for a word
+        // from the compositor that never comes: the process's end does as well.
+        static_cast<void>(application_.release());
+    }
+}
+
 std::unique_ptr<LinuxDesktop> LinuxDesktop::open(const ApplicationMaker& makeApplication,
                                                  bool hasWindows, std::string& problem) {
     // That a display server or a bus has gone shows by what fails, and is not to end the process.
     std::signal(SIGPIPE, SIG_IGN);
     if (PlasmaDesktop::isPresent()) {
-        setenv("QT_QPA_PLATFORM", hasWindows ? "wayland;offscreen" : "offscreen", 0);
+        if (hasWindows) {
+            setenv("QT_QPA_PLATFORM", "wayland;offscreen", 0);
+        } else {
+            setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        }
         std::unique_ptr<LinuxDesktop> desktop(new LinuxDesktop(makeApplication));
         if (!desktop->connectToPlasma(problem)) {
             return nullptr;

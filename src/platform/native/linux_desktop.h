@@ -32,6 +32,10 @@ public:
     [[nodiscard]] static std::unique_ptr<LinuxDesktop> open(const ApplicationMaker& makeApplication,
                                                             bool hasWindows, std::string& problem);
 
+    LinuxDesktop(const LinuxDesktop&) = delete;
+    LinuxDesktop& operator=(const LinuxDesktop&) = delete;
+    ~LinuxDesktop() override;
+
     [[nodiscard]] const Platform& platform() const override { return *platform_; }
     [[nodiscard]] std::string trustProblem() override { return accessibility_->trustProblem(); }
     [[nodiscard]] int run() override;
