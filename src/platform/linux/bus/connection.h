@@ -16,6 +16,11 @@ struct CloseBus {
 };
 using BusConnection = std::unique_ptr<DBusConnection, CloseBus>;
 
+struct UnrefBusMessage {
+    void operator()(DBusMessage* message) const { dbus_message_unref(message); }
+};
+using BusMessage = std::unique_ptr<DBusMessage, UnrefBusMessage>;
+
 /// Where the session bus is; empty when nothing says so. Without an address libdbus would start a
 /// bus of its own, which no application is on.
 [[nodiscard]] std::string sessionBusAddress();

@@ -1,7 +1,7 @@
 #include "platform/linux/kwin/bridge.h"
 
 #include "base/text.h"
-#include "platform/linux/kwin/call.h"
+#include "platform/linux/kwin/patience.h"
 #include "platform/linux/kwin/script.h"
 #include "platform/linux/system/environment.h"
 
@@ -155,8 +155,33 @@ std::filesystem::path scriptFileOf(pid_t process) {
            (std::string(filePrefix) + std::to_string(process) + ".js");
 }
 
+} // namespace
+
+std::unique_ptr<Bridge> Bridge::open(FileDescriptorWatcher& watcher, RunLoop& runLoop,
+                                     std::string& problem) {
+    BusConnection bus = openBus(sessionBusAddress());
+    if (!bus) {
+        problem = "Lumetry cannot reach the session bus that KWin is on: start it inside the "
+                  "Plasma session, or set DBUS_SESSION_BUS_ADDRESS to that session's address.";
+        return nullptr;
+    }
+    std::unique_ptr<Bridge> bridge(new Bridge(watcher, runLoop, std::move(bus)));
+    if (!bridge->kwin_->isThere()) {
+        problem = "KWin is not on the session bus: start Lumetry inside the Plasma session.";
+        return nullptr;
+    }
+    bridge->unloadLeftovers();
+    return bridge;
+}
+
+Bridge::Bridge(FileDescriptorWatcher& watcher, RunLoop& runLoop, BusConnection bus)
+    : runLoop_(runLoop), bus_(std::move(bus)) {
+    reader_.emplace(*bus_, watcher, runLoop, [this] { read(); });
+    kwin_.emplace(*reader_, service, patienceMilliseconds);
+}
+
 /// Takes away what processes that were killed have left in KWin.
-void unloadLeftovers(DBusConnection* bus) {
+void Bridge::unloadLeftovers() {
     std::error_code error;
     const auto folder = scriptFileOf(0).parent_path();
     for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
@@ -168,42 +193,18 @@ void unloadLeftovers(DBusConnection* bus) {
         // This one's own was left by the same process before it began anew.
         const bool isLeft = process == getpid() || (kill(process, 0) != 0 && errno == ESRCH);
         if (process > 0 && isLeft) {
-            static_cast<void>(answerTo(bus, callOf(scriptingPath, scriptingInterface,
-                                                   "unloadScript", {scriptNameOf(process)})));
+            static_cast<void>(askKWin(scriptingPath, scriptingInterface, "unloadScript",
+                                      {scriptNameOf(process)}));
             std::filesystem::remove(entry.path(), error);
         }
     }
 }
 
-} // namespace
-
-std::unique_ptr<Bridge> Bridge::open(FileDescriptorWatcher& watcher, RunLoop& runLoop,
-                                     std::string& problem) {
-    BusConnection bus = openBus(sessionBusAddress());
-    if (!bus) {
-        problem = "Lumetry cannot reach the session bus that KWin is on: start it inside the "
-                  "Plasma session, or set DBUS_SESSION_BUS_ADDRESS to that session's address.";
-        return nullptr;
-    }
-    if (dbus_bus_name_has_owner(bus.get(), service, nullptr) == FALSE) {
-        problem = "KWin is not on the session bus: start Lumetry inside the Plasma session.";
-        return nullptr;
-    }
-    unloadLeftovers(bus.get());
-    return std::unique_ptr<Bridge>(new Bridge(watcher, runLoop, std::move(bus)));
-}
-
-Bridge::Bridge(FileDescriptorWatcher& watcher, RunLoop& runLoop, BusConnection bus)
-    : watcher_(watcher), runLoop_(runLoop), bus_(std::move(bus)) {
-    int descriptor = -1;
-    if (dbus_connection_get_unix_fd(bus_.get(), &descriptor) != FALSE) {
-        readable_ = watcher_.watchReadable(descriptor, [this] { read(); });
-    }
-    const std::string rule = std::string("type='signal',sender='org.freedesktop.DBus',"
-                                         "member='NameOwnerChanged',arg0='") +
-                             service + "'";
-    dbus_bus_add_match(bus_.get(), rule.c_str(), nullptr);
-    dbus_connection_flush(bus_.get());
+/// KWin's answer; null when it is an error, or none comes in time.
+BusMessage Bridge::askKWin(const std::string& path, const char* interface, const char* method,
+                           const std::vector<std::string>& texts) {
+    ++roundTrips_;
+    return reader_->answerTo(callOf(path, interface, method, texts), patienceMilliseconds);
 }
 
 Bridge::~Bridge() {
@@ -285,7 +286,7 @@ void Bridge::read() {
         handle(*message);
     }
     if (!connected) {
-        readable_.reset();
+        reader_.reset();
         bus_.reset();
         loaded_ = false;
         windows_.reset();
@@ -294,24 +295,19 @@ void Bridge::read() {
 }
 
 void Bridge::handle(DBusMessage& message) {
-    if (dbus_message_is_signal(&message, DBUS_INTERFACE_DBUS, "NameOwnerChanged") != FALSE) {
-        const char* name = nullptr;
-        const char* before = nullptr;
-        const char* after = nullptr;
-        dbus_message_get_args(&message, nullptr, DBUS_TYPE_STRING, &name, DBUS_TYPE_STRING, &before,
-                              DBUS_TYPE_STRING, &after, DBUS_TYPE_INVALID);
+    if (kwin_->take(message)) {
         // A KWin that has begun anew knows nothing of the script.
         windows_.reset();
         pointer_.reset();
         loaded_ = false;
-        if (users_ > 0 && after != nullptr && *after != '\0') {
+        if (users_ > 0 && kwin_->isThere()) {
             load();
         }
         return;
     }
     const char* const interface = dbus_message_get_interface(&message);
     if (dbus_message_get_type(&message) != DBUS_MESSAGE_TYPE_METHOD_CALL || interface == nullptr ||
-        std::string_view(interface) != ownInterface) {
+        std::string_view(interface) != ownInterface || !kwin_->hasSent(message)) {
         return;
     }
     const char* text = nullptr;
@@ -374,9 +370,8 @@ void Bridge::load() {
     replaceAll(text, "@DAMAGE_PAUSE@", std::to_string(damagePause.count()));
     const auto file = scriptFileOf(getpid());
     std::ofstream(file) << text;
-    ++roundTrips_;
-    const auto loaded = answerTo(bus_.get(), callOf(scriptingPath, scriptingInterface, "loadScript",
-                                                    {file.string(), scriptNameOf(getpid())}));
+    const auto loaded = askKWin(scriptingPath, scriptingInterface, "loadScript",
+                                {file.string(), scriptNameOf(getpid())});
     dbus_int32_t id = -1;
     if (!loaded ||
         dbus_message_get_args(loaded.get(), nullptr, DBUS_TYPE_INT32, &id, DBUS_TYPE_INVALID) ==
@@ -390,8 +385,7 @@ void Bridge::load() {
     // KWin 6, then KWin 5.
     for (const std::string& path :
          {scriptingPath + ("/Script" + std::to_string(id)), "/" + std::to_string(id)}) {
-        ++roundTrips_;
-        const auto ran = answerTo(bus_.get(), callOf(path, scriptInterface, "run"));
+        const auto ran = askKWin(path, scriptInterface, "run");
         if (ran && dbus_message_get_type(ran.get()) == DBUS_MESSAGE_TYPE_METHOD_RETURN) {
             break;
         }
@@ -403,8 +397,7 @@ void Bridge::unload() {
         const auto call =
             callOf(scriptingPath, scriptingInterface, "unloadScript", {scriptNameOf(getpid())});
         dbus_message_set_no_reply(call.get(), TRUE);
-        dbus_connection_send(bus_.get(), call.get(), nullptr);
-        dbus_connection_flush(bus_.get());
+        reader_->send(call);
     }
     std::error_code error;
     std::filesystem::remove(scriptFileOf(getpid()), error);
@@ -433,8 +426,8 @@ void Bridge::check() {
     if (users_ == 0 || !bus_) {
         return;
     }
-    const auto answer = answerTo(bus_.get(), callOf(scriptingPath, scriptingInterface,
-                                                    "isScriptLoaded", {scriptNameOf(getpid())}));
+    const auto answer =
+        askKWin(scriptingPath, scriptingInterface, "isScriptLoaded", {scriptNameOf(getpid())});
     dbus_bool_t isLoaded = TRUE;
     if (answer &&
         dbus_message_get_args(answer.get(), nullptr, DBUS_TYPE_BOOLEAN, &isLoaded,

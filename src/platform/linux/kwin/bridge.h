@@ -4,6 +4,7 @@
 #include "base/handler_list.h"
 #include "base/lifetime.h"
 #include "base/token.h"
+#include "platform/linux/bus/bus_reader.h"
 #include "platform/linux/bus/connection.h"
 #include "platform/linux/loop/file_descriptor_watcher.h"
 #include "platform/run_loop.h"
@@ -81,8 +82,6 @@ public:
 
     /// How often KWin has been waited for.
     [[nodiscard]] std::size_t roundTrips() const { return roundTrips_; }
-    /// The connection, for other services of KWin. Null when the bus is gone.
-    [[nodiscard]] DBusConnection* bus() const { return bus_.get(); }
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -92,6 +91,10 @@ private:
     void read();
     void handle(DBusMessage& message);
     void take(const char* method, const char* text);
+    [[nodiscard]] BusMessage askKWin(const std::string& path, const char* interface,
+                                     const char* method,
+                                     const std::vector<std::string>& texts = {});
+    void unloadLeftovers();
     void load();
     void unload();
     void linger();
@@ -101,10 +104,10 @@ private:
     void await(const std::function<bool()>& condition);
     void ensureReport(const std::function<bool()>& isThere);
 
-    FileDescriptorWatcher& watcher_;
     RunLoop& runLoop_;
     BusConnection bus_;
-    Token readable_;
+    std::optional<BusReader> reader_;
+    std::optional<BusNameOwner> kwin_;
     int users_ = 0;
     bool lingers_ = false;
     bool checks_ = false;

@@ -1,6 +1,6 @@
 #include "platform/linux/kwin/global_shortcuts.h"
 
-#include "platform/linux/kwin/call.h"
+#include "platform/linux/kwin/patience.h"
 
 #include <algorithm>
 #include <array>
@@ -57,16 +57,15 @@ int keyIn(DBusMessage& answer) {
 
 } // namespace
 
-GlobalShortcuts::GlobalShortcuts(FileDescriptorWatcher& watcher)
-    : bus_(openBus(sessionBusAddress())) {
-    int descriptor = -1;
-    if (!bus_ || dbus_connection_get_unix_fd(bus_.get(), &descriptor) == FALSE) {
+GlobalShortcuts::GlobalShortcuts(FileDescriptorWatcher& watcher, RunLoop& runLoop)
+    : runLoop_(runLoop), bus_(openBus(sessionBusAddress())) {
+    if (!bus_) {
         return;
     }
-    readable_ = watcher.watchReadable(descriptor, [this] { read(); });
-    const std::string rule = std::string("type='signal',interface='") + componentInterface +
-                             "',member='globalShortcutPressed'";
-    dbus_bus_add_match(bus_.get(), rule.c_str(), nullptr);
+    reader_.emplace(*bus_, watcher, runLoop, [this] { read(); });
+    keeper_.emplace(*reader_, service, patienceMilliseconds);
+    reader_->listen(std::string("type='signal',interface='") + componentInterface +
+                    "',member='globalShortcutPressed'");
     // One that was killed may have left its own behind, and with it Escape taken.
     for (const std::string& action : takenWhileInspecting) {
         release(action);
@@ -75,33 +74,10 @@ GlobalShortcuts::GlobalShortcuts(FileDescriptorWatcher& watcher)
 
 Token GlobalShortcuts::take(const std::string& action, const std::string& title, int key,
                             std::function<void()> handler) {
-    if (!bus_) {
-        return {};
-    }
-    const auto id = actionId(action, title);
-    const BusMessage enrol = callOf("doRegister");
-    DBusMessageIter arguments;
-    dbus_message_iter_init_append(enrol.get(), &arguments);
-    appendTexts(arguments, id);
-    static_cast<void>(answerTo(bus_.get(), enrol));
-
-    const BusMessage set = callOf("setShortcut");
-    dbus_message_iter_init_append(set.get(), &arguments);
-    appendTexts(arguments, id);
-    DBusMessageIter keys;
-    const dbus_int32_t number = key;
-    dbus_message_iter_open_container(&arguments, DBUS_TYPE_ARRAY, DBUS_TYPE_INT32_AS_STRING, &keys);
-    dbus_message_iter_append_basic(&keys, DBUS_TYPE_INT32, &number);
-    dbus_message_iter_close_container(&arguments, &keys);
-    dbus_message_iter_append_basic(&arguments, DBUS_TYPE_UINT32, &presentAndFixed);
-    const auto answer = answerTo(bus_.get(), set);
-    if (!answer || keyIn(*answer) != key) {
-        if (onTaken_) {
-            std::exchange(onTaken_, nullptr)();
-        }
-    }
-    auto shortcut = std::make_shared<Shortcut>(Shortcut{action, std::move(handler)});
+    constexpr int tries = 5;
+    auto shortcut = std::make_shared<Shortcut>(Shortcut{action, title, key, std::move(handler)});
     shortcuts_.push_back(shortcut);
+    enrol(shortcut, tries);
     return Token(lifetime_.guard([this, shortcut = std::weak_ptr(shortcut)] {
         if (const auto held = shortcut.lock()) {
             std::erase(shortcuts_, held);
@@ -114,6 +90,41 @@ Token GlobalShortcuts::take(const std::string& action, const std::string& title,
     }));
 }
 
+/// Has KWin keep the key. Whoever does not answer in time is asked again later.
+void GlobalShortcuts::enrol(const std::shared_ptr<Shortcut>& shortcut, int triesLeft) {
+    if (!bus_ || triesLeft == 0) {
+        return;
+    }
+    const auto id = actionId(shortcut->action, shortcut->title);
+    const BusMessage enrolment = callOf("doRegister");
+    DBusMessageIter arguments;
+    dbus_message_iter_init_append(enrolment.get(), &arguments);
+    appendTexts(arguments, id);
+    const BusMessage set = callOf("setShortcut");
+    dbus_message_iter_init_append(set.get(), &arguments);
+    appendTexts(arguments, id);
+    DBusMessageIter keys;
+    const dbus_int32_t number = shortcut->key;
+    dbus_message_iter_open_container(&arguments, DBUS_TYPE_ARRAY, DBUS_TYPE_INT32_AS_STRING, &keys);
+    dbus_message_iter_append_basic(&keys, DBUS_TYPE_INT32, &number);
+    dbus_message_iter_close_container(&arguments, &keys);
+    dbus_message_iter_append_basic(&arguments, DBUS_TYPE_UINT32, &presentAndFixed);
+    const auto answer = reader_->answerTo(enrolment, patienceMilliseconds)
+                            ? reader_->answerTo(set, patienceMilliseconds)
+                            : nullptr;
+    if (!answer) {
+        constexpr double pauseSeconds = 2;
+        runLoop_.after(pauseSeconds,
+                       lifetime_.guard([this, later = std::weak_ptr(shortcut), triesLeft] {
+                           if (const auto held = later.lock()) {
+                               enrol(held, triesLeft - 1);
+                           }
+                       }));
+    } else if (keyIn(*answer) != shortcut->key && onTaken_) {
+        std::exchange(onTaken_, nullptr)();
+    }
+}
+
 void GlobalShortcuts::release(const std::string& action) {
     if (!bus_) {
         return;
@@ -124,32 +135,35 @@ void GlobalShortcuts::release(const std::string& action) {
     dbus_message_append_args(call.get(), DBUS_TYPE_STRING, &name, DBUS_TYPE_STRING, &letters,
                              DBUS_TYPE_INVALID);
     dbus_message_set_no_reply(call.get(), TRUE);
-    dbus_connection_send(bus_.get(), call.get(), nullptr);
-    dbus_connection_flush(bus_.get());
+    reader_->send(call);
 }
 
 void GlobalShortcuts::read() {
     const bool connected = dbus_connection_read_write(bus_.get(), 0) != FALSE;
     while (const BusMessage message{dbus_connection_pop_message(bus_.get())}) {
-        const char* pressedComponent = nullptr;
-        const char* action = nullptr;
-        if (dbus_message_is_signal(message.get(), componentInterface, "globalShortcutPressed") ==
-                FALSE ||
-            dbus_message_get_args(message.get(), nullptr, DBUS_TYPE_STRING, &pressedComponent,
-                                  DBUS_TYPE_STRING, &action, DBUS_TYPE_INVALID) == FALSE ||
-            std::string_view(pressedComponent) != component) {
-            continue;
-        }
-        const auto shortcuts = shortcuts_;
-        for (const auto& shortcut : shortcuts) {
-            if (shortcut->action == action) {
-                shortcut->handler();
-            }
-        }
+        handle(*message);
     }
     if (!connected) {
-        readable_.reset();
+        reader_.reset();
         bus_.reset();
+    }
+}
+
+void GlobalShortcuts::handle(DBusMessage& message) {
+    const char* pressedComponent = nullptr;
+    const char* action = nullptr;
+    if (keeper_->take(message) || !keeper_->hasSent(message) ||
+        dbus_message_is_signal(&message, componentInterface, "globalShortcutPressed") == FALSE ||
+        dbus_message_get_args(&message, nullptr, DBUS_TYPE_STRING, &pressedComponent,
+                              DBUS_TYPE_STRING, &action, DBUS_TYPE_INVALID) == FALSE ||
+        std::string_view(pressedComponent) != component) {
+        return;
+    }
+    const auto shortcuts = shortcuts_;
+    for (const auto& shortcut : shortcuts) {
+        if (shortcut->action == action) {
+            shortcut->handler();
+        }
     }
 }
 

@@ -5,11 +5,13 @@
 #include "base/token.h"
 #include "platform/hot_keys.h"
 #include "platform/input.h"
+#include "platform/linux/bus/bus_reader.h"
 #include "platform/linux/bus/connection.h"
 #include "platform/linux/loop/file_descriptor_watcher.h"
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,7 +20,7 @@ namespace lumetry::kwin {
 /// Shortcuts that KWin keeps for programs (KGlobalAccel).
 class GlobalShortcuts final : public HotKeys {
 public:
-    explicit GlobalShortcuts(FileDescriptorWatcher& watcher);
+    GlobalShortcuts(FileDescriptorWatcher& watcher, RunLoop& runLoop);
 
     /// Takes a key for as long as the token lives.
     /// @param action its name among this program's
@@ -36,14 +38,20 @@ public:
 private:
     struct Shortcut {
         std::string action;
+        std::string title;
+        int key = 0;
         std::function<void()> handler;
     };
 
+    void enrol(const std::shared_ptr<Shortcut>& shortcut, int triesLeft);
     void read();
+    void handle(DBusMessage& message);
     void release(const std::string& action);
 
+    RunLoop& runLoop_;
     BusConnection bus_;
-    Token readable_;
+    std::optional<BusReader> reader_;
+    std::optional<BusNameOwner> keeper_;
     std::vector<std::shared_ptr<Shortcut>> shortcuts_;
     AnsweringHandlerList<EventStatus, const HotKeyEvent*> handlers_;
     std::function<void()> onTaken_;

@@ -1,6 +1,6 @@
 #include "platform/linux/kwin/screen_capture.h"
 
-#include "platform/linux/kwin/call.h"
+#include "platform/linux/kwin/patience.h"
 
 #include <unistd.h>
 
@@ -174,28 +174,31 @@ std::optional<Bitmap> KWinCapture::compose(const Rect& area, double scale) {
     if (!size || !windows) {
         return std::nullopt;
     }
-    std::vector<const Window*> shown;
+    const auto deadline = Clock::now() + std::chrono::milliseconds(patienceMilliseconds);
+    std::vector<std::pair<Point, Shot*>> shown;
     for (const Window& window : *windows) {
         const Rect shared = intersect(window.frame, area);
         if (shared.isEmpty() || window.pid == getpid()) {
             continue;
         }
-        shown.push_back(&window);
-        if (shared == area && window.opacity >= 1 && window.kind == Kind::normal) {
-            break; // nothing below it shows, but for its round corners
-        }
-    }
-    const auto deadline = Clock::now() + std::chrono::milliseconds(patienceMilliseconds);
-    Bitmap composed(size->width, size->height);
-    for (std::size_t place = shown.size(); place-- > 0;) {
-        const Window& window = *shown[place];
         Shot* const shot = shotOf(window, deadline);
         if (shot == nullptr) {
             return std::nullopt;
         }
-        const Rect inWindow = {area.x - window.frame.x, area.y - window.frame.y, area.width,
-                               area.height};
-        const auto layer = shot->picture.captureBelow(inWindow, 0, *size, Interpolation::none);
+        if (shot->picture.picture().pixels.empty()) {
+            continue; // it is gone
+        }
+        shown.emplace_back(window.frame.origin(), shot);
+        if (shared == area && window.opacity >= 1 && window.kind == Kind::normal) {
+            break; // nothing below it shows, but for its round corners
+        }
+    }
+    Bitmap composed(size->width, size->height);
+    for (std::size_t place = shown.size(); place-- > 0;) {
+        const auto& [origin, shot] = shown[place];
+        const auto layer = shot->picture.captureBelow(
+            {area.x - origin.x, area.y - origin.y, area.width, area.height}, 0, *size,
+            Interpolation::none);
         for (std::size_t pixel = 0; layer && pixel < composed.pixels.size(); ++pixel) {
             const std::uint32_t source = layer->pixels[pixel];
             const std::uint32_t alpha = source >> 24U;

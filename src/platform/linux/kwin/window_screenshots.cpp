@@ -1,6 +1,6 @@
 #include "platform/linux/kwin/window_screenshots.h"
 
-#include "platform/linux/kwin/call.h"
+#include "platform/linux/kwin/patience.h"
 
 #include <fcntl.h>
 #include <poll.h>

@@ -21,11 +21,6 @@ constexpr int patienceMilliseconds = 200;
 
 constexpr const char* propertiesInterface = "org.freedesktop.DBus.Properties";
 
-struct UnrefBusMessage {
-    void operator()(DBusMessage* message) const { dbus_message_unref(message); }
-};
-using BusMessage = std::unique_ptr<DBusMessage, UnrefBusMessage>;
-
 /// Something on a bus that says whether the screen is locked: it is asked, and signals changes.
 class LockService {
 public:

@@ -17,7 +17,7 @@ namespace lumetry {
 struct PlasmaDesktop::Parts {
     Parts(FileDescriptorWatcher& watcher, RunLoop& runLoop, std::unique_ptr<kwin::Bridge> opened,
           std::unique_ptr<WaylandDesktop> surfaces)
-        : bridge(std::move(opened)), wayland(std::move(surfaces)), shortcuts(watcher),
+        : bridge(std::move(opened)), wayland(std::move(surfaces)), shortcuts(watcher, runLoop),
           capture(*bridge, watcher, runLoop, [this] { return outputs(); }),
           windows(
               *bridge, [this] { return outputs(); }, [this] { return capture.isAllowed(); },

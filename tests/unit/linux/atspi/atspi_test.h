@@ -1,6 +1,6 @@
 #pragma once
 
-#include "scripted_bus.h"
+#include "scripted_application.h"
 
 #include "platform/ax_value.h"
 #include "platform/linux/atspi/accessibility.h"
@@ -62,7 +62,7 @@ protected:
         return title ? title->as<std::string>().value_or("not text") : "-";
     }
 
-    ScriptedBus bus;
+    PrivateBus bus;
     std::vector<std::unique_ptr<ScriptedApplication>> applications;
     std::unique_ptr<ScriptedApplication> registry;
     FixedWindows windows;

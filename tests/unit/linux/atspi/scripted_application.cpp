@@ -1,4 +1,4 @@
-#include "scripted_bus.h"
+#include "scripted_application.h"
 
 #include "rig/processes/file_descriptor.h"
 
@@ -40,26 +40,6 @@ constexpr const char* editableTextInterface = "org.a11y.atspi.EditableText";
 constexpr const char* tableInterface = "org.a11y.atspi.Table";
 constexpr const char* valueInterface = "org.a11y.atspi.Value";
 constexpr const char* nullPath = "/org/a11y/atspi/null";
-
-/// As lenient as a session's bus.
-std::string configuration(const std::string& address) {
-    return R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig>
-  <type>session</type>
-  <listen>)" +
-           address +
-           R"(</listen>
-  <auth>EXTERNAL</auth>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-  <limit name="max_replies_per_connection">50000</limit>
-</busconfig>
-)";
-}
 
 void append(DBusMessageIter& at, int type, const void* value) {
     dbus_message_iter_append_basic(&at, type, value);
@@ -475,41 +455,7 @@ Answer numberedReferences(std::string pathPrefix, int count) {
     };
 }
 
-ScriptedBus::ScriptedBus() {
-    std::string folder = (std::filesystem::temp_directory_path() / "lumetry-bus-XXXXXX").string();
-    if (mkdtemp(folder.data()) == nullptr) {
-        throw std::runtime_error("no folder can be made at " + folder);
-    }
-    folder_ = folder;
-    address_ = "unix:path=" + folder + "/bus";
-    std::ofstream(folder_ / "bus.conf") << configuration(address_);
-    start();
-    setenv("AT_SPI_BUS_ADDRESS", address_.c_str(), 1);
-    setenv("DBUS_SESSION_BUS_ADDRESS", address_.c_str(), 1);
-}
-
-ScriptedBus::~ScriptedBus() {
-    unsetenv("AT_SPI_BUS_ADDRESS");
-    unsetenv("DBUS_SESSION_BUS_ADDRESS");
-    daemon_.reset();
-    std::error_code error;
-    std::filesystem::remove_all(folder_, error);
-}
-
-void ScriptedBus::start() {
-    daemon_.emplace(std::vector<std::string>{"dbus-daemon", "--nofork", "--nosyslog",
-                                             "--config-file=" + (folder_ / "bus.conf").string(),
-                                             "--print-address=1"});
-    desktop::requireUntil("the bus", [&] { return !daemon_->standardOutput().empty(); });
-}
-
-void ScriptedBus::restart() {
-    daemon_.reset();
-    std::filesystem::remove(folder_ / "bus");
-    start();
-}
-
-ScriptedApplication::ScriptedApplication(const ScriptedBus& bus, ScriptedTree tree,
+ScriptedApplication::ScriptedApplication(const PrivateBus& bus, ScriptedTree tree,
                                          const std::vector<std::string>& wellKnownNames)
     : counts_(static_cast<Counts*>(mmap(nullptr, sizeof(Counts), PROT_READ | PROT_WRITE,
                                         MAP_SHARED | MAP_ANONYMOUS, -1, 0))) {

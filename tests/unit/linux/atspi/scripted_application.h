@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rig/processes/child_process.h"
+#include "support/fake_linux/private_bus.h"
 
 #include <dbus/dbus.h>
 #include <sys/types.h>
@@ -17,30 +17,6 @@
 #include <vector>
 
 namespace lumetry::test {
-
-/// A message bus of the test's own. While it lives, this program takes it for the session's bus and
-/// for the accessibility bus.
-class ScriptedBus {
-public:
-    ScriptedBus();
-    ~ScriptedBus();
-    ScriptedBus(const ScriptedBus&) = delete;
-    ScriptedBus& operator=(const ScriptedBus&) = delete;
-
-    [[nodiscard]] const std::string& address() const { return address_; }
-    /// Goes with the bus; room for a test's own files.
-    [[nodiscard]] const std::filesystem::path& folder() const { return folder_; }
-    /// Ends the bus and starts another one at the same address.
-    void restart();
-    [[nodiscard]] desktop::ChildProcess& daemon() { return *daemon_; }
-
-private:
-    void start();
-
-    std::filesystem::path folder_;
-    std::string address_;
-    std::optional<desktop::ChildProcess> daemon_;
-};
 
 /// A reference to an object; without a name, of the application itself.
 struct Reference {
@@ -102,7 +78,7 @@ struct Counts {
 class ScriptedApplication {
 public:
     /// @param wellKnownNames taken besides the connection's own
-    ScriptedApplication(const ScriptedBus& bus, ScriptedTree tree,
+    ScriptedApplication(const PrivateBus& bus, ScriptedTree tree,
                         const std::vector<std::string>& wellKnownNames = {});
     ~ScriptedApplication();
     ScriptedApplication(const ScriptedApplication&) = delete;

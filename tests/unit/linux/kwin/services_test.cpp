@@ -1,0 +1,132 @@
+#include "platform/linux/kwin/bridge.h"
+#include "platform/linux/kwin/global_shortcuts.h"
+#include "platform/linux/kwin/screen_capture.h"
+#include "scripted_kwin.h"
+#include "support/fake_linux/poll_loop.h"
+#include "support/printing/printing.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <thread>
+
+namespace lumetry::kwin {
+namespace {
+
+using namespace std::chrono_literals;
+
+std::string line(const std::string& id, bool tellsDamage) {
+    return id + "\t77\tnormal\t1\t1\t10 20 40 20\t\t\t0\t" + (tellsDamage ? "1" : "0") +
+           "\teditor\tEditor\t\tNotes";
+}
+
+class KWinServices : public testing::Test {
+protected:
+    explicit KWinServices(const std::string& windows = line("{1}", true))
+        : kwin(windows), bridge(Bridge::open(loop, loop, problem)) {}
+
+    [[nodiscard]] std::optional<std::uint32_t> pixel() {
+        const auto bitmap = capture.captureBelow({15, 25, 1, 1}, 0);
+        return bitmap ? std::optional(bitmap->at(0, 0)) : std::nullopt;
+    }
+    /// Until a picture is not taken again for its age alone.
+    static void letPicturesAge() { std::this_thread::sleep_for(120ms); }
+
+    test::PollLoop loop;
+    test::ScriptedKWin kwin;
+    std::string problem;
+    std::unique_ptr<Bridge> bridge;
+    KWinCapture capture{*bridge, loop, loop, [] {
+                            return std::vector<Output>{{{0, 0, 800, 600}}};
+                        }};
+    Token use = bridge->use();
+};
+
+TEST_F(KWinServices, TakeAPictureAgainUntilTheWindowChanges) {
+    EXPECT_EQ(pixel(), 0xFF332211); // its red and blue are the other way round
+    letPicturesAge();
+    EXPECT_EQ(pixel(), 0xFF332211);
+    EXPECT_EQ(kwin.captures, 1);
+    kwin.color = 0xFF445566;
+    kwin.tell("damaged", "{1}");
+    letPicturesAge();
+    EXPECT_EQ(pixel(), 0xFF665544);
+    EXPECT_EQ(kwin.captures, 2);
+    // It may go on changing unheard for a while: once it is at rest, there is another picture.
+    kwin.color = 0xFF0A0B0C;
+    ASSERT_TRUE(loop.runUntil([&] { return kwin.captures == 3; }));
+    letPicturesAge();
+    EXPECT_EQ(pixel(), 0xFF0C0B0A);
+    EXPECT_EQ(kwin.captures, 3);
+}
+
+TEST_F(KWinServices, AreHeardFromKWinAlone) {
+    EXPECT_EQ(bridge->pointer(), (Point{1, 2}));
+    loop.settle();
+    int moves = 0;
+    const auto token = bridge->onPointer([&] { ++moves; });
+    kwin.pretend("pointer", "500 500");
+    kwin.tell("pointer", "5 6");
+    ASSERT_TRUE(loop.runUntil([&] { return moves > 0; }));
+    loop.settle();
+    EXPECT_EQ(moves, 1);
+    EXPECT_EQ(bridge->pointer(), (Point{5, 6}));
+}
+
+// It comes in while the program waits for an answer, and with nothing behind it.
+TEST_F(KWinServices, AreHeardWhileSomethingElseIsWaitedFor) {
+    ASSERT_TRUE(bridge->windows());
+    loop.settle();
+    int moves = 0;
+    const auto token = bridge->onPointer([&] { ++moves; });
+    loop.skip(2.5); // the script is looked after every other second
+    EXPECT_TRUE(loop.runUntil([&] { return moves == 1; }));
+}
+
+TEST_F(KWinServices, AreNotWaitedForAgainAtOnce) {
+    ASSERT_TRUE(bridge->windows());
+    kwin.answers = false;
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(pixel(), std::nullopt);
+    EXPECT_EQ(pixel(), std::nullopt);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 950ms);
+}
+
+TEST_F(KWinServices, KeepAKeyOrSayThatItIsTaken) {
+    GlobalShortcuts shortcuts(loop, loop);
+    bool taken = false;
+    int presses = 0;
+    shortcuts.onTaken([&] { taken = true; });
+    kwin.answers = false;
+    const auto token = shortcuts.take("leave", "Leave", 1, [&] { ++presses; });
+    kwin.answers = true;
+    EXPECT_EQ(kwin.keys, 0);
+    EXPECT_FALSE(taken); // nobody has said so
+    loop.skip(2.5);
+    ASSERT_TRUE(loop.runUntil([&] { return kwin.keys == 1; }));
+    kwin.press("leave");
+    ASSERT_TRUE(loop.runUntil([&] { return presses == 1; }));
+    kwin.gives = false;
+    const auto another = shortcuts.take("pin", "Pin", 2, [] {});
+    EXPECT_TRUE(taken);
+}
+
+class KWinServicesWithoutDamage : public KWinServices {
+protected:
+    KWinServicesWithoutDamage() : KWinServices(line("{gone}", false) + "\n" + line("{1}", false)) {}
+};
+
+TEST_F(KWinServicesWithoutDamage, ShowWhatIsBelowAWindowThatIsGoneForAMoment) {
+    EXPECT_EQ(pixel(), 0xFF332211);
+    const int before = kwin.captures;
+    EXPECT_EQ(pixel(), 0xFF332211);
+    EXPECT_EQ(kwin.captures, before);
+    letPicturesAge();
+    EXPECT_EQ(pixel(), 0xFF332211);
+    EXPECT_EQ(kwin.captures, 2 * before);
+}
+
+} // namespace
+} // namespace lumetry::kwin
