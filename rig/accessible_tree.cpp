@@ -78,6 +78,11 @@ bool Accessible::is(AccessibleState state) const {
     return present && ((first >> static_cast<unsigned>(state)) & 1U) != 0;
 }
 
+void Accessible::press() const {
+    (void)call(*bus_, {application_, path_}, "org.a11y.atspi.Action", "DoAction",
+               g_variant_new("(i)", 0));
+}
+
 std::optional<Accessible>
 Accessible::find(const std::function<bool(const Accessible&)>& fits) const {
     if (fits(*this)) {

@@ -34,6 +34,8 @@ public:
     [[nodiscard]] std::vector<Accessible> children() const;
     [[nodiscard]] bool is(AccessibleState state) const;
     [[nodiscard]] bool showing() const { return is(AccessibleState::showing); }
+    /// Does what a click on it does.
+    void press() const;
 
     /// The first of this element and its descendants, in depth-first order, that fits.
     [[nodiscard]] std::optional<Accessible>

@@ -8,7 +8,9 @@ namespace lumetry::kwin {
 /// connection of the session bus, which takes the place of "@SERVICE@". A window is one line of
 /// fields that are separated by tabs; KWin 5 lists its windows by age, with their places in the
 /// stack, KWin 6 from the bottom up. That a window of another process than "@PID@" has drawn anew
-/// is told at once, and then not again before "@DAMAGE_PAUSE@" milliseconds have passed.
+/// is told at once, and then not again before "@DAMAGE_PAUSE@" milliseconds have passed. Lumetry's
+/// overlay is left out, whichever process shows it: what lies below it is measured from the command
+/// line as well.
 inline constexpr std::string_view script = R"js(
 "use strict";
 var six = workspace.stackingOrder !== undefined;
@@ -25,7 +27,11 @@ function kindOf(window) {
         window.comboBox || window.notification || window.onScreenDisplay) { return "popup"; }
     return window.utility || window.toolbar ? "floating" : "normal";
 }
+function isOverlay(window) {
+    return window.resourceClass == "lumetry" && !window.caption && !window.desktopFileName;
+}
 function shows(window) {
+    if (isOverlay(window)) { return false; }
     var desktop = workspace.currentDesktop;
     var here = window.onAllDesktops ||
         (six ? window.desktops.length == 0 || window.desktops.indexOf(desktop) >= 0

@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "platform/linux/system/environment.h"
+#include "platform/qt/widgets/notifier_item.h"
 #include "platform/qt/widgets/notifier_tray.h"
 #include "platform/qt/widgets/template_icon.h"
 
@@ -207,6 +208,9 @@ bool QtStatusBar::isPresent() {
 }
 
 std::unique_ptr<StatusItem> QtStatusBar::makeStatusItem() {
+    if (QGuiApplication::platformName().startsWith(QStringLiteral("wayland"))) {
+        return std::make_unique<NotifierItem>(*notifierTray_);
+    }
     return std::make_unique<QtStatusItem>(embeddingTray_, *notifierTray_);
 }
 

@@ -28,9 +28,14 @@ public:
         return pixmap;
     }
 
-    /// Trays that take pictures over the bus are sent these.
+    /// Trays that take pictures over the bus are sent these: 16, 22 and 32 points at the usual
+    /// scales.
     QList<QSize> availableSizes(QIcon::Mode /*mode*/, QIcon::State /*state*/) override {
-        return {{16, 16}, {22, 22}, {24, 24}, {32, 32}, {48, 48}};
+        QList<QSize> sizes;
+        for (const int side : {16, 20, 22, 24, 28, 32, 33, 44, 48, 64}) {
+            sizes.push_back({side, side});
+        }
+        return sizes;
     }
 
     [[nodiscard]] QIconEngine* clone() const override {
