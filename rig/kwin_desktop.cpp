@@ -18,8 +18,8 @@ constexpr const char* socketName = "wayland-0";
 
 const Environment variables = {
     {"XDG_SESSION_TYPE", "wayland"}, {"XDG_CURRENT_DESKTOP", "KDE"}, {"KDE_FULL_SESSION", "true"},
-    {"WAYLAND_DISPLAY", socketName}, {"GDK_BACKEND", "wayland"},     {"QT_QPA_PLATFORM", "wayland"},
-    {"MOZ_ENABLE_WAYLAND", "1"},     {"LIBGL_ALWAYS_SOFTWARE", "1"},
+    {"WAYLAND_DISPLAY", socketName}, {"GDK_BACKEND", "wayland"},     {"MOZ_ENABLE_WAYLAND", "1"},
+    {"LIBGL_ALWAYS_SOFTWARE", "1"},
 };
 
 /// Windows come and go at once.

@@ -10,11 +10,47 @@
 #include "probe/hit_test.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 
 namespace lumetry {
 namespace {
+
+/// What opening a desktop sets for this process alone is back as it was at the end: a command that
+/// is started for an audit would not show its windows without a display.
+class OwnEnvironment {
+public:
+    OwnEnvironment() {
+        for (std::size_t place = 0; place < names.size(); ++place) {
+            if (const char* const text = std::getenv(names.at(place))) {
+                before_.at(place) = text;
+            }
+        }
+    }
+    OwnEnvironment(const OwnEnvironment&) = delete;
+    OwnEnvironment& operator=(const OwnEnvironment&) = delete;
+    ~OwnEnvironment() {
+        for (std::size_t place = 0; place < names.size(); ++place) {
+            if (before_.at(place)) {
+                setenv(names.at(place), before_.at(place)->c_str(), 1);
+            } else {
+                unsetenv(names.at(place));
+            }
+        }
+    }
+
+private:
+    static constexpr std::array names = {"QT_QPA_PLATFORM", "QT_XCB_GL_INTEGRATION", "QT_FONT_DPI"};
+    std::array<std::optional<std::string>, names.size()> before_;
+};
+
+std::unique_ptr<NativeDesktop> openDesktop(int& argc, char** argv, std::string& problem) {
+    const OwnEnvironment environment;
+    return NativeDesktop::open(argc, argv, problem);
+}
 
 std::string lockedProblem(const Platform& platform) {
     return platform.screenLock.isLocked()
@@ -25,7 +61,7 @@ std::string lockedProblem(const Platform& platform) {
 } // namespace
 
 ReadableDesktop openReadableDesktop(int& argc, char** argv, std::string& problem) {
-    ReadableDesktop opened = {NativeDesktop::open(argc, argv, problem), {}};
+    ReadableDesktop opened = {openDesktop(argc, argv, problem), {}};
     if (!opened.desktop) {
         return opened;
     }

@@ -140,6 +140,11 @@ TEST_F(PlasmaPrograms, AuditApplicationsOfEveryKind) {
         EXPECT_GT(report["summary"]["palette"].size(), 2U);
         application.terminate();
     }
+    // One that is started for it finds the environment that the audit was started with, not what
+    // that has set for itself.
+    const auto finished = run(desktop, {LUMETRY_AUDIT, "--json", "--", LUMETRY_QT_FORM});
+    ASSERT_FALSE(finished.output.empty()) << finished.error;
+    EXPECT_GT(Json::parse(finished.output)["elements"], 10);
 }
 
 } // namespace
