@@ -76,6 +76,12 @@ void setOutputScale(const std::string& socket, std::size_t output, double scale)
     });
 }
 
+void setOutputTransform(const std::string& socket, std::size_t output, int transform) {
+    configure(socket, [&](Configuration* configuration, const Devices& devices) {
+        kde_output_configuration_v2_transform(configuration, devices.at(output), transform);
+    });
+}
+
 void setOutputEnabled(const std::string& socket, std::size_t output, bool enabled) {
     configure(socket, [&](Configuration* configuration, const Devices& devices) {
         kde_output_configuration_v2_enable(configuration, devices.at(output), enabled ? 1 : 0);

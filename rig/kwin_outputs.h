@@ -12,6 +12,8 @@ namespace lumetry::desktop {
 /// @param output its place among the compositor's outputs
 /// @{
 void setOutputScale(const std::string& socket, std::size_t output, double scale);
+/// @param transform as in wl_output: quarters of a turn, 4 more where it is flipped
+void setOutputTransform(const std::string& socket, std::size_t output, int transform);
 void setOutputEnabled(const std::string& socket, std::size_t output, bool enabled);
 /// @param places of all outputs, the primary one first
 void setOutputOrder(const std::string& socket, const std::vector<std::size_t>& places);

@@ -284,6 +284,28 @@ TEST_F(PlasmaOverlay, FollowsTheOutputs) {
     rig.expectCrispOutline(1.5, 1);
 }
 
+TEST_F(PlasmaOverlay, StaysUprightOnATurnedOutput) {
+    OverlayRig rig({.width = 1200, .height = 900});
+    rig.view.target = {100, 450, 400, 300};
+    rig.window->orderFrontRegardless();
+    constexpr int transforms = 8;
+    for (int transform = 1; transform <= transforms; ++transform) {
+        // At the end it is as it was in the beginning.
+        const bool lies = transform % 2 == 1;
+        SCOPED_TRACE(transform);
+        setOutputTransform(rig.desktop.socket(), 0, transform % transforms);
+        const Rect frame = lies ? Rect{0, 0, 900, 1200} : Rect{0, 0, 1200, 900};
+        rig.loop.requireUntil("the output to turn",
+                              [&] { return rig.wayland().screens().front().frame == frame; });
+        // From the top it is as far away as before.
+        rig.view.target = {100, frame.height - 450, 400, 300};
+        rig.window->setFrame(frame);
+        rig.window->setNeedsDisplay();
+        rig.loop.settle();
+        rig.expectCrispOutline(1);
+    }
+}
+
 TEST_F(PlasmaOverlay, ComesAboveAnX11MenuWhenAsked) {
     OverlayRig rig({.width = 800, .height = 600, .xwayland = true});
     rig.view.target = OverlayRig::outlined;
