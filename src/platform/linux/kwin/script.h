@@ -8,7 +8,8 @@ namespace lumetry::kwin {
 /// connection of the session bus, which takes the place of "@SERVICE@". A window is one line of
 /// fields that are separated by tabs; KWin 5 lists its windows by age, with their places in the
 /// stack, KWin 6 from the bottom up. That a window of another process than "@PID@" has drawn anew
-/// is told at once, and then not again before "@DAMAGE_PAUSE@" milliseconds have passed. Lumetry's
+/// is told at once, and then not again before "@DAMAGE_PAUSE@" milliseconds have passed; not by
+/// KWin 6, of which it is not known whether it counts what a window's subsurfaces draw. Lumetry's
 /// overlay is left out, whichever process shows it: what lies below it is measured from the command
 /// line as well.
 inline constexpr std::string_view script = R"js(
@@ -40,7 +41,7 @@ function shows(window) {
         !window.hiddenByShowDesktop;
 }
 function tellsDamage(window) {
-    return window.damaged !== undefined && window.damaged.connect !== undefined;
+    return !six && window.damaged !== undefined && window.damaged.connect !== undefined;
 }
 function plain(text) {
     return String(text === undefined || text === null ? "" : text).replace(/[\t\r\n]/g, " ");

@@ -7,6 +7,31 @@
 #include <utility>
 
 namespace lumetry::wayland {
+namespace {
+
+bool contains(const Rect& outer, const Rect& inner) {
+    return intersect(outer, inner) == inner;
+}
+
+/// Those that show something that no other one shows: where one mirrors another, a surface of
+/// either is on both.
+std::vector<Output> outputsToCover(const std::vector<Output>& outputs) {
+    std::vector<Output> covered;
+    for (const Output& output : outputs) {
+        const bool isShownAlready = std::ranges::any_of(covered, [&output](const Output& other) {
+            return contains(other.frame, output.frame);
+        });
+        if (!isShownAlready) {
+            std::erase_if(covered, [&output](const Output& other) {
+                return contains(output.frame, other.frame);
+            });
+            covered.push_back(output);
+        }
+    }
+    return covered;
+}
+
+} // namespace
 
 WaylandOverlayWindow::WaylandOverlayWindow(const OverlaySurroundings& surroundings,
                                            const Rect& contentRect)
@@ -55,7 +80,7 @@ void WaylandOverlayWindow::orderOut() {
 }
 
 void WaylandOverlayWindow::coverOutputs() {
-    const auto& outputs = surroundings_.outputs.layout().outputs;
+    const auto outputs = outputsToCover(surroundings_.outputs.layout().outputs);
     std::erase_if(covers_, [&outputs](const Cover& cover) {
         return std::ranges::find(outputs, cover.output, &Output::global) == outputs.end();
     });
