@@ -21,7 +21,6 @@ std::string debianPackageOf(const std::string& program) {
         {"Xvfb", "xvfb"},
         {"chromium", "chromium"},
         {"dbus-daemon", "dbus-daemon"},
-        {"designer", "designer-qt6"},
         {"firefox-esr", "firefox-esr"},
         {"gtk3-widget-factory", "gtk-3-examples"},
         {"openbox", "openbox"},
