@@ -51,7 +51,12 @@ struct NotifierTray::Taken {
         {
             auto& taken = *static_cast<Taken*>(data);
             const std::lock_guard lock(taken.mutex);
-            taken.item = g_dbus_message_get_sender(message);
+            const char* service = nullptr;
+            GVariant* const body = g_dbus_message_get_body(message);
+            if (body != nullptr && g_variant_is_of_type(body, G_VARIANT_TYPE("(s)")) != FALSE) {
+                g_variant_get(body, "(&s)", &service);
+                taken.item = service;
+            }
         }
         GDBusMessage* const reply = g_dbus_message_new_method_reply(message);
         g_dbus_connection_send_message(bus, reply, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr,

@@ -48,14 +48,15 @@ void BusReader::readRest() {
     }));
 }
 
-BusNameOwner::BusNameOwner(BusReader& reader, std::string name, int milliseconds)
-    : name_(std::move(name)) {
+BusNameOwner::BusNameOwner(BusReader& reader, std::string name) : name_(std::move(name)) {
     reader.listen("type='signal',sender='" DBUS_SERVICE_DBUS "',member='NameOwnerChanged',arg0='" +
                   name_ + "'");
     const BusMessage call(dbus_message_new_method_call(DBUS_SERVICE_DBUS, DBUS_PATH_DBUS,
                                                        DBUS_INTERFACE_DBUS, "GetNameOwner"));
     const char* const letters = name_.c_str();
     dbus_message_append_args(call.get(), DBUS_TYPE_STRING, &letters, DBUS_TYPE_INVALID);
+    // It is the bus itself that answers, and nobody says it again.
+    constexpr int milliseconds = 5000;
     const auto answer = reader.answerTo(call, milliseconds);
     const char* owner = nullptr;
     if (answer && dbus_message_get_args(answer.get(), nullptr, DBUS_TYPE_STRING, &owner,

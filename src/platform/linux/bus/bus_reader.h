@@ -47,7 +47,7 @@ private:
 class BusNameOwner {
 public:
     /// Asks the bus, and has it tell of changes.
-    BusNameOwner(BusReader& reader, std::string name, int milliseconds);
+    BusNameOwner(BusReader& reader, std::string name);
 
     /// Takes in that the name has another owner, or none. False when the message says something
     /// else.

@@ -15,6 +15,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <system_error>
 #include <utility>
 
@@ -150,6 +151,18 @@ std::string scriptNameOf(pid_t process) {
     return "lumetry-" + std::to_string(process);
 }
 
+/// The name on the bus that a script reports to; one that nobody has, where the file says none.
+std::string serviceIn(const std::filesystem::path& file) {
+    std::ostringstream content;
+    content << std::ifstream(file).rdbuf();
+    const std::string text = content.str();
+    constexpr std::string_view before = "callDBus(\"";
+    const auto at = text.find(before);
+    const auto begin = at == std::string::npos ? text.size() : at + before.size();
+    const std::string name = text.substr(begin, text.find('"', begin) - begin);
+    return dbus_validate_bus_name(name.c_str(), nullptr) != FALSE ? name : "app.lumetry.Nobody";
+}
+
 std::filesystem::path scriptFileOf(pid_t process) {
     return std::filesystem::path(environmentText("XDG_RUNTIME_DIR", "/tmp")) /
            (std::string(filePrefix) + std::to_string(process) + ".js");
@@ -177,7 +190,7 @@ std::unique_ptr<Bridge> Bridge::open(FileDescriptorWatcher& watcher, RunLoop& ru
 Bridge::Bridge(FileDescriptorWatcher& watcher, RunLoop& runLoop, BusConnection bus)
     : runLoop_(runLoop), bus_(std::move(bus)) {
     reader_.emplace(*bus_, watcher, runLoop, [this] { read(); });
-    kwin_.emplace(*reader_, service, patienceMilliseconds);
+    kwin_.emplace(*reader_, service);
 }
 
 /// Takes away what processes that were killed have left in KWin.
@@ -190,8 +203,11 @@ void Bridge::unloadLeftovers() {
             name.starts_with(filePrefix)
                 ? static_cast<pid_t>(std::strtol(&name[filePrefix.size()], nullptr, 10))
                 : 0;
-        // This one's own was left by the same process before it began anew.
-        const bool isLeft = process == getpid() || (kill(process, 0) != 0 && errno == ESRCH);
+        // This one's own was left by the same process before it began anew. Another process may
+        // have got the number of one that was killed, but not its name on the bus.
+        const bool isLeft =
+            process == getpid() || (kill(process, 0) != 0 && errno == ESRCH) ||
+            dbus_bus_name_has_owner(bus_.get(), serviceIn(entry.path()).c_str(), nullptr) == FALSE;
         if (process > 0 && isLeft) {
             static_cast<void>(askKWin(scriptingPath, scriptingInterface, "unloadScript",
                                       {scriptNameOf(process)}));
@@ -268,12 +284,12 @@ Token Bridge::onDamage(std::function<void(const std::string&)> handler) {
 
 std::optional<std::chrono::steady_clock::time_point>
 Bridge::unchangedSince(const Window& window) const {
-    if (!window.tellsDamage) {
+    if (!window.tellsDamage || !reportsSince_) {
         return std::nullopt;
     }
     const auto last = damages_.find(window.id);
     return last == damages_.end() ? reportsSince_
-                                  : std::max(reportsSince_, last->second + damagePause);
+                                  : std::max(*reportsSince_, last->second + damagePause);
 }
 
 /// Takes in what has arrived.
@@ -332,10 +348,11 @@ void Bridge::take(const char* method, const char* text) {
                                         : std::vector<Window>::iterator();
             window.number = windows_ && known != windows_->end() ? known->number : ++lastNumber_;
         }
-        if (!windows_) {
+        if (!reportsSince_) {
             reportsSince_ = Clock::now();
         }
         windows_ = std::move(windows);
+        forgetOldDamages();
     } else if (std::string_view(method) == "damaged") {
         damages_[text] = Clock::now();
         damageHandlers_.call(text);
@@ -347,6 +364,16 @@ void Bridge::take(const char* method, const char* text) {
             tellPointer();
         }
     }
+}
+
+/// Those of windows that are not shown any more, and have not been for long: one that comes back
+/// soon is known.
+void Bridge::forgetOldDamages() {
+    constexpr auto longestKept = std::chrono::minutes(1);
+    std::erase_if(damages_, [this, oldest = Clock::now() - longestKept](const auto& damage) {
+        return damage.second < oldest &&
+               std::ranges::find(*windows_, damage.first, &Window::id) == windows_->end();
+    });
 }
 
 /// Later, and once for several moves: this may be in the middle of what the last one has begun.
@@ -381,6 +408,8 @@ void Bridge::load() {
         return;
     }
     loaded_ = true;
+    // Of what happened before it runs the script knows nothing.
+    reportsSince_.reset();
     damages_.clear();
     // KWin 6, then KWin 5.
     for (const std::string& path :

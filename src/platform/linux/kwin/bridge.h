@@ -101,6 +101,7 @@ private:
     void check();
     void checkLater();
     void tellPointer();
+    void forgetOldDamages();
     void await(const std::function<bool()>& condition);
     void ensureReport(const std::function<bool()>& isThere);
 
@@ -116,7 +117,7 @@ private:
     std::optional<Clock::time_point> silentSince_; ///< since a report did not come
     std::optional<std::vector<Window>> windows_;
     std::optional<Point> pointer_;
-    Clock::time_point reportsSince_;                   ///< when the script's first report came
+    std::optional<Clock::time_point> reportsSince_;    ///< when the script's first report came
     std::map<std::string, Clock::time_point> damages_; ///< when a window's last one was told
     std::size_t roundTrips_ = 0;
     std::uint32_t lastNumber_ = 0;

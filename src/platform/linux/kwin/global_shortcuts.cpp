@@ -63,21 +63,16 @@ GlobalShortcuts::GlobalShortcuts(FileDescriptorWatcher& watcher, RunLoop& runLoo
         return;
     }
     reader_.emplace(*bus_, watcher, runLoop, [this] { read(); });
-    keeper_.emplace(*reader_, service, patienceMilliseconds);
+    keeper_.emplace(*reader_, service);
     reader_->listen(std::string("type='signal',interface='") + componentInterface +
                     "',member='globalShortcutPressed'");
-    // One that was killed may have left its own behind, and with it Escape taken.
-    for (const std::string& action : takenWhileInspecting) {
-        release(action);
-    }
 }
 
 Token GlobalShortcuts::take(const std::string& action, const std::string& title, int key,
                             std::function<void()> handler) {
-    constexpr int tries = 5;
     auto shortcut = std::make_shared<Shortcut>(Shortcut{action, title, key, std::move(handler)});
     shortcuts_.push_back(shortcut);
-    enrol(shortcut, tries);
+    enrol(shortcut);
     return Token(lifetime_.guard([this, shortcut = std::weak_ptr(shortcut)] {
         if (const auto held = shortcut.lock()) {
             std::erase(shortcuts_, held);
@@ -91,8 +86,8 @@ Token GlobalShortcuts::take(const std::string& action, const std::string& title,
 }
 
 /// Has KWin keep the key. Whoever does not answer in time is asked again later.
-void GlobalShortcuts::enrol(const std::shared_ptr<Shortcut>& shortcut, int triesLeft) {
-    if (!bus_ || triesLeft == 0) {
+void GlobalShortcuts::enrol(const std::shared_ptr<Shortcut>& shortcut) {
+    if (!bus_) {
         return;
     }
     const auto id = actionId(shortcut->action, shortcut->title);
@@ -114,12 +109,11 @@ void GlobalShortcuts::enrol(const std::shared_ptr<Shortcut>& shortcut, int tries
                             : nullptr;
     if (!answer) {
         constexpr double pauseSeconds = 2;
-        runLoop_.after(pauseSeconds,
-                       lifetime_.guard([this, later = std::weak_ptr(shortcut), triesLeft] {
-                           if (const auto held = later.lock()) {
-                               enrol(held, triesLeft - 1);
-                           }
-                       }));
+        runLoop_.after(pauseSeconds, lifetime_.guard([this, later = std::weak_ptr(shortcut)] {
+            if (const auto held = later.lock()) {
+                enrol(held);
+            }
+        }));
     } else if (keyIn(*answer) != shortcut->key && onTaken_) {
         std::exchange(onTaken_, nullptr)();
     }
@@ -178,6 +172,11 @@ Token GlobalShortcuts::registerEventHotKey(std::uint32_t keyCode, std::uint32_t 
     constexpr int letterM = 0x4D;
     if (keyCode != keyCodeM) {
         return {};
+    }
+    // Only the program that inspects has a hot key. One that was killed may have left what it took
+    // behind, Escape among it.
+    for (const std::string& action : takenWhileInspecting) {
+        release(action);
     }
     const int key = letterM | ((modifiers & hotKeyShift) != 0 ? shift : 0) |
                     ((modifiers & hotKeyControl) != 0 ? control : 0);

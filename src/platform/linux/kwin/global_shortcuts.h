@@ -43,7 +43,7 @@ private:
         std::function<void()> handler;
     };
 
-    void enrol(const std::shared_ptr<Shortcut>& shortcut, int triesLeft);
+    void enrol(const std::shared_ptr<Shortcut>& shortcut);
     void read();
     void handle(DBusMessage& message);
     void release(const std::string& action);

@@ -39,9 +39,10 @@ PictureCapture pictureOf(Bitmap bitmap, double width) {
 
 } // namespace
 
-KWinCapture::Shot::Shot(Screenshot screenshot, Size size, Clock::time_point lastWanted)
-    : picture(pictureOf(std::move(screenshot.bitmap), size.width)), windowSize(size),
-      asked(screenshot.asked), right(asked), wanted(lastWanted) {}
+KWinCapture::Shot::Shot(Screenshot screenshot, Clock::time_point lastWanted)
+    : picture(pictureOf(std::move(screenshot.bitmap), screenshot.windowSize.width)),
+      windowSize(screenshot.windowSize), asked(screenshot.asked), right(asked), wanted(lastWanted) {
+}
 
 KWinCapture::KWinCapture(Bridge& bridge, FileDescriptorWatcher& watcher, RunLoop& runLoop,
                          std::function<std::vector<Output>()> outputs)
@@ -81,8 +82,7 @@ KWinCapture::Shot& KWinCapture::keep(const Window& window, Screenshot&& screensh
     const auto before = shots_.find(window.id);
     const auto lastWanted = before == shots_.end() ? Clock::now() : before->second.wanted;
     shots_.erase(window.id);
-    return shots_.try_emplace(window.id, std::move(screenshot), window.frame.size(), lastWanted)
-        .first->second;
+    return shots_.try_emplace(window.id, std::move(screenshot), lastWanted).first->second;
 }
 
 /// Null when the window cannot be captured.
@@ -91,7 +91,7 @@ KWinCapture::Shot* KWinCapture::shotOf(const Window& window, Clock::time_point d
     Shot* shot =
         known != shots_.end() && isUsable(known->second, window) ? &known->second : nullptr;
     if (shot == nullptr) {
-        screenshots_.begin(window.id, usableSince(window));
+        screenshots_.begin(window, usableSince(window));
         auto screenshot = screenshots_.finish(window.id, deadline);
         if (!screenshot) {
             shots_.erase(window.id);
@@ -119,7 +119,7 @@ void KWinCapture::pointerMoved() {
     const auto shot = shots_.find(window->id);
     if (shot != shots_.end() && !confirm(shot->second, *window) &&
         Clock::now() - shot->second.wanted < attentionMoving) {
-        screenshots_.begin(window->id, usableSince(*window));
+        screenshots_.begin(*window, usableSince(*window));
     }
 }
 
@@ -141,7 +141,7 @@ void KWinCapture::captureAtRest(const std::string& windowId) {
     }
     awaitingRest_.erase(windowId);
     if (unchangedSince && !confirm(shot->second, *window)) {
-        screenshots_.begin(windowId, *unchangedSince);
+        screenshots_.begin(*window, *unchangedSince);
     }
 }
 
@@ -149,7 +149,7 @@ void KWinCapture::dropUnused() {
     const auto oldest = Clock::now() - longestUnused;
     std::erase_if(shots_, [oldest](const auto& entry) { return entry.second.wanted < oldest; });
     screenshots_.dropBefore(oldest);
-    dropsUnused_ = !shots_.empty();
+    dropsUnused_ = !shots_.empty() || !screenshots_.isEmpty();
     if (dropsUnused_) {
         runLoop_.after(seconds(longestUnused), lifetime_.guard([this] { dropUnused(); }));
     }
@@ -175,10 +175,30 @@ std::optional<Bitmap> KWinCapture::compose(const Rect& area, double scale) {
         return std::nullopt;
     }
     const auto deadline = Clock::now() + std::chrono::milliseconds(patienceMilliseconds);
+    const auto isPartOf = [&area](const Window& window) {
+        return !intersect(window.frame, area).isEmpty() && window.pid != getpid();
+    };
+    // Nothing below it shows, but for its round corners.
+    const auto covers = [&area](const Window& window) {
+        return intersect(window.frame, area) == area && window.opacity >= 1 &&
+               window.kind == Kind::normal;
+    };
+    // KWin takes one frame for all that it is asked for at once.
+    for (const Window& window : *windows) {
+        if (!isPartOf(window)) {
+            continue;
+        }
+        const auto known = shots_.find(window.id);
+        if (known == shots_.end() || !isUsable(known->second, window)) {
+            screenshots_.begin(window, usableSince(window));
+        }
+        if (covers(window)) {
+            break;
+        }
+    }
     std::vector<std::pair<Point, Shot*>> shown;
     for (const Window& window : *windows) {
-        const Rect shared = intersect(window.frame, area);
-        if (shared.isEmpty() || window.pid == getpid()) {
+        if (!isPartOf(window)) {
             continue;
         }
         Shot* const shot = shotOf(window, deadline);
@@ -189,8 +209,8 @@ std::optional<Bitmap> KWinCapture::compose(const Rect& area, double scale) {
             continue; // it is gone
         }
         shown.emplace_back(window.frame.origin(), shot);
-        if (shared == area && window.opacity >= 1 && window.kind == Kind::normal) {
-            break; // nothing below it shows, but for its round corners
+        if (covers(window)) {
+            break;
         }
     }
     Bitmap composed(size->width, size->height);

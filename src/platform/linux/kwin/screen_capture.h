@@ -43,7 +43,7 @@ private:
     using Clock = std::chrono::steady_clock;
 
     struct Shot {
-        Shot(Screenshot screenshot, Size size, Clock::time_point lastWanted);
+        Shot(Screenshot screenshot, Clock::time_point lastWanted);
 
         PictureCapture picture; ///< in points from the window's top-left corner
         Size windowSize;

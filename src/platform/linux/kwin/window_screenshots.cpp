@@ -198,27 +198,29 @@ bool WindowScreenshots::connect() {
     return bus_ != nullptr;
 }
 
-void WindowScreenshots::begin(const std::string& window, Clock::time_point notBefore) {
+void WindowScreenshots::begin(const Window& window, Clock::time_point notBefore) {
     // Whoever has not answered in time is let alone for a while.
     constexpr auto pause = std::chrono::seconds(1);
     const auto now = Clock::now();
-    const auto known = requests_.find(window);
+    const auto known = requests_.find(window.id);
     const bool isKnown = known != requests_.end() &&
                          known->second->state != Request::State::failed &&
-                         known->second->shot.asked >= notBefore;
+                         known->second->shot.asked >= notBefore &&
+                         known->second->shot.windowSize == window.frame.size();
     if (isKnown || (silentSince_ && now - *silentSince_ < pause) || !connect()) {
         return;
     }
-    Request& request = *(requests_[window] = std::make_unique<Request>());
+    Request& request = *(requests_[window.id] = std::make_unique<Request>());
     request.shot.asked = now;
+    request.shot.windowSize = window.frame.size();
     const bool sent =
         request.pipe.open() &&
-        dbus_connection_send(bus_.get(), captureCall(window, request.pipe.writing.get()).get(),
+        dbus_connection_send(bus_.get(), captureCall(window.id, request.pipe.writing.get()).get(),
                              &request.serial) != FALSE;
     dbus_connection_flush(bus_.get());
     request.pipe.writing.reset();
     if (!sent) {
-        requests_.erase(window);
+        requests_.erase(window.id);
     }
 }
 

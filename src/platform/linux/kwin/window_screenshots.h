@@ -1,8 +1,10 @@
 #pragma once
 
 #include "base/bitmap.h"
+#include "base/geometry.h"
 #include "base/token.h"
 #include "platform/linux/bus/connection.h"
+#include "platform/linux/kwin/bridge.h"
 #include "platform/linux/loop/file_descriptor_watcher.h"
 
 #include <unistd.h>
@@ -39,6 +41,7 @@ private:
 /// A window's pixels, its decoration included, without its shadow; none when the window is gone.
 struct Screenshot {
     Bitmap bitmap;
+    Size windowSize;                             ///< in points, when it was asked for
     std::chrono::steady_clock::time_point asked; ///< the window may have changed since
 };
 
@@ -53,9 +56,8 @@ public:
     WindowScreenshots& operator=(const WindowScreenshots&) = delete;
     ~WindowScreenshots();
 
-    /// Asks for a window's picture, unless it has been asked for since that time.
-    /// @param window its id in KWin
-    void begin(const std::string& window, Clock::time_point notBefore);
+    /// Asks for a window's picture, unless one of that size has been asked for since that time.
+    void begin(const Window& window, Clock::time_point notBefore);
     /// The picture that was asked for, for which it waits until the deadline. Absent when none was
     /// asked for, and when KWin does not answer, or refuses.
     [[nodiscard]] std::optional<Screenshot> finish(const std::string& window,
@@ -64,6 +66,8 @@ public:
     [[nodiscard]] std::optional<Screenshot> arrived(const std::string& window);
     /// Forgets the pictures that were asked for before that time.
     void dropBefore(Clock::time_point time);
+    /// Whether all pictures that were asked for have been taken.
+    [[nodiscard]] bool isEmpty() const { return requests_.empty(); }
 
     /// Whether KWin answers this program, for which it waits.
     [[nodiscard]] bool isAllowed();

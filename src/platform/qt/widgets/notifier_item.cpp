@@ -73,7 +73,8 @@ const QString menuPath = QStringLiteral("/StatusNotifierItem/Menu");
 QList<NotifierPicture> picturesOf(const QIcon& icon) {
     QList<NotifierPicture> pictures;
     for (const QSize& size : icon.availableSizes()) {
-        const QImage image = icon.pixmap(size).toImage().convertToFormat(QImage::Format_ARGB32);
+        const QImage image =
+            icon.pixmap(size, 1.0).toImage().convertToFormat(QImage::Format_ARGB32);
         NotifierPicture picture{image.width(), image.height(), {}};
         picture.pixels.resize(image.sizeInBytes());
         qToBigEndian<quint32>(image.constBits(), image.sizeInBytes() / 4, picture.pixels.data());

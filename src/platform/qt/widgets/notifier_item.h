@@ -13,7 +13,7 @@ namespace lumetry {
 
 class NotifierTray;
 
-/// An item in the tray of the session bus (StatusNotifierItem) whose menu the tray shows, on any
+/// An item in the tray of the session bus (StatusNotifierItem) whose menu the tray shows on a
 /// click. On Wayland a program cannot place a menu of its own beside its icon.
 class NotifierItem final : public StatusItem, private BusObject {
 public:
@@ -29,7 +29,7 @@ public:
 
 private:
     [[nodiscard]] QVariantMap properties() const override;
-    /// All clicks open the menu.
+    /// Answers none: the tray opens the menu itself.
     std::optional<QVariantList> call(const QString& /*method*/,
                                      const QVariantList& /*arguments*/) override {
         return std::nullopt;

@@ -2,9 +2,12 @@
 
 #include <QDBusArgument>
 #include <QDBusMetaType>
+#include <QDBusVariant>
 #include <QMetaObject>
 #include <QStringList>
 
+#include <cstddef>
+#include <numeric>
 #include <utility>
 
 namespace lumetry {
@@ -16,6 +19,14 @@ struct MenuNode {
     QVariantList children;
 };
 
+/// What has happened to a row.
+struct MenuEvent {
+    int id = 0;
+    QString name;
+    QDBusVariant data;
+    unsigned time = 0;
+};
+
 /// What a row is like, without those below it.
 struct MenuNodeProperties {
     int id = 0;
@@ -24,7 +35,7 @@ struct MenuNodeProperties {
 
 } // namespace lumetry
 
-// Both are sent only: Qt wants to be able to read what it writes.
+// Qt wants to be able to read what it writes, and the other way round.
 QDBusArgument& operator<<(QDBusArgument& argument, const lumetry::MenuNode& node) {
     argument.beginStructure();
     argument << node.id << node.properties << node.children;
@@ -50,6 +61,20 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, lumetry::MenuNode
     return argument;
 }
 
+QDBusArgument& operator<<(QDBusArgument& argument, const lumetry::MenuEvent& event) {
+    argument.beginStructure();
+    argument << event.id << event.name << event.data << event.time;
+    argument.endStructure();
+    return argument;
+}
+const QDBusArgument& operator>>(const QDBusArgument& argument, lumetry::MenuEvent& event) {
+    argument.beginStructure();
+    argument >> event.id >> event.name >> event.data >> event.time;
+    argument.endStructure();
+    return argument;
+}
+
+Q_DECLARE_METATYPE(lumetry::MenuEvent)
 Q_DECLARE_METATYPE(lumetry::MenuNode)
 Q_DECLARE_METATYPE(lumetry::MenuNodeProperties)
 
@@ -57,6 +82,8 @@ namespace lumetry {
 
 NotifierMenu::NotifierMenu(const QString& path)
     : BusObject(path, QStringLiteral("com.canonical.dbusmenu")) {
+    qDBusRegisterMetaType<MenuEvent>();
+    qDBusRegisterMetaType<QList<MenuEvent>>();
     qDBusRegisterMetaType<MenuNode>();
     qDBusRegisterMetaType<MenuNodeProperties>();
     qDBusRegisterMetaType<QList<MenuNodeProperties>>();
@@ -64,6 +91,8 @@ NotifierMenu::NotifierMenu(const QString& path)
 }
 
 void NotifierMenu::setRows(std::vector<MenuItem> rows) {
+    // A click on a row that is gone is not one on the row in its place.
+    firstId_ += static_cast<int>(rows_.size());
     rows_ = std::move(rows);
     ++revision_;
     sendSignal(QStringLiteral("LayoutUpdated"), {revision_, 0});
@@ -78,41 +107,77 @@ QVariantMap NotifierMenu::properties() const {
 
 std::optional<QVariantList> NotifierMenu::call(const QString& method,
                                                const QVariantList& arguments) {
-    if (method == QStringLiteral("GetLayout") && !arguments.isEmpty()) {
-        return layout(arguments[0].toInt());
+    const int id = arguments.isEmpty() ? 0 : arguments[0].toInt();
+    if (method == QStringLiteral("GetLayout") && arguments.size() > 1) {
+        return isThere(id) ? std::optional(layout(id, arguments[1].toInt())) : std::nullopt;
     }
     if (method == QStringLiteral("GetGroupProperties") && !arguments.isEmpty()) {
+        const auto wanted = qdbus_cast<QList<int>>(arguments[0]);
         QList<MenuNodeProperties> list;
-        for (const int id : qdbus_cast<QList<int>>(arguments[0])) {
-            list.push_back({id, propertiesOf(id)});
+        for (const int one : wanted.isEmpty() ? ids() : wanted) {
+            if (isThere(one)) {
+                list.push_back({one, propertiesOf(one)});
+            }
         }
         return QVariantList{QVariant::fromValue(list)};
     }
+    if (method == QStringLiteral("GetProperty") && arguments.size() > 1) {
+        const QVariant value = propertiesOf(id).value(arguments[1].toString());
+        return value.isValid()
+                   ? std::optional(QVariantList{QVariant::fromValue(QDBusVariant(value))})
+                   : std::nullopt;
+    }
     if (method == QStringLiteral("Event") && arguments.size() > 1) {
-        if (arguments[1].toString() == QStringLiteral("clicked")) {
-            choose(arguments[0].toInt());
-        }
+        take(id, arguments[1].toString());
         return QVariantList();
     }
+    if (method == QStringLiteral("EventGroup") && !arguments.isEmpty()) {
+        QList<int> unknown;
+        for (const MenuEvent& event : qdbus_cast<QList<MenuEvent>>(arguments[0])) {
+            take(event.id, event.name);
+            if (!isThere(event.id)) {
+                unknown.push_back(event.id);
+            }
+        }
+        return QVariantList{QVariant::fromValue(unknown)};
+    }
     // Nothing changes while it is open.
+    if (method == QStringLiteral("AboutToShowGroup")) {
+        return QVariantList{QVariant::fromValue(QList<int>()), QVariant::fromValue(QList<int>())};
+    }
     return method == QStringLiteral("AboutToShow") ? std::optional(QVariantList{false})
                                                    : std::nullopt;
 }
 
-QVariantList NotifierMenu::layout(int parent) const {
+/// @param depth how many levels of rows below it are wanted; negative for all
+QVariantList NotifierMenu::layout(int parent, int depth) const {
     MenuNode node{parent, propertiesOf(parent), {}};
-    const int count = parent == 0 ? static_cast<int>(rows_.size()) : 0;
-    for (int id = 1; id <= count; ++id) {
-        node.children.push_back(QVariant::fromValue(MenuNode{id, propertiesOf(id), {}}));
+    if (parent == 0 && depth != 0) {
+        for (const int id : ids()) {
+            node.children.push_back(QVariant::fromValue(MenuNode{id, propertiesOf(id), {}}));
+        }
     }
     return {revision_, QVariant::fromValue(node)};
 }
 
+QList<int> NotifierMenu::ids() const {
+    QList<int> ids(static_cast<qsizetype>(rows_.size()));
+    std::iota(ids.begin(), ids.end(), firstId_);
+    return ids;
+}
+
+/// Null when there is none of that number.
+const MenuItem* NotifierMenu::row(int id) const {
+    const auto place = static_cast<std::size_t>(id - firstId_);
+    return id >= firstId_ && place < rows_.size() ? &rows_[place] : nullptr;
+}
+
 QVariantMap NotifierMenu::propertiesOf(int id) const {
-    if (id < 1 || static_cast<std::size_t>(id) > rows_.size()) {
+    const MenuItem* const known = row(id);
+    if (known == nullptr) {
         return {{QStringLiteral("children-display"), QStringLiteral("submenu")}};
     }
-    const MenuItem& row = rows_[static_cast<std::size_t>(id) - 1];
+    const MenuItem& row = *known;
     if (row.separator) {
         return {{QStringLiteral("type"), QStringLiteral("separator")}};
     }
@@ -128,13 +193,11 @@ QVariantMap NotifierMenu::propertiesOf(int id) const {
     return properties;
 }
 
-void NotifierMenu::choose(int id) {
-    if (id < 1 || static_cast<std::size_t>(id) > rows_.size()) {
-        return;
-    }
+void NotifierMenu::take(int id, const QString& event) {
+    const MenuItem* const chosen = event == QStringLiteral("clicked") ? row(id) : nullptr;
     // Later, for the row may end the program: the tray is answered before.
-    if (const auto& action = rows_[static_cast<std::size_t>(id) - 1].action) {
-        QMetaObject::invokeMethod(this, action, Qt::QueuedConnection);
+    if (chosen != nullptr && chosen->action) {
+        QMetaObject::invokeMethod(this, chosen->action, Qt::QueuedConnection);
     }
 }
 

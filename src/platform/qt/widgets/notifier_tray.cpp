@@ -17,10 +17,10 @@ const QString& service() {
 
 NotifierTray::NotifierTray()
     : watcher_(service(), QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForOwnerChange) {
-    QObject::connect(&watcher_, &QDBusServiceWatcher::serviceRegistered, &watcher_,
-                     [this] { setPresent(true); });
-    QObject::connect(&watcher_, &QDBusServiceWatcher::serviceUnregistered, &watcher_,
-                     [this] { setPresent(false); });
+    // One tray may hand over to the next without a pause.
+    QObject::connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, &watcher_,
+                     [this](const QString& /*name*/, const QString& /*before*/,
+                            const QString& after) { setPresent(!after.isEmpty()); });
     auto* const bus = QDBusConnection::sessionBus().interface();
     present_ = bus != nullptr && bus->isServiceRegistered(service()).value();
 }

@@ -67,13 +67,13 @@ void ScriptedKWin::handle(DBusMessage& call) {
     }
     const BusMessage answer(dbus_message_new_method_return(&call));
     const dbus_int32_t number = 1;
-    const dbus_bool_t yes = TRUE;
+    const dbus_bool_t isLoaded = hasScript ? TRUE : FALSE;
     if (member == "loadScript") {
         dbus_message_append_args(answer.get(), DBUS_TYPE_INT32, &number, DBUS_TYPE_INVALID);
     } else if (member == "isScriptLoaded") {
         // A word of the script's comes before what the program waits for.
         tell("pointer", "3 4");
-        dbus_message_append_args(answer.get(), DBUS_TYPE_BOOLEAN, &yes, DBUS_TYPE_INVALID);
+        dbus_message_append_args(answer.get(), DBUS_TYPE_BOOLEAN, &isLoaded, DBUS_TYPE_INVALID);
     } else if (member == "setShortcut") {
         DBusMessageIter arguments;
         DBusMessageIter list;
@@ -94,6 +94,8 @@ void ScriptedKWin::handle(DBusMessage& call) {
             const std::lock_guard lock(guard_);
             program_ = dbus_message_get_sender(&call);
         }
+        ++scripts;
+        hasScript = true;
         tell("pointer", "1 2");
         tell("windows", windows_);
     }
@@ -152,7 +154,8 @@ void ScriptedKWin::tell(const char* method, const std::string& text) {
 void ScriptedKWin::pretend(const char* method, const std::string& text) {
     const auto stranger = openBus(bus_.address());
     dbus_connection_send(stranger.get(), toProgram(method, text).get(), nullptr);
-    dbus_connection_flush(stranger.get());
+    // The bus answers once it has passed that on.
+    dbus_bus_name_has_owner(stranger.get(), "org.kde.KWin", nullptr);
 }
 
 void ScriptedKWin::press(const std::string& action) {

@@ -31,6 +31,8 @@ public:
     std::atomic<std::uint32_t> color = 0xFF112233; ///< of every pixel of every window
     std::atomic<bool> answers = true;              ///< whether it answers any call at all
     std::atomic<int> captures = 0;                 ///< how often a picture was asked for
+    std::atomic<bool> hasScript = true;            ///< what it says when it is asked
+    std::atomic<int> scripts = 0;                  ///< how often the script was run
     std::atomic<int> keys = 0;                     ///< how many keys it keeps
     std::atomic<bool> gives = true;                ///< whether a key is given to who asks for it
 

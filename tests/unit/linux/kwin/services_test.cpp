@@ -17,8 +17,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-std::string line(const std::string& id, bool tellsDamage) {
-    return id + "\t77\tnormal\t1\t1\t10 20 40 20\t\t\t0\t" + (tellsDamage ? "1" : "0") +
+std::string line(const std::string& id, bool tellsDamage,
+                 const std::string& frame = "10 20 40 20") {
+    return id + "\t77\tnormal\t1\t1\t" + frame + "\t\t\t0\t" + (tellsDamage ? "1" : "0") +
            "\teditor\tEditor\t\tNotes";
 }
 
@@ -68,6 +69,8 @@ TEST_F(KWinServices, AreHeardFromKWinAlone) {
     int moves = 0;
     const auto token = bridge->onPointer([&] { ++moves; });
     kwin.pretend("pointer", "500 500");
+    loop.settle();
+    EXPECT_EQ(moves, 0);
     kwin.tell("pointer", "5 6");
     ASSERT_TRUE(loop.runUntil([&] { return moves > 0; }));
     loop.settle();
@@ -111,6 +114,28 @@ TEST_F(KWinServices, KeepAKeyOrSayThatItIsTaken) {
     kwin.gives = false;
     const auto another = shortcuts.take("pin", "Pin", 2, [] {});
     EXPECT_TRUE(taken);
+}
+
+// Somebody else unloads it, and what happens until it runs again is heard of by nobody.
+TEST_F(KWinServices, DoNotTrustPicturesFromBeforeTheScriptRanAnew) {
+    EXPECT_EQ(pixel(), 0xFF332211);
+    kwin.hasScript = false;
+    kwin.color = 0xFF445566;
+    letPicturesAge();
+    loop.skip(2.5);
+    ASSERT_TRUE(loop.runUntil([&] { return kwin.scripts == 2; }));
+    loop.settle();
+    EXPECT_EQ(pixel(), 0xFF665544);
+}
+
+TEST_F(KWinServices, DoNotStretchThePictureOfAWindowThatHasBecomeLarger) {
+    ASSERT_TRUE(pixel());
+    kwin.tell("damaged", "{1}");
+    kwin.tell("windows", line("{1}", true, "10 20 80 40"));
+    loop.settle(std::chrono::milliseconds(10));
+    const int before = kwin.captures;
+    EXPECT_TRUE(pixel());
+    EXPECT_GT(kwin.captures, before);
 }
 
 class KWinServicesWithoutDamage : public KWinServices {
