@@ -17,7 +17,8 @@ namespace {
 constexpr const char* page = R"(<!doctype html><title>Places</title>
 <style>body { margin: 0; background: #ffffff } button { position: absolute; left: 100px; top: 80px;
 width: 160px; height: 44px; border: 0; background: #14532d; color: #ffffff; font: 16px sans-serif }
-</style><button>Save</button>)";
+</style><button>Save</button>
+<script>onwheel = () => document.querySelector("button").style.top = "60px"</script>)";
 
 /// The accent over whatever is below, at the strength of an outline.
 bool isAccent(std::uint32_t pixel) {
@@ -27,10 +28,10 @@ bool isAccent(std::uint32_t pixel) {
     return red - green >= leastPinkness;
 }
 
-bool showsOutlineOfButton(const KwinDesktop& desktop) {
+bool showsOutlineOfButton(const KwinDesktop& desktop, int top = 80) {
     const Bitmap screen = desktop.screenshot();
-    return isAccent(screen.at(100, 91)) && isAccent(screen.at(259, 91)) &&
-           isAccent(screen.at(140, 80)) && isAccent(screen.at(140, 123));
+    return isAccent(screen.at(100, top + 11)) && isAccent(screen.at(259, top + 11)) &&
+           isAccent(screen.at(140, top)) && isAccent(screen.at(140, top + 43));
 }
 
 /// What KWin answers when it is asked something about a process's script.
@@ -110,6 +111,9 @@ TEST(PlasmaInspect, OutlinesWhatThePointerIsOverUntilEscape) {
     ASSERT_NO_FATAL_FAILURE(requireOutline(desktop, lumetry));
     EXPECT_FALSE(scriptRuns(desktop, killed));
     EXPECT_TRUE(scriptRuns(desktop, lumetry.pid()));
+    // The page moves below the pointer.
+    desktop.input().scroll(10);
+    requireUntil("the outline to follow", [&] { return showsOutlineOfButton(desktop, 60); });
     desktop.input().typeKey(KEY_ESC);
     requireUntil("the script to be unloaded", [&] { return !scriptRuns(desktop, lumetry.pid()); });
 }

@@ -38,7 +38,7 @@ struct Window {
     Rect client; ///< without decorations
     Rect buffer; ///< what the application draws, its own shadow included
     bool inTaskBar = true;
-    bool tellsDamage = false;         ///< whether KWin says when it has drawn anew
+    bool tellsDamage = false;         ///< whether KWin says whenever it has drawn anew
     std::vector<std::string> classes; ///< resource name and class, and the desktop file's name
     std::string caption;
 
@@ -76,7 +76,7 @@ public:
     /// Calls the handler with the id of a window that has drawn anew; now and then while it goes on
     /// drawing.
     [[nodiscard]] Token onDamage(std::function<void(const std::string&)> handler);
-    /// Since when a window has surely looked the same. Absent when KWin does not say when it draws.
+    /// Since when a window has surely looked the same. Absent when KWin may not say when it draws.
     [[nodiscard]] std::optional<std::chrono::steady_clock::time_point>
     unchangedSince(const Window& window) const;
 

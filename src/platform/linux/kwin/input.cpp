@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -12,12 +13,20 @@ namespace {
 constexpr int escape = 0x01000000;
 constexpr int pinShortcut = 0x04000000 | 0x02000000 | 0x41; // Control-Shift-A
 
+/// How long a look at what draws is put off, in seconds, so that it sees all that was drawn at once.
+constexpr double shortly = 0.1;
+/// The same of what has drawn for longer than scrolling takes: a film, or a spinner.
+constexpr double nowAndThen = 0.5;
+constexpr double longestScrolling = 2;
+
 } // namespace
 
 KWinInput::KWinInput(Bridge& bridge, GlobalShortcuts& shortcuts, ModifierSource modifiers,
-                     std::function<std::vector<Output>()> outputs)
+                     std::function<std::vector<Output>()> outputs, RunLoop& runLoop)
     : bridge_(bridge), shortcuts_(shortcuts), modifiers_(std::move(modifiers)),
-      outputs_(std::move(outputs)), pointerEvents_(bridge.onPointer([this] { pointerMoved(); })) {}
+      outputs_(std::move(outputs)), runLoop_(runLoop),
+      pointerEvents_(bridge.onPointer([this] { pointerMoved(); })),
+      damages_(bridge.onDamage([this](const std::string& window) { windowHasDrawn(window); })) {}
 
 Point KWinInput::location() {
     const auto at = bridge_.pointer().value_or(Point());
@@ -67,25 +76,45 @@ Token KWinInput::watchModifiers() {
 }
 
 void KWinInput::pointerMoved() {
-    if (!monitors_.isEmpty() && !isOverOwnWindow()) {
+    if (monitors_.isEmpty()) {
+        return;
+    }
+    const Window* const window = windowUnderPointer();
+    if (window == nullptr || window->pid != getpid()) {
         monitors_.call({EventType::mouseMoved});
     }
 }
 
-/// The overlay, which no task bar shows, does not count.
-bool KWinInput::isOverOwnWindow() {
+void KWinInput::windowHasDrawn(const std::string& windowId) {
+    const Window* const window = monitors_.isEmpty() ? nullptr : windowUnderPointer();
+    if (window == nullptr || window->id != windowId) {
+        return;
+    }
+    const double now = runLoop_.now();
+    if (now - lastDrawn_ > nowAndThen) {
+        drawsSince_ = now;
+    }
+    lastDrawn_ = now;
+    if (!std::exchange(looksAgain_, true)) {
+        const bool isScrolling = now - drawsSince_ < longestScrolling;
+        runLoop_.after(isScrolling ? shortly : nowAndThen, lifetime_.guard([this] {
+            looksAgain_ = false;
+            monitors_.call({EventType::scrollWheel});
+        }));
+    }
+}
+
+/// Null when it is not known. The overlay, which no task bar shows, does not count.
+const Window* KWinInput::windowUnderPointer() {
     const auto at = bridge_.pointer();
     const auto& windows = bridge_.windows();
     if (!at || !windows) {
-        return false;
+        return nullptr;
     }
-    for (const Window& window : *windows) {
-        const bool isOwn = window.pid == getpid();
-        if (window.frame.contains(*at) && (!isOwn || window.inTaskBar)) {
-            return isOwn;
-        }
-    }
-    return false;
+    const auto found = std::ranges::find_if(*windows, [at](const Window& window) {
+        return window.frame.contains(*at) && (window.pid != getpid() || window.inTaskBar);
+    });
+    return found == windows->end() ? nullptr : &*found;
 }
 
 } // namespace lumetry::kwin

@@ -6,8 +6,10 @@
 #include "platform/linux/kwin/bridge.h"
 #include "platform/linux/kwin/global_shortcuts.h"
 #include "platform/linux/kwin/windows.h"
+#include "platform/run_loop.h"
 
 #include <functional>
+#include <string>
 #include <vector>
 
 namespace lumetry::kwin {
@@ -22,11 +24,12 @@ struct ModifierSource {
 
 /// The pointer as the script reports it, and keys. Where KWin tells no client which modifiers are
 /// down (version 5), a shortcut stands in place of holding Alt: it pins an element, and lets go of
-/// it.
+/// it. No version tells it of scrolling: what scrolls draws, so that drawing below the pointer is told
+/// in its place.
 class KWinInput final : public Pointer, public EventMonitors {
 public:
     KWinInput(Bridge& bridge, GlobalShortcuts& shortcuts, ModifierSource modifiers,
-              std::function<std::vector<Output>()> outputs);
+              std::function<std::vector<Output>()> outputs, RunLoop& runLoop);
 
     [[nodiscard]] Point location() override;
     [[nodiscard]] ModifierFlags modifierFlags() override;
@@ -36,14 +39,20 @@ public:
 private:
     [[nodiscard]] Token watchModifiers();
     void pointerMoved();
-    [[nodiscard]] bool isOverOwnWindow();
+    void windowHasDrawn(const std::string& windowId);
+    [[nodiscard]] const Window* windowUnderPointer();
 
     Bridge& bridge_;
     GlobalShortcuts& shortcuts_;
     ModifierSource modifiers_;
     std::function<std::vector<Output>()> outputs_;
+    RunLoop& runLoop_;
     HandlerList<const Event&> monitors_;
     Token pointerEvents_;
+    Token damages_;
+    double drawsSince_ = 0; ///< when what is below the pointer began to draw, on and on
+    double lastDrawn_ = 0;
+    bool looksAgain_ = false; ///< a task is waiting to
     bool pinned_ = false;
     Lifetime lifetime_;
 };

@@ -8,10 +8,10 @@ namespace lumetry::kwin {
 /// connection of the session bus, which takes the place of "@SERVICE@". A window is one line of
 /// fields that are separated by tabs; KWin 5 lists its windows by age, with their places in the
 /// stack, KWin 6 from the bottom up. That a window of another process than "@PID@" has drawn anew
-/// is told at once, and then not again before "@DAMAGE_PAUSE@" milliseconds have passed; not by
-/// KWin 6, of which it is not known whether it counts what a window's subsurfaces draw. Lumetry's
-/// overlay is left out, whichever process shows it: what lies below it is measured from the command
-/// line as well.
+/// is told at once, and then not again before "@DAMAGE_PAUSE@" milliseconds have passed. Of KWin 6
+/// it is not known whether it counts what a window's subsurfaces draw: there nothing follows from
+/// its silence. Lumetry's overlay is left out, whichever process shows it: what lies below it is
+/// measured from the command line as well.
 inline constexpr std::string_view script = R"js(
 "use strict";
 var six = workspace.stackingOrder !== undefined;
@@ -41,7 +41,7 @@ function shows(window) {
         !window.hiddenByShowDesktop;
 }
 function tellsDamage(window) {
-    return !six && window.damaged !== undefined && window.damaged.connect !== undefined;
+    return window.damaged !== undefined && window.damaged.connect !== undefined;
 }
 function plain(text) {
     return String(text === undefined || text === null ? "" : text).replace(/[\t\r\n]/g, " ");
@@ -59,7 +59,7 @@ function report() {
             lines.push([plain(window.internalId), window.pid, kindOf(window),
                         window === active ? 1 : 0, window.opacity, place(window.frameGeometry),
                         place(window.clientGeometry), place(window.bufferGeometry),
-                        window.skipTaskbar ? 1 : 0, tellsDamage(window) ? 1 : 0,
+                        window.skipTaskbar ? 1 : 0, !six && tellsDamage(window) ? 1 : 0,
                         plain(window.resourceName),
                         plain(window.resourceClass), plain(window.desktopFileName),
                         plain(window.caption)].join("\t"));

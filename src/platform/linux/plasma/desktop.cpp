@@ -31,7 +31,7 @@ struct PlasmaDesktop::Parts {
                  [this](std::function<void()> handler) {
                      return wayland->onModifierFlags(std::move(handler));
                  }},
-                [this] { return outputs(); }) {}
+                [this] { return outputs(); }, runLoop) {}
 
     /// In KWin's coordinates, the primary one first.
     [[nodiscard]] std::vector<kwin::Output> outputs() const {
