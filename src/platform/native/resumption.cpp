@@ -16,6 +16,7 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -24,11 +25,14 @@
 namespace lumetry {
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 /// When this process has begun anew lately: seconds since the machine's start, separated by commas.
 constexpr const char* mark = "LUMETRY_BEGINS_ANEW";
 constexpr auto pause = std::chrono::milliseconds(200);
-/// How long a compositor may take to answer: it is busy while it starts.
-constexpr auto answerPatience = std::chrono::seconds(3);
+/// How long a compositor may take to answer at first: it is busy while it starts. Twice as long at
+/// each further try, as one that is given up is more work to it.
+constexpr auto firstAnswerPatience = std::chrono::seconds(2);
 /// A desktop that takes longer has not crashed but ended.
 constexpr auto patience = std::chrono::seconds(30);
 /// A connection that breaks more often than that within a minute will do so again.
@@ -51,16 +55,19 @@ struct Disconnect {
 };
 
 /// Whether a compositor answers, and not only whoever keeps its socket open.
-bool compositorAnswers() {
+bool compositorAnswers(std::chrono::milliseconds longest, TerminationSignals& endRequests) {
     const std::unique_ptr<wl_display, Disconnect> display(wl_display_connect(nullptr));
     if (!display || wl_display_get_registry(display.get()) == nullptr ||
         wl_display_flush(display.get()) < 0) {
         return false;
     }
     pollfd answer = {wl_display_get_fd(display.get()), POLLIN, 0};
-    const auto longest = std::chrono::milliseconds(answerPatience);
-    return poll(&answer, 1, static_cast<int>(longest.count())) == 1 &&
-           wl_display_dispatch(display.get()) >= 0;
+    int answered = 0;
+    const auto end = Clock::now() + longest;
+    while (answered == 0 && !endRequests.received() && Clock::now() < end) {
+        answered = poll(&answer, 1, static_cast<int>(pause.count()));
+    }
+    return answered == 1 && wl_display_dispatch(display.get()) >= 0;
 }
 
 void beginAnew(const std::string& newMark) {
@@ -91,7 +98,9 @@ std::optional<std::string> addedBeginning(const std::string& beginnings, long no
 }
 
 void beginAnewOnceBack(TerminationSignals& endRequests) {
-    // Both connections tell of the same end.
+    // Both connections tell of the same end, each in its own thread.
+    static std::mutex oneAtATime;
+    const std::lock_guard lock(oneAtATime);
     static bool hasGivenUp = false;
     const auto newMark = hasGivenUp ? std::nullopt : addedBeginning(marked(), secondsOfMachine());
     if (!newMark && !hasGivenUp) {
@@ -99,11 +108,16 @@ void beginAnewOnceBack(TerminationSignals& endRequests) {
                   << mostBeginnings + 1
                   << " times within a minute; see what the compositor's log says of it\n";
     }
-    const auto end = std::chrono::steady_clock::now() + patience;
-    while (newMark && !endRequests.received() && std::chrono::steady_clock::now() < end) {
-        if (compositorAnswers() && PlasmaDesktop::isPresent()) {
+    const auto end = Clock::now() + patience;
+    std::chrono::milliseconds longest = firstAnswerPatience;
+    while (newMark && !endRequests.received() && Clock::now() < end) {
+        const auto asked = Clock::now();
+        if (compositorAnswers(longest, endRequests) && PlasmaDesktop::isPresent()) {
             beginAnew(*newMark);
             break;
+        }
+        if (Clock::now() - asked >= longest) {
+            longest *= 2;
         }
         std::this_thread::sleep_for(pause);
     }

@@ -52,8 +52,8 @@ std::string row(const Json& measured, const std::string& label) {
 /// and what was said last is printed.
 Json measureUntil(const KwinDesktop& desktop, Point at, const std::string& header) {
     Json measured;
-    // Browsers start slowly where KWin draws without a graphics card. Firefox waits for KWin to draw,
-    // which it does not do on an output that nobody looks at: a screenshot makes it.
+    // Browsers start slowly where KWin draws without a graphics card. Firefox waits for KWin to
+    // draw, which it does not do on an output that nobody looks at: a screenshot makes it.
     constexpr auto patience = std::chrono::seconds(60);
     const bool isThere = waitUntil(
         [&] {

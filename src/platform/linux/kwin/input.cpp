@@ -13,7 +13,8 @@ namespace {
 constexpr int escape = 0x01000000;
 constexpr int pinShortcut = 0x04000000 | 0x02000000 | 0x41; // Control-Shift-A
 
-/// How long a look at what draws is put off, in seconds, so that it sees all that was drawn at once.
+/// How long a look at what draws is put off, in seconds, so that it sees all that was drawn at
+/// once.
 constexpr double shortly = 0.1;
 /// The same of what has drawn for longer than scrolling takes: a film, or a spinner.
 constexpr double nowAndThen = 0.5;

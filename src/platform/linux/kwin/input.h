@@ -24,8 +24,8 @@ struct ModifierSource {
 
 /// The pointer as the script reports it, and keys. Where KWin tells no client which modifiers are
 /// down (version 5), a shortcut stands in place of holding Alt: it pins an element, and lets go of
-/// it. No version tells it of scrolling: what scrolls draws, so that drawing below the pointer is told
-/// in its place.
+/// it. No version tells it of scrolling: what scrolls draws, so that drawing below the pointer is
+/// told in its place.
 class KWinInput final : public Pointer, public EventMonitors {
 public:
     KWinInput(Bridge& bridge, GlobalShortcuts& shortcuts, ModifierSource modifiers,
