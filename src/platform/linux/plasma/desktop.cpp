@@ -25,13 +25,14 @@ struct PlasmaDesktop::Parts {
                   return capture.isAllowed() || kwin::permitScreenshots(kwin::userDataFolder());
               },
               runLoop),
-          input(*bridge, shortcuts,
-                {[this] { return wayland->tellsModifierKeys(); },
-                 [this] { return wayland->modifierFlags(); },
-                 [this](std::function<void()> handler) {
-                     return wayland->onModifierFlags(std::move(handler));
-                 }},
-                [this] { return outputs(); }, runLoop) {}
+          input(
+              *bridge, shortcuts,
+              {[this] { return wayland->tellsModifierKeys(); },
+               [this] { return wayland->modifierFlags(); },
+               [this](std::function<void()> handler) {
+                   return wayland->onModifierFlags(std::move(handler));
+               }},
+              [this] { return outputs(); }, runLoop) {}
 
     /// In KWin's coordinates, the primary one first.
     [[nodiscard]] std::vector<kwin::Output> outputs() const {

@@ -1,5 +1,6 @@
 #include "platform/linux/kwin/bridge.h"
 #include "platform/linux/kwin/global_shortcuts.h"
+#include "platform/linux/kwin/input.h"
 #include "platform/linux/kwin/screen_capture.h"
 #include "scripted_kwin.h"
 #include "support/fake_linux/poll_loop.h"
@@ -136,6 +137,38 @@ TEST_F(KWinServices, DoNotStretchThePictureOfAWindowThatHasBecomeLarger) {
     const int before = kwin.captures;
     EXPECT_TRUE(pixel());
     EXPECT_GT(kwin.captures, before);
+}
+
+// KWin tells nobody of scrolling, but what scrolls draws.
+TEST_F(KWinServices, HaveWhatDrawsBelowThePointerLookedAtAgain) {
+    GlobalShortcuts shortcuts(loop, loop);
+    KWinInput input(
+        *bridge, shortcuts,
+        {[] { return true; }, [] { return ModifierFlags(); }, [](const auto&) { return Token(); }},
+        [] { return std::vector<Output>(); }, loop);
+    int damages = 0;
+    const auto heard = bridge->onDamage([&](const std::string&) { ++damages; });
+    int looks = 0;
+    const auto token = input.addGlobalMonitorForEvents(eventMask(EventType::scrollWheel),
+                                                       [&](const Event&) { ++looks; });
+    const auto drawFor = [&](double seconds, const std::string& pointer = "15 25") {
+        for (const double end = loop.now() + seconds; loop.now() < end; loop.skip(0.1)) {
+            kwin.tell("pointer", pointer);
+            const int before = damages;
+            kwin.tell("damaged", "{1}");
+            loop.requireUntil("damage", [&] { return damages > before; });
+        }
+    };
+    drawFor(0.5, "1 2");
+    EXPECT_EQ(looks, 0); // the pointer is elsewhere
+    drawFor(1.5);
+    EXPECT_GE(looks, 5);
+    // A film is not followed picture by picture.
+    drawFor(1);
+    looks = 0;
+    drawFor(4);
+    EXPECT_GE(looks, 3);
+    EXPECT_LE(looks, 9);
 }
 
 class KWinServicesWithoutDamage : public KWinServices {
