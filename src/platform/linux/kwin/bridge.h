@@ -64,12 +64,14 @@ public:
     /// Those on the screen, the topmost first. Runs the script for a while where nobody uses it.
     /// Absent when KWin does not answer.
     [[nodiscard]] const std::optional<std::vector<Window>>& windows();
-    /// Those that were last reported, without having the script run.
+    /// Where the pointer is, in KWin's coordinates; absent when KWin does not answer.
+    [[nodiscard]] std::optional<Point> pointer();
+    /// @{ What was last reported, without having the script run.
     [[nodiscard]] const std::optional<std::vector<Window>>& knownWindows() const {
         return windows_;
     }
-    /// Where the pointer is, in KWin's coordinates; absent when KWin does not answer.
-    [[nodiscard]] std::optional<Point> pointer();
+    [[nodiscard]] const std::optional<Point>& knownPointer() const { return pointer_; }
+    /// @}
     /// Calls the handler when the pointer has moved.
     [[nodiscard]] Token onPointer(std::function<void()> handler);
 

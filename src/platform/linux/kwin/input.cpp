@@ -107,12 +107,13 @@ void KWinInput::windowHasDrawn(const std::string& windowId) {
 
 /// Null when it is not known. The overlay, which no task bar shows, does not count.
 const Window* KWinInput::windowUnderPointer() {
-    const auto at = bridge_.pointer();
-    const auto& windows = bridge_.windows();
-    if (!at || !windows) {
+    // This comes up in the middle of a report's way in: no other one is waited for.
+    const auto& windows = bridge_.knownWindows();
+    const auto& at = bridge_.knownPointer();
+    if (!windows || !at) {
         return nullptr;
     }
-    const auto found = std::ranges::find_if(*windows, [at](const Window& window) {
+    const auto found = std::ranges::find_if(*windows, [&at](const Window& window) {
         return window.frame.contains(*at) && (window.pid != getpid() || window.inTaskBar);
     });
     return found == windows->end() ? nullptr : &*found;

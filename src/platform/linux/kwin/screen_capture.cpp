@@ -106,8 +106,8 @@ KWinCapture::Shot* KWinCapture::shotOf(const Window& window, Clock::time_point d
 /// Has a picture on its way while the engine still asks what is under the pointer. The window may
 /// change because the pointer has come: what it looked like before will do for now.
 void KWinCapture::pointerMoved() {
-    const auto at = bridge_.knownWindows() ? bridge_.pointer() : std::nullopt;
-    const Window* const window = find(bridge_.knownWindows(), [at](const Window& one) {
+    const auto& at = bridge_.knownPointer();
+    const Window* const window = find(bridge_.knownWindows(), [&at](const Window& one) {
         return at && one.frame.contains(*at) && one.pid != getpid();
     });
     if (window == nullptr) {
