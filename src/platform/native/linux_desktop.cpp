@@ -151,10 +151,11 @@ void LinuxDesktop::putTogether() {
         watches.push_back(watchLockServices(loop_));
         return watches;
     });
+    eventMonitors_.emplace(display_->eventMonitors(), loop_);
     platform_.emplace(Platform{*accessibility_, display_->windowServer(), display_->pointer(),
-                               display_->eventMonitors(), *applications_, fileSystem_, loop_,
-                               defaults_, display_->overlayWindows(rasterizer_),
-                               display_->screenCapture(), *screenLock_});
+                               *eventMonitors_, *applications_, fileSystem_, loop_, defaults_,
+                               display_->overlayWindows(rasterizer_), display_->screenCapture(),
+                               *screenLock_});
 }
 
 int LinuxDesktop::run() {

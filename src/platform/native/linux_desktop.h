@@ -11,6 +11,7 @@
 #include "platform/qt/painter_rasterizer.h"
 #include "platform/qt/qt_defaults.h"
 #include "platform/qt/qt_run_loop.h"
+#include "platform/resting_event_monitors.h"
 
 #include <QGuiApplication>
 
@@ -68,6 +69,7 @@ private:
     std::optional<LinuxApplications> applications_;
     std::optional<AtspiAccessibility> accessibility_;
     std::optional<LinuxScreenLock> screenLock_;
+    std::optional<RestingEventMonitors> eventMonitors_;
     std::optional<Platform> platform_;
 };
 
