@@ -13,7 +13,7 @@ if(LUMETRY_FUZZ)
   target_compile_options(lumetry_options INTERFACE -fsanitize=fuzzer-no-link -O1)
 endif()
 
-# lumetry_library(NAME USES target... [ROOT folder])
+# lumetry_library(NAME USES target... [PRIVATELY target...] [ROOT folder])
 #
 # A static library of all sources of the calling folder. Its headers are included by their path
 # below ROOT (by default the project's src).
@@ -54,7 +54,7 @@ function(lumetry_program name)
   target_link_libraries(${name} PRIVATE ${arg_USES} lumetry_options)
 endfunction()
 
-# lumetry_test(NAME USES target... [PROPERTIES ...]): a GoogleTest program of all sources of the
+# lumetry_test(NAME LABEL label USES target... [PROPERTIES ...]): a GoogleTest program of all sources of the
 # calling folder, its cases registered with CTest. LABEL sets what CTest knows the cases by.
 function(lumetry_test name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "LABEL" "USES;PROPERTIES")

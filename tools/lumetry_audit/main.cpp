@@ -278,8 +278,9 @@ void declare(CLI::App& options, Request& request) {
         ->type_name("FILE");
     options.footer("Behind --, a command: it is started, its first window audited, and it is "
                    "ended. Without any of these, the active window is audited.\n"
-                   "Exit status: 0 when nothing was found, 1 for findings, 2 for wrong usage, a "
-                   "desktop that cannot be read or a report that cannot be written, 3 when the "
+                   "Exit status: 0 when nothing was found that fails (--fail-on), 1 when something "
+                   "was, 2 for wrong usage, a desktop that cannot be read or a report that cannot "
+                   "be written, 3 when the "
                    "window could not be audited.");
 }
 

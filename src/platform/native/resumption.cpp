@@ -30,8 +30,8 @@ using Clock = std::chrono::steady_clock;
 /// When this process has begun anew lately: seconds since the machine's start, separated by commas.
 constexpr const char* mark = "LUMETRY_BEGINS_ANEW";
 constexpr auto pause = std::chrono::milliseconds(200);
-/// How long a compositor may take to answer at first: it is busy while it starts. Twice as long at
-/// each further try, as one that is given up is more work to it.
+/// How long a compositor may take to answer at first: it is busy while it starts. Twice as long
+/// after each try without an answer, as one that is given up is more work to it.
 constexpr auto firstAnswerPatience = std::chrono::seconds(2);
 /// A desktop that takes longer has not crashed but ended.
 constexpr auto patience = std::chrono::seconds(30);
@@ -74,7 +74,7 @@ void beginAnew(const std::string& newMark) {
     std::error_code error;
     std::string program = std::filesystem::read_symlink("/proc/self/exe", error).string();
     setenv(mark, newMark.c_str(), 1);
-    // This process holds them back, and the next one inherits that.
+    // The signals that end a process are blocked in this one, and the next one would inherit that.
     sigset_t none;
     sigemptyset(&none);
     pthread_sigmask(SIG_SETMASK, &none, nullptr);

@@ -449,7 +449,7 @@ void Bridge::linger() {
     }));
 }
 
-/// Loads the script anew when somebody else has unloaded it.
+/// Loads the script anew when it does not run: somebody else may have unloaded it.
 void Bridge::check() {
     checks_ = false;
     if (users_ == 0 || !bus_) {

@@ -17,6 +17,8 @@ constexpr const char* interface = "org.kde.KGlobalAccel";
 constexpr const char* componentInterface = "org.kde.kglobalaccel.Component";
 constexpr const char* component = "app.lumetry.Lumetry";
 const std::vector<std::string> takenWhileInspecting = {"leave", "pin"};
+/// The action of the one hot key.
+constexpr const char* hotKeyAction = "inspect";
 /// Active now, and not what the user has set earlier for the same action.
 constexpr dbus_uint32_t presentAndFixed = 2 | 4;
 
@@ -114,7 +116,7 @@ void GlobalShortcuts::enrol(const std::shared_ptr<Shortcut>& shortcut) {
                 enrol(held);
             }
         }));
-    } else if (keyIn(*answer) != shortcut->key && onTaken_) {
+    } else if (shortcut->action == hotKeyAction && keyIn(*answer) != shortcut->key && onTaken_) {
         std::exchange(onTaken_, nullptr)();
     }
 }
@@ -180,7 +182,7 @@ Token GlobalShortcuts::registerEventHotKey(std::uint32_t keyCode, std::uint32_t 
     }
     const int key = letterM | ((modifiers & hotKeyShift) != 0 ? shift : 0) |
                     ((modifiers & hotKeyControl) != 0 ? control : 0);
-    return take("inspect", "Inspect mode on and off", key, [this, id] {
+    return take(hotKeyAction, "Inspect mode on and off", key, [this, id] {
         const HotKeyEvent event = {id};
         handlers_.callUntil(noErr, &event);
     });

@@ -28,7 +28,7 @@ public:
     /// @param key as Qt counts keys, with its modifiers
     [[nodiscard]] Token take(const std::string& action, const std::string& title, int key,
                              std::function<void()> handler);
-    /// Calls the handler when a hot key turns out to be another program's, once.
+    /// Calls the handler when the hot key turns out to be another program's, once.
     void onTaken(std::function<void()> handler) { onTaken_ = std::move(handler); }
 
     [[nodiscard]] Token installEventHandler(Handler handler) override;

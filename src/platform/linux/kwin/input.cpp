@@ -105,7 +105,7 @@ void KWinInput::windowHasDrawn(const std::string& windowId) {
     }
 }
 
-/// Null when it is not known. The overlay, which no task bar shows, does not count.
+/// Null when it is not known. Own windows that no task bar shows do not count.
 const Window* KWinInput::windowUnderPointer() {
     // This comes up in the middle of a report's way in: no other one is waited for.
     const auto& windows = bridge_.knownWindows();

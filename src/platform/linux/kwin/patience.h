@@ -2,7 +2,7 @@
 
 namespace lumetry::kwin {
 
-/// How long anything of KWin may hold the program up.
+/// How long one answer of KWin is waited for.
 inline constexpr int patienceMilliseconds = 500;
 
 } // namespace lumetry::kwin

@@ -323,9 +323,7 @@ bool WindowScreenshots::isAllowed() {
     DBusError error = DBUS_ERROR_INIT;
     const BusMessage answer(dbus_connection_send_with_reply_and_block(
         bus_.get(), call.get(), patienceMilliseconds, &error));
-    const bool allowed = answer != nullptr || (error.name != nullptr &&
-                                               std::string_view(error.name).find("InvalidWindow") !=
-                                                   std::string_view::npos);
+    const bool allowed = answer != nullptr || saysNoSuchWindow(error.name);
     dbus_error_free(&error);
     read(0);
     return allowed;

@@ -16,7 +16,7 @@ namespace lumetry {
 struct DesktopWindow {
     std::uint32_t id = 0;     ///< of the application's own window, the same for as long as it lives
     std::optional<pid_t> pid; ///< of its owner; absent where that cannot be told
-    Rect bounds;              ///< pixels of the root window, with its decorations, without shadow
+    Rect bounds;              ///< root space, with its decorations, without shadow
     bool popup = false;       ///< a menu, drop-down, tooltip or the like
     Rect client = {};         ///< the same without its decorations
     /// What its application draws, shadow included; only where applications count from their

@@ -114,6 +114,8 @@ TEST_F(KWinServices, KeepAKeyOrSayThatItIsTaken) {
     ASSERT_TRUE(loop.runUntil([&] { return presses == 1; }));
     kwin.gives = false;
     const auto another = shortcuts.take("pin", "Pin", 2, [] {});
+    EXPECT_FALSE(taken); // this is not the hot key
+    const auto hotKey = shortcuts.registerEventHotKey(keyCodeM, hotKeyShift | hotKeyControl, {});
     EXPECT_TRUE(taken);
 }
 
