@@ -125,6 +125,15 @@ std::optional<Window> readWindow(std::string_view line) {
     return window;
 }
 
+/// False when the bus does not say.
+bool hasNoOwner(DBusConnection* bus, const std::string& name) {
+    DBusError error = DBUS_ERROR_INIT;
+    const bool isOwned = dbus_bus_name_has_owner(bus, name.c_str(), &error) != FALSE;
+    const bool isSaid = dbus_error_is_set(&error) == FALSE;
+    dbus_error_free(&error);
+    return isSaid && !isOwned;
+}
+
 } // namespace
 
 std::vector<Window> readWindows(std::string_view report) {
@@ -203,12 +212,14 @@ void Bridge::unloadLeftovers() {
             name.starts_with(filePrefix)
                 ? static_cast<pid_t>(std::strtol(&name[filePrefix.size()], nullptr, 10))
                 : 0;
+        if (process <= 0) {
+            continue; // somebody else's, which may be anything
+        }
         // This one's own was left by the same process before it began anew. Another process may
         // have got the number of one that was killed, but not its name on the bus.
-        const bool isLeft =
-            process == getpid() || (kill(process, 0) != 0 && errno == ESRCH) ||
-            dbus_bus_name_has_owner(bus_.get(), serviceIn(entry.path()).c_str(), nullptr) == FALSE;
-        if (process > 0 && isLeft) {
+        const bool isLeft = process == getpid() || (kill(process, 0) != 0 && errno == ESRCH) ||
+                            hasNoOwner(bus_.get(), serviceIn(entry.path()));
+        if (isLeft) {
             static_cast<void>(askKWin(scriptingPath, scriptingInterface, "unloadScript",
                                       {scriptNameOf(process)}));
             std::filesystem::remove(entry.path(), error);

@@ -23,7 +23,9 @@ constexpr const char* hotKeyAction = "inspect";
 constexpr dbus_uint32_t presentAndFixed = 2 | 4;
 
 BusMessage callOf(const char* method) {
-    return BusMessage(dbus_message_new_method_call(service, path, interface, method));
+    BusMessage call(dbus_message_new_method_call(service, path, interface, method));
+    dbus_message_set_auto_start(call.get(), FALSE); // it is KWin's, or nobody's
+    return call;
 }
 
 void appendTexts(DBusMessageIter& arguments, const std::vector<std::string>& texts) {
@@ -87,7 +89,7 @@ Token GlobalShortcuts::take(const std::string& action, const std::string& title,
     }));
 }
 
-/// Has KWin keep the key. Whoever does not answer in time is asked again later.
+/// Has KWin keep the key, which is asked again later where it does not.
 void GlobalShortcuts::enrol(const std::shared_ptr<Shortcut>& shortcut) {
     if (!bus_) {
         return;

@@ -19,6 +19,8 @@ constexpr double shortly = 0.1;
 /// The same of what has drawn for longer than scrolling takes: a film, or a spinner.
 constexpr double nowAndThen = 0.5;
 constexpr double longestScrolling = 2;
+/// For how long after it has told of drawing the script may keep more of it to itself.
+constexpr double untold = 0.075;
 
 } // namespace
 
@@ -92,17 +94,27 @@ void KWinInput::windowHasDrawn(const std::string& windowId) {
         return;
     }
     const double now = runLoop_.now();
-    if (now - lastDrawn_ > nowAndThen) {
+    if (now - lastDrawn_ > nowAndThen || drawing_ != windowId) {
         drawsSince_ = now;
+        drawing_ = windowId;
     }
     lastDrawn_ = now;
-    if (!std::exchange(looksAgain_, true)) {
-        const bool isScrolling = now - drawsSince_ < longestScrolling;
-        runLoop_.after(isScrolling ? shortly : nowAndThen, lifetime_.guard([this] {
-            looksAgain_ = false;
-            monitors_.call({EventType::scrollWheel});
-        }));
+    if (!looksAgain_) {
+        lookLater();
     }
+}
+
+void KWinInput::lookLater() {
+    looksAgain_ = true;
+    const bool isScrolling = runLoop_.now() - drawsSince_ < longestScrolling;
+    runLoop_.after(isScrolling ? shortly : nowAndThen, lifetime_.guard([this] {
+        looksAgain_ = false;
+        const bool mayDrawUntold = runLoop_.now() - lastDrawn_ < untold;
+        monitors_.call({EventType::scrollWheel});
+        if (mayDrawUntold && !looksAgain_) {
+            lookLater();
+        }
+    }));
 }
 
 /// Null when it is not known. Own windows that no task bar shows do not count.

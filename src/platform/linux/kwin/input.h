@@ -40,6 +40,7 @@ private:
     [[nodiscard]] Token watchModifiers();
     void pointerMoved();
     void windowHasDrawn(const std::string& windowId);
+    void lookLater();
     [[nodiscard]] const Window* windowUnderPointer();
 
     Bridge& bridge_;
@@ -50,7 +51,8 @@ private:
     HandlerList<const Event&> monitors_;
     Token pointerEvents_;
     Token damages_;
-    double drawsSince_ = 0; ///< when what is below the pointer began to draw, on and on
+    std::string drawing_;   ///< id of the window that has drawn last below the pointer
+    double drawsSince_ = 0; ///< when it began to draw, on and on
     double lastDrawn_ = 0;
     bool looksAgain_ = false; ///< a task is waiting to
     bool pinned_ = false;

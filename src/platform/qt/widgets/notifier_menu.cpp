@@ -168,8 +168,11 @@ QList<int> NotifierMenu::ids() const {
 
 /// Null when there is none of that number.
 const MenuItem* NotifierMenu::row(int id) const {
+    if (id < firstId_) {
+        return nullptr;
+    }
     const auto place = static_cast<std::size_t>(id - firstId_);
-    return id >= firstId_ && place < rows_.size() ? &rows_[place] : nullptr;
+    return place < rows_.size() ? &rows_[place] : nullptr;
 }
 
 QVariantMap NotifierMenu::propertiesOf(int id) const {

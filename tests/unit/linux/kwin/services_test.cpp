@@ -2,13 +2,18 @@
 #include "platform/linux/kwin/global_shortcuts.h"
 #include "platform/linux/kwin/input.h"
 #include "platform/linux/kwin/screen_capture.h"
+#include "platform/linux/system/environment.h"
 #include "scripted_kwin.h"
 #include "support/fake_linux/poll_loop.h"
+#include "support/fake_platform/fake_run_loop.h"
 #include "support/printing/printing.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <chrono>
+#include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <thread>
@@ -131,11 +136,30 @@ TEST_F(KWinServices, DoNotTrustPicturesFromBeforeTheScriptRanAnew) {
     EXPECT_EQ(pixel(), 0xFF665544);
 }
 
+// Left-over scripts are looked for among the files of all programs. To open this one takes for
+// ever.
+TEST_F(KWinServices, LeaveOtherProgramsFilesAlone) {
+    std::string folder = "/tmp/lumetry-XXXXXX";
+    ASSERT_NE(mkdtemp(folder.data()), nullptr);
+    const auto pipe = std::filesystem::path(folder) / "some.fifo";
+    ASSERT_EQ(mkfifo(pipe.c_str(), S_IRUSR | S_IWUSR), 0);
+    const std::string before = environmentText("XDG_RUNTIME_DIR");
+    setenv("XDG_RUNTIME_DIR", folder.c_str(), 1);
+    EXPECT_NE(Bridge::open(loop, loop, problem), nullptr);
+    EXPECT_TRUE(std::filesystem::exists(pipe));
+    setenv("XDG_RUNTIME_DIR", before.c_str(), 1);
+    std::filesystem::remove_all(folder);
+}
+
 TEST_F(KWinServices, DoNotStretchThePictureOfAWindowThatHasBecomeLarger) {
     ASSERT_TRUE(pixel());
+    // A picture is on its way already when it changes.
     kwin.tell("damaged", "{1}");
+    ASSERT_TRUE(loop.runUntil([&] { return kwin.captures == 2; }));
     kwin.tell("windows", line("{1}", true, "10 20 80 40"));
-    loop.settle(std::chrono::milliseconds(10));
+    ASSERT_TRUE(loop.runUntil([&] {
+        return bridge->knownWindows()->front().frame == Rect{10, 20, 80, 40};
+    }));
     const int before = kwin.captures;
     EXPECT_TRUE(pixel());
     EXPECT_GT(kwin.captures, before);
@@ -143,18 +167,19 @@ TEST_F(KWinServices, DoNotStretchThePictureOfAWindowThatHasBecomeLarger) {
 
 // KWin tells nobody of scrolling, but what scrolls draws.
 TEST_F(KWinServices, HaveWhatDrawsBelowThePointerLookedAtAgain) {
+    FakeRunLoop clock;
     GlobalShortcuts shortcuts(loop, loop);
     KWinInput input(
         *bridge, shortcuts,
         {[] { return true; }, [] { return ModifierFlags(); }, [](const auto&) { return Token(); }},
-        [] { return std::vector<Output>(); }, loop);
+        [] { return std::vector<Output>(); }, clock);
     int damages = 0;
     const auto heard = bridge->onDamage([&](const std::string&) { ++damages; });
     int looks = 0;
     const auto token = input.addGlobalMonitorForEvents(eventMask(EventType::scrollWheel),
                                                        [&](const Event&) { ++looks; });
     const auto drawFor = [&](double seconds, const std::string& pointer = "15 25") {
-        for (const double end = loop.now() + seconds; loop.now() < end; loop.skip(0.1)) {
+        for (const double end = clock.now() + seconds; clock.now() < end; clock.advance(0.1)) {
             kwin.tell("pointer", pointer);
             const int before = damages;
             kwin.tell("damaged", "{1}");
