@@ -54,8 +54,9 @@ function(lumetry_program name)
   target_link_libraries(${name} PRIVATE ${arg_USES} lumetry_options)
 endfunction()
 
-# lumetry_test(NAME LABEL label USES target... [PROPERTIES ...]): a GoogleTest program of all sources of the
-# calling folder, its cases registered with CTest. LABEL sets what CTest knows the cases by.
+# lumetry_test(NAME LABEL label USES target... [PROPERTIES ...]): a GoogleTest program of all
+# sources of the calling folder, its cases registered with CTest. LABEL sets what CTest knows the
+# cases by.
 function(lumetry_test name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "LABEL" "USES;PROPERTIES")
   lumetry_program(${name} USES ${arg_USES} GTest::gtest GTest::gmock GTest::gtest_main)

@@ -57,8 +57,11 @@ TEST_F(KWinServices, TakeAPictureAgainUntilTheWindowChanges) {
     EXPECT_EQ(pixel(), 0xFF332211);
     EXPECT_EQ(kwin.captures, 1);
     kwin.color = 0xFF445566;
-    kwin.tell("damaged", "{1}");
     letPicturesAge();
+    bool heard = false;
+    const auto damages = bridge->onDamage([&](const std::string&) { heard = true; });
+    kwin.tell("damaged", "{1}");
+    ASSERT_TRUE(loop.runUntil([&] { return heard; }));
     EXPECT_EQ(pixel(), 0xFF665544);
     EXPECT_EQ(kwin.captures, 2);
     // It may go on changing unheard for a while: once it is at rest, there is another picture.
